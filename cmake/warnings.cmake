@@ -1,0 +1,20 @@
+# Warnings are errors, in the project's own code and in all of it.
+add_library(zeb_options INTERFACE)
+target_compile_options(zeb_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror
+  -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Wundef)
+target_include_directories(zeb_options INTERFACE ${CMAKE_SOURCE_DIR})
+
+if(WIN32)
+  target_compile_definitions(zeb_options INTERFACE
+    UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX WINVER=0x0601 _WIN32_WINNT=0x0601)
+  # Nothing but the platform's own libraries is needed at run time. The text of the two rings meets the platform's
+  # interfaces, which look at one object through several types.
+  target_compile_options(zeb_options INTERFACE -fno-strict-aliasing)
+  add_link_options(-static)
+endif()
+
+if(ZEB_SANITIZE)
+  add_compile_options(-fsanitize=${ZEB_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ZEB_SANITIZE})
+endif()

@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Runs a Windows program under Wine with the project's own prefix: run-wine.sh PROGRAM [ARGUMENT...]
+# The variables that the environment sets already stay as they are.
+set -eu
+here=$(cd "$(dirname "$0")/.." && pwd)
+export WINEPREFIX="${WINEPREFIX:-$here/build/wine}"
+export WINEDEBUG="${WINEDEBUG:--all}"
+# mapi32=n: the MAPI32.dll beside the program and not the one that Wine brings along.
+# winedbg.exe=d: an unhandled exception ends the process at once, without a debugger.
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mapi32=n;winedbg.exe=d;mscoree=;mshtml=}"
+exec /usr/lib/wine/wine64 "$@"
