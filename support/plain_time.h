@@ -1,11 +1,11 @@
 #pragma once
 
-// The platform's calendar time and file time, under their published names and layouts, for code that is also built
-// natively.
+// The platform's calendar time and file time, under their published names and layouts, for code that is also
+// built natively.
 
 #ifdef _WIN32
-#include <minwindef.h>
 #include <minwinbase.h>
+#include <minwindef.h>
 #else
 #include <cstdint>
 
