@@ -6,14 +6,15 @@
 
 #include <rpc.h>
 
-/// The binding to the desktop program, 0 while there is none. Process-wide; a logon replaces it. The client stubs of the
-/// callback interface define it and use it.
+/// The binding to the desktop program, 0 while there is none. Process-wide; a logon replaces it. The client
+/// stubs of the callback interface define it and use it.
 extern "C" handle_t g_hOutlookBinding;
 
-/// Makes a binding to "\pipe\OutlookServer32" without contacting it, and keeps it in place of an earlier one, which stays
-/// open: calls may still be running on it. Returns 1, or 0 on failure. A binding text that cannot be composed ends
-/// the process with the status.
+/// Makes a binding to "\pipe\OutlookServer32" without contacting it, and keeps it in place of an earlier one,
+/// which stays open: calls may still be running on it. Returns 1, or 0 on failure. A binding text that cannot
+/// be composed ends the process with the status.
 int BindOutlookServer();
 
-/// Tells the desktop program that the agent is going away. A failed call raises the RPC runtime's structured exception.
+/// Tells the desktop program that the agent is going away. A failed call raises the RPC runtime's structured
+/// exception.
 void SendServerShutdown();

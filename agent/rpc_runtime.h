@@ -1,7 +1,7 @@
 #pragma once
 
-// The functions of the RPC runtime and of the process on which the agent's life depends. They stand in a table so that a
-// test can have each of them fail; the agent itself never changes it.
+// The functions of the RPC runtime and of the process on which the agent's life depends. They stand in a
+// table so that a test can have each of them fail; the agent itself never changes it.
 
 #include <windows.h>
 

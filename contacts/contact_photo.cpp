@@ -57,7 +57,8 @@ void CopyStream(IStream* stream, HANDLE file) {
 /// A photo that is too big for a row comes as a stream of its attachment.
 void CopyAttachment(IMessage* message, ULONG number, HANDLE file) {
     ComPtr<IAttach> attachment;
-    if (message->OpenAttach(number, nullptr, MAPI_BEST_ACCESS, attachment.GetAddressOf()) != S_OK || !attachment) {
+    if (message->OpenAttach(number, nullptr, MAPI_BEST_ACCESS, attachment.GetAddressOf()) != S_OK ||
+        !attachment) {
         return;
     }
     ComPtr<IStream> stream;
@@ -86,8 +87,8 @@ CString SavePhotos(IMessage* message) {
     const RowSet rows = QueryPhotos(attachments.Get());
     for (ULONG i = 0; rows && i < rows->cRows; ++i) {
         path = CString::Format(L"%s\\PIC%d.jpg", g_strDataFolder.c_str(), g_nNextPhoto++);
-        const FileHandle file(
-            CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+        const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                          FILE_ATTRIBUTE_NORMAL, nullptr));
         if (file) {
             WritePhoto(message, rows->aRow[i], file.Get());
         }

@@ -49,8 +49,8 @@ long CMAPIObject::GetContactCount() {
 }
 
 ULONG CMAPIObject::GetContactCountFromFolder(const SBinary& entryId) {
-    static constexpr FolderCount kCount{kContacts, L"GetContactCountFromFolder", L"INVALID Parameter", nullptr,
-                                        L"Get Count from SubFolder"};
+    static constexpr FolderCount kCount{kContacts, L"GetContactCountFromFolder", L"INVALID Parameter",
+                                        nullptr, L"Get Count from SubFolder"};
     const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
     return CountFolderItems(kCount, chosen.Get(), entryId);
 }
@@ -103,8 +103,9 @@ bool CMAPIObject::ReadAllContacts(const FolderIdentity& identity) {
 int CMAPIObject::ReadContactFromFolder(const SBinary& entryId, const CString& path) {
     const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
     const FolderRead read{
-        kContacts, L"ReadContactFromFolder", L"Begin", kContactColumns, m_bStop,
-        [this](const SRow& row, const CString& rowPath) { SendContactRow(row, rowPath); }};
+        kContacts, L"ReadContactFromFolder",
+        L"Begin",  kContactColumns,
+        m_bStop,   [this](const SRow& row, const CString& rowPath) { SendContactRow(row, rowPath); }};
     return ReadFolderItems(read, chosen.Get(), entryId, path);
 }
 

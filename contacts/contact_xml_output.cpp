@@ -14,15 +14,30 @@ namespace {
 
 constexpr int kElementDepth = 1;
 
-constexpr SizedSPropTagArray(47, kColumns) = {
-    47,
-    {PR_ENTRYID,  PR_LONGTERM_ENTRYID_FROM_TABLE,
-     PR_CREATION_TIME,  PR_LAST_MODIFICATION_TIME,
-     0x3A11001F, 0x3A44001F, 0x3A06001F, 0x3A09001F, 0x3A25001F, 0x3A08001F, 0x3A24001F, 0x3A1C001F, 0x3A21001F,
-     0x3A2F001F, 0x3A1B001F, 0x3A1F001F, 0x3A23001F, 0x3A57001F, 0x3A1A001F, 0x3A2E001F, 0x3A2D001F, 0x3A2C001F,
-     0x3A4B001F, 0x3A1E001F, 0x3A1D001F, 0x3A02001F, 0x3A50001F, 0x3A51001F, 0x3A16001F, 0x3A17001F, 0x3A4F001F,
-     0x3A5A001F, 0x3A5C001F, 0x3A59001F, 0x3A5D001F, 0x3A5B001F, 0x3A5E001F, 0x3A60001F, 0x3A62001F, 0x3A5F001F,
-     0x3A63001F, 0x3A61001F, 0x3A64001F, 0x3A05001F, 0x3A45001F, PR_WEDDING_ANNIVERSARY, PR_BIRTHDAY}};
+constexpr SizedSPropTagArray(47, kColumns) = {47, {PR_ENTRYID,       PR_LONGTERM_ENTRYID_FROM_TABLE,
+                                                   PR_CREATION_TIME, PR_LAST_MODIFICATION_TIME,
+                                                   0x3A11001F,       0x3A44001F,
+                                                   0x3A06001F,       0x3A09001F,
+                                                   0x3A25001F,       0x3A08001F,
+                                                   0x3A24001F,       0x3A1C001F,
+                                                   0x3A21001F,       0x3A2F001F,
+                                                   0x3A1B001F,       0x3A1F001F,
+                                                   0x3A23001F,       0x3A57001F,
+                                                   0x3A1A001F,       0x3A2E001F,
+                                                   0x3A2D001F,       0x3A2C001F,
+                                                   0x3A4B001F,       0x3A1E001F,
+                                                   0x3A1D001F,       0x3A02001F,
+                                                   0x3A50001F,       0x3A51001F,
+                                                   0x3A16001F,       0x3A17001F,
+                                                   0x3A4F001F,       0x3A5A001F,
+                                                   0x3A5C001F,       0x3A59001F,
+                                                   0x3A5D001F,       0x3A5B001F,
+                                                   0x3A5E001F,       0x3A60001F,
+                                                   0x3A62001F,       0x3A5F001F,
+                                                   0x3A63001F,       0x3A61001F,
+                                                   0x3A64001F,       0x3A05001F,
+                                                   0x3A45001F,       PR_WEDDING_ANNIVERSARY,
+                                                   PR_BIRTHDAY}};
 
 /// The named texts of the message part behind the photo, in the order of their elements.
 struct NamedElement {
@@ -30,11 +45,12 @@ struct NamedElement {
     const wchar_t* element;
 };
 constexpr NamedElement kNamedElements[] = {
-    {0x8005, L"FULLNAME"},           {0x8049, L"SP-BUSINESSCOUNTRY"}, {0x8046, L"SP-BUSINESSCITY"},
-    {0x8047, L"SP-BUSINESSSTATE"},   {0x8045, L"SP-BUSINESSSTREET1"}, {0x8048, L"SP-BUSINESSZIP"},
-    {0x804A, L"SP-BUSINESSPOBOX"},   {0x802C, L"SP-YOMIFIRSTNAME"},   {0x802D, L"SP-YOMILASTNAME"},
+    {0x8005, L"FULLNAME"},         {0x8049, L"SP-BUSINESSCOUNTRY"}, {0x8046, L"SP-BUSINESSCITY"},
+    {0x8047, L"SP-BUSINESSSTATE"}, {0x8045, L"SP-BUSINESSSTREET1"}, {0x8048, L"SP-BUSINESSZIP"},
+    {0x804A, L"SP-BUSINESSPOBOX"}, {0x802C, L"SP-YOMIFIRSTNAME"},   {0x802D, L"SP-YOMILASTNAME"},
 };
-constexpr NamedElement kEmailElements[] = {{0x8083, L"SP-EMAIL1"}, {0x8093, L"SP-EMAIL2"}, {0x80A3, L"SP-EMAIL3"}};
+constexpr NamedElement kEmailElements[] = {
+    {0x8083, L"SP-EMAIL1"}, {0x8093, L"SP-EMAIL2"}, {0x80A3, L"SP-EMAIL3"}};
 constexpr LONG kIMAddressId = 0x8062;
 
 COleDateTime LocalTimeOf(const FILETIME& utc) {
@@ -43,14 +59,19 @@ COleDateTime LocalTimeOf(const FILETIME& utc) {
     return local;
 }
 
-CString DateAndTimeText(const FILETIME& utc) { return LocalTimeOf(utc).Format(L"%m/%d/%Y %H:%M:%S"); }
+CString DateAndTimeText(const FILETIME& utc) {
+    return LocalTimeOf(utc).Format(L"%m/%d/%Y %H:%M:%S");
+}
 
-CString DateText(const COleDateTime& date) { return date.Format(L"%Y-%m-%d"); }
+CString DateText(const COleDateTime& date) {
+    return date.Format(L"%Y-%m-%d");
+}
 
 CString AnniversaryText(const FILETIME& utc) {
     const DateParts parts = SplitDate(LocalTimeOf(utc));
     COleDateTime date;
-    MakeDateOnly(static_cast<WORD>(parts.year), static_cast<WORD>(parts.month), static_cast<WORD>(parts.day), &date);
+    MakeDateOnly(static_cast<WORD>(parts.year), static_cast<WORD>(parts.month), static_cast<WORD>(parts.day),
+                 &date);
     return DateText(date);
 }
 
@@ -124,7 +145,8 @@ void AppendElement(CXMLParser& document, const wchar_t* name, const CString& tex
     document.CreateChildElement(name, text.c_str(), nullptr, true, kElementDepth);
 }
 
-void AppendContactRowToXml(CXMLParser& document, CString& id, const SPropValue* values, ULONG count, CString* text) {
+void AppendContactRowToXml(CXMLParser& document, CString& id, const SPropValue* values, ULONG count,
+                           CString* text) {
     if (values == nullptr) {
         return;
     }

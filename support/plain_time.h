@@ -4,8 +4,10 @@
 // built natively.
 
 #ifdef _WIN32
+#include <windef.h>
+
+// Behind the base types, which it uses.
 #include <minwinbase.h>
-#include <minwindef.h>
 #else
 #include <cstdint>
 
