@@ -6,7 +6,6 @@
 // it ends the process. Here, and nowhere else, it is turned into something that C++ code can deal with.
 
 #include <exception>
-#include <type_traits>
 
 /// A remote call that failed.
 class RpcFailure : public std::exception {
@@ -32,9 +31,8 @@ using RpcCall = void (*)(void* context) noexcept;
 /// Runs a callable that makes one remote call, with the same restriction, and throws RpcFailure if the call
 /// failed.
 template<class Call>
-void GuardedRpc(Call&& call) {
-    using Callable = std::remove_reference_t<Call>;
-    const RpcCall run = [](void* context) noexcept { (*static_cast<Callable*>(context))(); };
+void GuardedRpc(Call call) {
+    const RpcCall run = [](void* context) noexcept { (*static_cast<Call*>(context))(); };
     if (const unsigned long status = GuardRpcCall(run, &call); status != 0) {
         throw RpcFailure(status);
     }

@@ -18,6 +18,10 @@ constexpr IID kDocumentInterface = {
 constexpr IID kElementInterface = {
     0x2933BF86, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
+// Of the calling thread: its living holds, and the uninitialisations that wait for the outermost to end.
+thread_local int t_holds = 0;
+thread_local int t_owed = 0;
+
 /// A text for one COM call.
 Bstr MakeBstr(WideView text) {
     if (text.size() > std::numeric_limits<UINT>::max() / sizeof(wchar_t)) {
@@ -58,6 +62,27 @@ bool PinLibraryOf(IUnknown* object) {
 }
 
 }  // namespace
+
+ComApartmentHold::ComApartmentHold() noexcept {
+    ++t_holds;
+}
+
+ComApartmentHold::~ComApartmentHold() {
+    if (--t_holds > 0) {
+        return;
+    }
+    for (; t_owed > 0; --t_owed) {
+        CoUninitialize();
+    }
+}
+
+void ComApartmentHold::Uninitialize() noexcept {
+    if (t_holds > 0) {
+        ++t_owed;
+    } else {
+        CoUninitialize();
+    }
+}
 
 CXMLParser::~CXMLParser() {
     CXMLParser::ReleaseDocument();
@@ -217,5 +242,5 @@ bool CXMLParser::SaveToFile(const wchar_t* path) {
 void CXMLParser::ReleaseDocument() {
     m_pXMLDoc.Reset();
     m_pRootNode.Reset();
-    CoUninitialize();
+    ComApartmentHold::Uninitialize();
 }

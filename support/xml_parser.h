@@ -6,6 +6,21 @@
 // Behind the platform's base headers, on which it depends.
 #include <msxml2.h>
 
+/// Keeps COM's apartment on the calling thread while an operation makes one document after the other: the
+/// uninitialisations that its documents owe are counted and follow when the hold ends. Making and destroying
+/// the apartment for each document would cost more than the document. A hold is for one operation and not
+/// for the life of a thread, because an apartment whose thread lies idle can block others that call into it.
+class ComApartmentHold {
+  public:
+    ComApartmentHold() noexcept;
+    ComApartmentHold(const ComApartmentHold&) = delete;
+    ComApartmentHold& operator=(const ComApartmentHold&) = delete;
+    ~ComApartmentHold();
+
+    /// Uninitialises COM once on this thread: when its outermost hold ends, or at once without one.
+    static void Uninitialize() noexcept;
+};
+
 /// One XML document of MSXML, used in one of two ways by one operation on one thread.
 /// Building: InitDocument, CreateHeader, CreateRootElement, then CreateChildElement and SetAttribute, then
 /// GetDocumentText or SaveToFile, then ReleaseDocument. Reading: InitDocument, LoadText, then
@@ -16,7 +31,7 @@
 ///
 /// InitDocument initialises COM on the thread once. ReleaseDocument and the destructor each uninitialise it
 /// once, so COM is uninitialised once more than it was initialised where both have run. Callers rely on that
-/// balance.
+/// balance, at the latest when their operation ends (see ComApartmentHold).
 class CXMLParser {
   public:
     CXMLParser() = default;
