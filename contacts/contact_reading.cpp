@@ -59,6 +59,7 @@ int CMAPIObject::ReadContacts(const CString& lParam1) {
     Log(kLogTrace, L"CMAPIObject::ReadContacts - Begin\r\n");
     bool succeeded = false;
     try {
+        const ComApartmentHold apartment;
         succeeded = ReadChosenContacts(lParam1);
     } catch (...) {
         succeeded = false;
