@@ -208,8 +208,12 @@ bool CXMLParser::SetAttribute(const wchar_t* name, const wchar_t* value, IXMLDOM
 }
 
 ComPtr<IXMLDOMNode> CXMLParser::SelectSingleNode(const wchar_t* path) {
+    // An empty path is no path, and not every MSXML survives it.
+    if (!m_pXMLDoc || path == nullptr || *path == L'\0') {
+        return nullptr;
+    }
     ComPtr<IXMLDOMNode> node;
-    if (m_pXMLDoc && FAILED(m_pXMLDoc->selectSingleNode(MakeBstr(CString(path)).Get(), &node))) {
+    if (FAILED(m_pXMLDoc->selectSingleNode(MakeBstr(path).Get(), &node))) {
         node.Reset();
     }
     return node;
