@@ -194,6 +194,8 @@ ComPtr<IXMLDOMElement> CXMLParser::CreateChildElement(const wchar_t* name, const
     return element;
 }
 
+// Like GetNodeText an operation of the document to its callers, though it works on the node alone.
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 bool CXMLParser::SetAttribute(const wchar_t* name, const wchar_t* value, IXMLDOMNode* node) {
     if (value == nullptr || node == nullptr) {
         return false;
@@ -219,6 +221,7 @@ ComPtr<IXMLDOMNode> CXMLParser::SelectSingleNode(const wchar_t* path) {
     return node;
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 CString CXMLParser::GetNodeText(IXMLDOMNode* node) {
     Bstr text;
     if (node == nullptr || FAILED(node->get_text(text.Put()))) {
