@@ -2,6 +2,7 @@
 
 #include <mapitags.h>
 
+#include "mapi/operation_log.h"
 #include "support/errors.h"
 #include "support/log.h"
 #include "support/settings.h"
@@ -19,25 +20,13 @@ bool IsSet(const SBinary& entryId) {
 
 }  // namespace
 
-void FolderWalk::Line(int level, const wchar_t* text) const {
-    Log(level, L"CMAPIObject::%s - %s\r\n", m_operation, text);
-}
-
-void FolderWalk::Finish(bool succeeded) const {
-    Log(kLogTrace, L"CMAPIObject::%s - Finish(%s)\r\n", m_operation, Outcome(succeeded));
-}
-
-void FolderWalk::Result(const wchar_t* call, HRESULT result) const {
-    Log(kLogTrace, L"CMAPIObject::%s - %s(0X%08X)\r\n", m_operation, call, result);
-}
-
 ComPtr<IMAPIFolder> FolderWalk::Open(IMAPIFolder* chosen, const SBinary& entryId) const {
     ULONG type = 0;
     ComPtr<IMAPIFolder> folder;
     const HRESULT result =
         chosen->OpenEntry(entryId.cb, reinterpret_cast<LPENTRYID>(entryId.lpb), nullptr, MAPI_BEST_ACCESS,
                           &type, reinterpret_cast<LPUNKNOWN*>(folder.GetAddressOf()));
-    Result((CString(m_kind.folderMember) + L"->OpenEntry").c_str(), result);
+    LogResult(m_operation, (CString(m_kind.folderMember) + L"->OpenEntry").c_str(), result);
     if (result != S_OK) {
         folder.Reset();
     }
@@ -47,7 +36,7 @@ ComPtr<IMAPIFolder> FolderWalk::Open(IMAPIFolder* chosen, const SBinary& entryId
 TableRows FolderWalk::Contents(IMAPIFolder* folder, const SPropTagArray* columns) const {
     TableRows contents;
     const HRESULT result = folder->GetContentsTable(kContentsFlags, contents.table.GetAddressOf());
-    Result(L"lpContainer->GetContentsTable", result);
+    LogResult(m_operation, L"lpContainer->GetContentsTable", result);
     if (result == S_OK && contents.table) {
         contents.rows = Query(contents.table.Get(), columns, PR_MESSAGE_CLASS_W, m_kind.messageClass);
     }
@@ -59,7 +48,7 @@ TableRows FolderWalk::SubFolders(IMAPIFolder* folder) const {
         4, {PR_CONTAINER_CLASS_W, PR_DISPLAY_NAME_W, PR_ENTRYID, PR_SUBFOLDERS}};
     TableRows subFolders;
     const HRESULT result = folder->GetHierarchyTable(MAPI_UNICODE, subFolders.table.GetAddressOf());
-    Result(L"lpContainer->GetHierarchyTable", result);
+    LogResult(m_operation, L"lpContainer->GetHierarchyTable", result);
     if (result == S_OK && subFolders.table) {
         subFolders.rows = Query(subFolders.table.Get(), reinterpret_cast<const SPropTagArray*>(&kColumns),
                                 PR_CONTAINER_CLASS_W, m_kind.containerClass);
@@ -81,25 +70,11 @@ RowSet FolderWalk::Query(IMAPITable* table, const SPropTagArray* columns, ULONG 
     RowSet rows;
     const HRESULT result =
         pfnHrQueryAllRows(table, const_cast<LPSPropTagArray>(columns), &restriction, nullptr, 0, rows.Put());
-    Result(L"pfnHrQueryAllRows", result);
+    LogResult(m_operation, L"pfnHrQueryAllRows", result);
     if (result != S_OK) {
         rows.Reset();
     }
     return rows;
-}
-
-SBinary EntryIdOfColumn(const SRow& row, unsigned column) {
-    if (column >= row.cValues || row.lpProps[column].ulPropTag != PR_ENTRYID) {
-        return {0, nullptr};
-    }
-    return row.lpProps[column].Value.bin;
-}
-
-CString TextOfColumn(const SRow& row, unsigned column) {
-    if (column >= row.cValues || PROP_TYPE(row.lpProps[column].ulPropTag) != PT_UNICODE) {
-        return {};
-    }
-    return {row.lpProps[column].Value.lpszW};
 }
 
 CString FolderIdentity::DisplayName() const {
@@ -131,13 +106,13 @@ void AddFolderItems(const FolderCount& count, const FolderWalk& walk, IMAPIFolde
                     const SBinary& entryId, ULONG& total) {
     static constexpr SizedSPropTagArray(1, kColumns) = {1, {PR_ENTRYID}};
     if (chosen == nullptr || !IsSet(entryId) || entryId.cb == 0) {
-        walk.Line(kLogFailure, count.invalidParameter);
+        LogLine(kLogFailure, count.operation, count.invalidParameter);
         AfxThrowUserException();
     }
     const ComPtr<IMAPIFolder> folder = walk.Open(chosen, entryId);
     if (!folder) {
         if (count.openFailed != nullptr) {
-            walk.Line(kLogFailure, count.openFailed);
+            LogLine(kLogFailure, count.operation, count.openFailed);
         }
         AfxThrowUserException();
     }
@@ -146,12 +121,11 @@ void AddFolderItems(const FolderCount& count, const FolderWalk& walk, IMAPIFolde
         return;
     }
     if (count.beforeSubFolders != nullptr) {
-        walk.Line(kLogTrace, count.beforeSubFolders);
+        LogLine(kLogTrace, count.operation, count.beforeSubFolders);
     }
     const TableRows subFolders = walk.SubFolders(folder.Get());
     for (ULONG i = 0; i < subFolders.Count(); ++i) {
-        total +=
-            CountFolderItems(count, chosen, EntryIdOfColumn(subFolders.rows->aRow[i], kSubFolderEntryId));
+        total += CountFolderItems(count, chosen, EntryIdOfColumn(subFolders.Row(i), kSubFolderEntryId));
     }
 }
 
@@ -165,7 +139,7 @@ bool ReadContents(const FolderRead& read, const FolderWalk& walk, IMAPIFolder* f
         if (read.stop != 0) {
             return false;
         }
-        read.send(contents.rows->aRow[i], path);
+        read.send(contents.Row(i), path);
     }
     return true;
 }
@@ -174,7 +148,7 @@ bool ReadSubFolders(const FolderRead& read, const FolderWalk& walk, IMAPIFolder*
                     const CString& path) {
     const TableRows subFolders = walk.SubFolders(folder);
     for (ULONG i = 0; i < subFolders.Count(); ++i) {
-        const SRow& row = subFolders.rows->aRow[i];
+        const SRow& row = subFolders.Row(i);
         const CString subPath = CString(path + L"\\" + TextOfColumn(row, kSubFolderName));
         if (ReadFolderItems(read, chosen, EntryIdOfColumn(row, kSubFolderEntryId), subPath) == 0) {
             return false;
@@ -186,12 +160,12 @@ bool ReadSubFolders(const FolderRead& read, const FolderWalk& walk, IMAPIFolder*
 bool ReadFolder(const FolderRead& read, const FolderWalk& walk, IMAPIFolder* chosen, const SBinary& entryId,
                 const CString& path) {
     if (read.stop != 0 || chosen == nullptr || !IsSet(entryId)) {
-        walk.Line(kLogFailure, L"Interrupted or INVALID Parameter");
+        LogLine(kLogFailure, read.operation, L"Interrupted or INVALID Parameter");
         AfxThrowUserException();
     }
     const ComPtr<IMAPIFolder> folder = walk.Open(chosen, entryId);
     if (!folder) {
-        walk.Line(kLogFailure, L"OpenEntry Failed or NULL lpContainer");
+        LogLine(kLogFailure, read.operation, L"OpenEntry Failed or NULL lpContainer");
         AfxThrowUserException();
     }
     if (!ReadContents(read, walk, folder.Get(), path)) {
@@ -204,21 +178,21 @@ bool ReadFolder(const FolderRead& read, const FolderWalk& walk, IMAPIFolder* cho
 
 ULONG CountFolderItems(const FolderCount& count, IMAPIFolder* chosen, const SBinary& entryId) {
     const FolderWalk walk(count.kind, count.operation);
-    walk.Line(kLogTrace, L"Begin");
+    LogLine(kLogTrace, count.operation, L"Begin");
     ULONG total = 0;
     try {
         AddFolderItems(count, walk, chosen, entryId, total);
     } catch (...) {
         // What was counted so far stands; the lines written on the way tell the reason.
     }
-    walk.Line(kLogTrace, L"Finish");
+    LogLine(kLogTrace, count.operation, L"Finish");
     return total;
 }
 
 int ReadFolderItems(const FolderRead& read, IMAPIFolder* chosen, const SBinary& entryId,
                     const CString& path) {
     const FolderWalk walk(read.kind, read.operation);
-    walk.Line(kLogTrace, read.firstLine);
+    LogLine(kLogTrace, read.operation, read.firstLine);
     bool succeeded = false;
     try {
         succeeded = ReadFolder(read, walk, chosen, entryId, path);
@@ -227,6 +201,6 @@ int ReadFolderItems(const FolderRead& read, IMAPIFolder* chosen, const SBinary& 
     } catch (...) {
         succeeded = false;
     }
-    walk.Finish(succeeded);
+    LogFinish(read.operation, succeeded);
     return succeeded ? 1 : 0;
 }

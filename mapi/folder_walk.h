@@ -6,8 +6,7 @@
 
 #include <functional>
 
-#include "support/owners.h"
-#include "support/text.h"
+#include "mapi/table_rows.h"
 
 /// A kind of item and the words that its log lines use.
 struct ItemKind {
@@ -16,23 +15,10 @@ struct ItemKind {
     const wchar_t* folderMember;    ///< the name of the chosen folder in the log
 };
 
-/// A table with all its rows. The rows go before the table.
-struct TableRows {
-    ComPtr<IMAPITable> table;
-    RowSet rows;
-
-    [[nodiscard]] ULONG Count() const { return rows ? rows->cRows : 0; }
-};
-
 /// Opens folders and reads tables for one operation, and logs each result in its name.
 class FolderWalk {
   public:
     FolderWalk(const ItemKind& kind, const wchar_t* operation) : m_kind(kind), m_operation(operation) {}
-
-    /// A line "CMAPIObject::<operation> - <text>".
-    void Line(int level, const wchar_t* text) const;
-    /// The last line of an operation that tells its outcome.
-    void Finish(bool succeeded) const;
 
     /// Opens a folder through the chosen one. Null on failure.
     [[nodiscard]] ComPtr<IMAPIFolder> Open(IMAPIFolder* chosen, const SBinary& entryId) const;
@@ -42,7 +28,6 @@ class FolderWalk {
     [[nodiscard]] TableRows SubFolders(IMAPIFolder* folder) const;
 
   private:
-    void Result(const wchar_t* call, HRESULT result) const;
     [[nodiscard]] RowSet Query(IMAPITable* table, const SPropTagArray* columns, ULONG restrictedTag,
                                const wchar_t* value) const;
 
@@ -57,11 +42,6 @@ enum SubFolderColumn : unsigned {
     kSubFolderEntryId,
     kSubFolderHasSubFolders
 };
-
-/// The entry identifier in a column; a null identifier if the row does not have it.
-SBinary EntryIdOfColumn(const SRow& row, unsigned column);
-/// The text in a column; empty if the row does not have it.
-CString TextOfColumn(const SRow& row, unsigned column);
 
 /// The name and the identifier of the chosen folder, read from the folder itself.
 struct FolderIdentity {

@@ -3,6 +3,7 @@
 #include "mapi/folder_types.h"
 #include "mapi/mapi_object.h"
 #include "mapi/store_entries.h"
+#include "mapi/store_table.h"
 #include "support/errors.h"
 #include "support/log.h"
 
@@ -15,9 +16,8 @@ namespace {
 constexpr FLAGS kLogonFlags =
     MAPI_UNICODE | MAPI_TIMEOUT_SHORT | MAPI_EXTENDED | MAPI_EXPLICIT_PROFILE | MAPI_NEW_SESSION;
 
-/// The one row of the store table that is marked as the default.
-RowSet QueryDefaultStore(IMAPITable* stores) {
-    SizedSPropTagArray(3, columns) = {3, {PR_DEFAULT_STORE, PR_ENTRYID, PR_DISPLAY_NAME_W}};
+/// The store that is marked as the default, as the one row of a table.
+TableRows QueryDefaultStore(IMAPISession* session) {
     SPropValue isDefault{};
     isDefault.ulPropTag = PR_DEFAULT_STORE;
     isDefault.Value.b = TRUE;
@@ -26,20 +26,7 @@ RowSet QueryDefaultStore(IMAPITable* stores) {
     restriction.res.resProperty.relop = RELOP_EQ;
     restriction.res.resProperty.ulPropTag = PR_DEFAULT_STORE;
     restriction.res.resProperty.lpProp = &isDefault;
-
-    RowSet rows;
-    const HRESULT result = pfnHrQueryAllRows(stores, reinterpret_cast<LPSPropTagArray>(&columns),
-                                             &restriction, nullptr, 0, rows.Put());
-    Log(kLogTrace, L"CMAPIObject::MAPILogOn - pfnHrQueryAllRows(0X%08X)\r\n", result);
-    if (result != S_OK || !rows || rows->cRows == 0) {
-        rows.Reset();
-    }
-    return rows;
-}
-
-/// The window that owns the dialogues of an open store, in the 32 bits that a window handle has.
-ULONG_PTR ForegroundWindow() {
-    return static_cast<ULONG>(reinterpret_cast<ULONG_PTR>(GetForegroundWindow()));
+    return QueryStores(session, &restriction, L"MAPILogOn");
 }
 
 }  // namespace
@@ -101,21 +88,12 @@ bool CMAPIObject::OpenSession(const wchar_t* profile) {
 }
 
 bool CMAPIObject::OpenDefaultStore() {
-    ComPtr<IMAPITable> stores;
-    HRESULT result = m_lpMAPISession->GetMsgStoresTable(0, stores.GetAddressOf());
-    Log(kLogTrace, L"CMAPIObject::MAPILogOn - m_lpMAPISession->GetMsgStoresTable(0X%08X)\r\n", result);
-    if (result != S_OK || !stores) {
+    const TableRows stores = QueryDefaultStore(m_lpMAPISession.Get());
+    if (stores.Count() == 0) {
         return false;
     }
-    const RowSet rows = QueryDefaultStore(stores.Get());
-    if (!rows) {
-        return false;
-    }
-    const SBinary& id = rows->aRow[0].lpProps[1].Value.bin;
-    result = m_lpMAPISession->OpenMsgStore(ForegroundWindow(), id.cb, reinterpret_cast<LPENTRYID>(id.lpb),
-                                           nullptr, MAPI_BEST_ACCESS, m_lpMsgStore.ReleaseAndGetAddressOf());
-    Log(kLogTrace, L"CMAPIObject::MAPILogOn - m_lpMAPISession->OpenMsgStore(0X%08X)\r\n", result);
-    if (result != S_OK || !m_lpMsgStore) {
+    m_lpMsgStore = OpenStore(m_lpMAPISession.Get(), stores.Row(0), L"MAPILogOn");
+    if (!m_lpMsgStore) {
         return false;
     }
     LoadDefaultFolderIds(m_lpMsgStore.Get(), m_arrDefaultFolderIds);
