@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <bit>
 #include <iterator>
 
 #include "desktop/agent_connection.h"
@@ -65,6 +66,10 @@ void RunCount(const Arguments& arguments) {
 }
 
 void RunRead(const Arguments& arguments) {
+    const unsigned outputs = arguments.options & (kOptionOut | kOptionXml | kOptionTabs);
+    if (std::popcount(outputs) > 1) {
+        throw Failure(ExitCode::kUsage, L"--out, --xml and --tabs exclude each other");
+    }
     const ItemKind& kind = RequireKind(arguments.words[1]);
     const SingleInstance instance;
     ReadItems(kind, arguments);
