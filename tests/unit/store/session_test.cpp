@@ -84,7 +84,8 @@ TEST_F(Session, LogonAsksTheSessionInOrder) {
     const std::vector<std::string> start{"MAPIInitialize", "MAPILogonEx", "IMAPISession::GetMsgStoresTable",
                                          "HrQueryAllRows", "IMAPISession::OpenMsgStore"};
     ASSERT_GE(methods.size(), start.size());
-    EXPECT_EQ(std::vector<std::string>(methods.begin(), methods.begin() + static_cast<long>(start.size())), start);
+    EXPECT_EQ(std::vector<std::string>(methods.begin(), methods.begin() + static_cast<long>(start.size())),
+              start);
 }
 
 TEST_F(Session, NamedProfileIsLoggedOnWithItsFlags) {
@@ -211,7 +212,8 @@ TEST_F(Session, FailedLogoffOfTheSessionChangesNothing) {
     LogOn();
     recorder::FailMethod("IMAPISession::Logoff", {}, E_FAIL);
     g_MAPIObject.MAPILogOff();
-    EXPECT_EQ(TakeLog()[2], (LogLine{1, L"CMAPIObject::MAPIRelease - m_lpMAPISession->Logoff(0X80004005)\r\n"}));
+    EXPECT_EQ(TakeLog()[2],
+              (LogLine{1, L"CMAPIObject::MAPIRelease - m_lpMAPISession->Logoff(0X80004005)\r\n"}));
     EXPECT_FALSE(g_MAPIObject.m_lpMAPISession);
 }
 
@@ -245,7 +247,9 @@ TEST_F(Session, DefaultFolderIsFoundThroughTheRootWhenTheInboxLacksIt) {
     EXPECT_EQ(CallsOf("HrGetOneProp").size(), 2U);
 }
 
-TEST_F(Session, DefaultFolderOfNoStoreIsNull) { EXPECT_FALSE(GetDefaultFolder(nullptr, 0x36D10102)); }
+TEST_F(Session, DefaultFolderOfNoStoreIsNull) {
+    EXPECT_FALSE(GetDefaultFolder(nullptr, 0x36D10102));
+}
 
 TEST_F(Session, DefaultFolderOfANonBinaryPropertyIsNull) {
     LogOn();

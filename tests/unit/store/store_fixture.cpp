@@ -45,7 +45,8 @@ void FillTable() {
 
 RowSet AllRows(IMAPITable* table, const SPropTagArray* columns) {
     RowSet rows;
-    Require(pfnHrQueryAllRows(table, const_cast<LPSPropTagArray>(columns), nullptr, nullptr, 0, rows.Put()), "rows");
+    Require(pfnHrQueryAllRows(table, const_cast<LPSPropTagArray>(columns), nullptr, nullptr, 0, rows.Put()),
+            "rows");
     return rows;
 }
 
@@ -60,8 +61,9 @@ ComPtr<IMAPIFolder> SubFolder(IMAPIFolder* folder, const std::wstring& name) {
         if (name == values[0].Value.lpszW) {
             ULONG type = 0;
             ComPtr<IMAPIFolder> sub;
-            Require(folder->OpenEntry(values[1].Value.bin.cb, reinterpret_cast<LPENTRYID>(values[1].Value.bin.lpb),
-                                      nullptr, MAPI_BEST_ACCESS | MAPI_MODIFY, &type,
+            Require(folder->OpenEntry(values[1].Value.bin.cb,
+                                      reinterpret_cast<LPENTRYID>(values[1].Value.bin.lpb), nullptr,
+                                      MAPI_BEST_ACCESS | MAPI_MODIFY, &type,
                                       reinterpret_cast<LPUNKNOWN*>(sub.GetAddressOf())),
                     "sub-folder");
             return sub;
@@ -98,9 +100,13 @@ void SendBackOneContact(const CString& xml) {
     g_sent.push_back(xml);
 }
 
-std::vector<CString> TakeSent() { return std::exchange(g_sent, {}); }
+std::vector<CString> TakeSent() {
+    return std::exchange(g_sent, {});
+}
 
-void OnSend(std::function<void()> action) { g_onSend = std::move(action); }
+void OnSend(std::function<void()> action) {
+    g_onSend = std::move(action);
+}
 
 PropertyValues& PropertyValues::Text(ULONG tag, const wchar_t* text) {
     SPropValue value{};
@@ -147,7 +153,8 @@ PropertyValues& PropertyValues::Texts(ULONG tag, std::vector<const wchar_t*> tex
 
 void PropertyValues::SetOn(IMAPIProp* object) const {
     if (!m_values.empty()) {
-        Require(object->SetProps(static_cast<ULONG>(m_values.size()), const_cast<LPSPropValue>(m_values.data()), nullptr),
+        Require(object->SetProps(static_cast<ULONG>(m_values.size()),
+                                 const_cast<LPSPropValue>(m_values.data()), nullptr),
                 "SetProps");
     }
 }
@@ -193,7 +200,8 @@ ULONG FolderWriter::AddressTag(IMessage* message, LONG id, ULONG type) {
 }
 
 ULONG FolderWriter::KeywordsTag(IMessage* message) {
-    return CHANGE_PROP_TYPE(GetNamedPropertyTag(message, PS_PUBLIC_STRINGS_Data1, L"Keywords"), PT_MV_UNICODE);
+    return CHANGE_PROP_TYPE(GetNamedPropertyTag(message, PS_PUBLIC_STRINGS_Data1, L"Keywords"),
+                            PT_MV_UNICODE);
 }
 
 void FolderWriter::AddAttachment(IMessage* message, const std::string& data, bool isPhoto) {
@@ -216,9 +224,13 @@ void FolderWriter::AddAttachment(IMessage* message, const std::string& data, boo
     Require(attachment->SaveChanges(0), "SaveChanges of the attachment");
 }
 
-void FolderWriter::Save(IMessage* message) { Require(message->SaveChanges(FORCE_SAVE), "SaveChanges"); }
+void FolderWriter::Save(IMessage* message) {
+    Require(message->SaveChanges(FORCE_SAVE), "SaveChanges");
+}
 
-void FolderWriter::AddContact(const PropertyValues& values) { Save(NewMessage(L"IPM.Contact", values).Get()); }
+void FolderWriter::AddContact(const PropertyValues& values) {
+    Save(NewMessage(L"IPM.Contact", values).Get());
+}
 
 void StoreTest::SetUp() {
     wchar_t temp[MAX_PATH] = L"";

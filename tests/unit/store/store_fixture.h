@@ -1,7 +1,7 @@
 #pragma once
 
-// A store in a temporary folder, made through the mail system's own interface, for tests that run the agent's rooms on the
-// recording build of the local store in one process.
+// A store in a temporary folder, made through the mail system's own interface, for tests that run the agent's
+// rooms on the recording build of the local store in one process.
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,8 @@
 #include "mapi/mapi_object.h"
 #include "tests/unit/recorded_log.h"
 
-/// The properties of a message or attachment that a test makes. The texts and bytes must live until it is saved.
+/// The properties of a message or attachment that a test makes. The texts and bytes must live until it is
+/// saved.
 class PropertyValues {
   public:
     PropertyValues& Text(ULONG tag, const wchar_t* text);
@@ -31,7 +32,8 @@ class PropertyValues {
 /// Writes what a test needs into one folder of a store, as a mail program would.
 class FolderWriter {
   public:
-    /// Logs on to a profile of the store under the root and opens a folder of its default store, such as L"Contacts\\Private".
+    /// Logs on to a profile of the store under the root and opens a folder of its default store, such as
+    /// L"Contacts\\Private".
     FolderWriter(const std::wstring& profile, const std::wstring& folderPath);
     FolderWriter(const FolderWriter&) = delete;
     FolderWriter& operator=(const FolderWriter&) = delete;
