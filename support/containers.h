@@ -12,7 +12,7 @@
 #include "support/process_heap.h"
 
 /// An array that checks every index: one outside it raises CInvalidArgException.
-template <class T, class Argument = const T&>
+template<class T, class Argument = const T&>
 class CArray {
   public:
     [[nodiscard]] std::size_t GetSize() const noexcept { return m_items.size(); }
@@ -41,6 +41,6 @@ class CArray {
 };
 
 /// A hash table from keys to values.
-template <class Key, class Value>
+template<class Key, class Value>
 using CMap = std::unordered_map<Key, Value, std::hash<Key>, std::equal_to<Key>,
                                 ProcessHeapAllocator<std::pair<const Key, Value>>>;

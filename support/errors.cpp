@@ -4,7 +4,9 @@
 #include <windows.h>
 #endif
 
-void AfxThrowUserException() { throw CUserException(); }
+void AfxThrowUserException() {
+    throw CUserException();
+}
 
 void RaiseComError(ComErrorCode code) {
     if (code == kErrorOutOfMemory) {
@@ -14,5 +16,7 @@ void RaiseComError(ComErrorCode code) {
 }
 
 #ifdef _WIN32
-void RaiseLastError() { RaiseComError(HRESULT_FROM_WIN32(GetLastError())); }
+void RaiseLastError() {
+    RaiseComError(HRESULT_FROM_WIN32(GetLastError()));
+}
 #endif

@@ -2,4 +2,6 @@
 
 #include "support/output_string.h"
 
-void Log(int level, const wchar_t* text) { OutputString(L"ZebAgentOutlook64", level, text); }
+void Log(int level, const wchar_t* text) {
+    OutputString(L"ZebAgentOutlook64", level, text);
+}

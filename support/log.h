@@ -13,10 +13,12 @@ constexpr int kLogFailure = 3;
 void Log(int level, const wchar_t* text);
 
 /// Writes one text formatted as by wprintf.
-template <class... Arguments>
+template<class... Arguments>
 void Log(int level, const wchar_t* format, const Arguments&... arguments) {
     Log(level, CString::Format(format, arguments...).c_str());
 }
 
 /// The word that ends the last line of an operation.
-constexpr const wchar_t* Outcome(bool succeeded) { return succeeded ? L"Succeeded" : L"Failed"; }
+constexpr const wchar_t* Outcome(bool succeeded) {
+    return succeeded ? L"Succeeded" : L"Failed";
+}

@@ -18,7 +18,7 @@ constexpr WORD kOrdinalHrQueryAllRows = 75;
 constexpr WORD kOrdinalHrGetOneProp = 135;
 constexpr WORD kOrdinalFreeProws = 140;
 
-template <class Function>
+template<class Function>
 bool Find(HMODULE library, LPCSTR name, Function& target) {
     target = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
     return target != nullptr;
@@ -27,16 +27,15 @@ bool Find(HMODULE library, LPCSTR name, Function& target) {
 }  // namespace
 
 int FillMAPIEntryPoints(HMODULE library) {
-    const bool complete =
-        Find(library, "MAPIInitialize", pfnMAPIInitialize) &&
-        Find(library, "MAPIUninitialize", pfnMAPIUninitialize) &&
-        Find(library, "MAPILogonEx", pfnMAPILogonEx) &&
-        Find(library, "MAPIAllocateBuffer", pfnMAPIAllocateBuffer) &&
-        Find(library, "MAPIAllocateMore", pfnMAPIAllocateMore) &&
-        Find(library, "MAPIFreeBuffer", pfnMAPIFreeBuffer) &&
-        Find(library, "MAPIAdminProfiles", pfnMAPIAdminProfiles) &&
-        Find(library, MAKEINTRESOURCEA(kOrdinalHrGetOneProp), pfnHrGetOneProp) &&
-        Find(library, MAKEINTRESOURCEA(kOrdinalFreeProws), pfnFreeProws) &&
-        Find(library, MAKEINTRESOURCEA(kOrdinalHrQueryAllRows), pfnHrQueryAllRows);
+    const bool complete = Find(library, "MAPIInitialize", pfnMAPIInitialize) &&
+                          Find(library, "MAPIUninitialize", pfnMAPIUninitialize) &&
+                          Find(library, "MAPILogonEx", pfnMAPILogonEx) &&
+                          Find(library, "MAPIAllocateBuffer", pfnMAPIAllocateBuffer) &&
+                          Find(library, "MAPIAllocateMore", pfnMAPIAllocateMore) &&
+                          Find(library, "MAPIFreeBuffer", pfnMAPIFreeBuffer) &&
+                          Find(library, "MAPIAdminProfiles", pfnMAPIAdminProfiles) &&
+                          Find(library, MAKEINTRESOURCEA(kOrdinalHrGetOneProp), pfnHrGetOneProp) &&
+                          Find(library, MAKEINTRESOURCEA(kOrdinalFreeProws), pfnFreeProws) &&
+                          Find(library, MAKEINTRESOURCEA(kOrdinalHrQueryAllRows), pfnHrQueryAllRows);
     return complete ? 1 : 0;
 }

@@ -2,11 +2,12 @@
 
 // The MAPI functions that the program looks up at run time. Nothing links to a MAPI provider.
 
-#include <windows.h>
-#include <mapix.h>
 #include <mapiutil.h>
+#include <mapix.h>
+#include <windows.h>
 
-// The entry point table. Process-wide, filled once before any MAPI object exists; a member that was not found is null.
+// The entry point table. Process-wide, filled once before any MAPI object exists; a member that was not found
+// is null.
 extern LPMAPIINITIALIZE pfnMAPIInitialize;
 extern LPMAPIUNINITIALIZE pfnMAPIUninitialize;
 extern LPMAPILOGONEX pfnMAPILogonEx;
@@ -18,6 +19,6 @@ extern decltype(&HrGetOneProp) pfnHrGetOneProp;
 extern decltype(&FreeProws) pfnFreeProws;
 extern decltype(&HrQueryAllRows) pfnHrQueryAllRows;
 
-/// Fills the table from a loaded MAPI library, in the order above, and stops at the first function that is missing: the
-/// members behind it stay null. Returns 1 if all ten were found and 0 otherwise.
+/// Fills the table from a loaded MAPI library, in the order above, and stops at the first function that is
+/// missing: the members behind it stay null. Returns 1 if all ten were found and 0 otherwise.
 int FillMAPIEntryPoints(HMODULE library);

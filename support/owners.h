@@ -1,7 +1,7 @@
 #pragma once
 
-// The owners: one type for every kind of resource. Outside this header nothing is released by hand, except where a
-// documented behaviour is to leave something open.
+// The owners: one type for every kind of resource. Outside this header nothing is released by hand, except
+// where a documented behaviour is to leave something open.
 
 #include <wrl/client.h>
 
@@ -10,11 +10,11 @@
 #include "support/mapi_entry_points.h"
 
 /// A reference to a COM or MAPI object.
-template <class Interface>
+template<class Interface>
 using ComPtr = Microsoft::WRL::ComPtr<Interface>;
 
 /// Owns one resource of a kind that `Traits` describes: its `Type`, its `Empty` value and how to `Close` it.
-template <class Traits>
+template<class Traits>
 class Owner {
   public:
     using Type = typename Traits::Type;
@@ -53,13 +53,13 @@ class Owner {
 };
 
 /// A buffer of MAPIAllocateBuffer with all that was allocated under it.
-template <class T>
+template<class T>
 struct MapiBufferTraits {
     using Type = T*;
     static Type Empty() noexcept { return nullptr; }
     static void Close(Type buffer) noexcept { pfnMAPIFreeBuffer(buffer); }
 };
-template <class T>
+template<class T>
 using MapiBuffer = Owner<MapiBufferTraits<T>>;
 
 /// The rows of a table, as HrQueryAllRows delivers them.

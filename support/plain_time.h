@@ -1,10 +1,12 @@
 #pragma once
 
-// The platform's calendar time and file time, under their published names and layouts, for code that is also built
-// natively.
+// The platform's calendar time and file time, under their published names and layouts, for code that is also
+// built natively.
 
 #ifdef _WIN32
-#include <minwindef.h>
+#include <windef.h>
+
+// Behind the base types, which it uses.
 #include <minwinbase.h>
 #else
 #include <cstdint>

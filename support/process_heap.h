@@ -1,7 +1,7 @@
 #pragma once
 
-// Memory that may be allocated by one module and freed by another: the change-log library grows an array that the agent
-// created, and the two need not share a run-time library.
+// Memory that may be allocated by one module and freed by another: the change-log library grows an array that
+// the agent created, and the two need not share a run-time library.
 
 #include <cstddef>
 #include <limits>
@@ -14,12 +14,12 @@ void* ProcessHeapAllocate(std::size_t bytes) noexcept;
 void ProcessHeapFree(void* memory) noexcept;
 
 /// A standard allocator over the heap of the process.
-template <class T>
+template<class T>
 struct ProcessHeapAllocator {
     using value_type = T;
 
     ProcessHeapAllocator() noexcept = default;
-    template <class U>
+    template<class U>
     ProcessHeapAllocator(const ProcessHeapAllocator<U>&) noexcept {}  // NOLINT(google-explicit-constructor)
 
     T* allocate(std::size_t count) {

@@ -13,9 +13,10 @@ using WideString = std::basic_string<wide, std::char_traits<wide>, ProcessHeapAl
 class CString : public WideString {
   public:
     CString() = default;
-    CString(const wide* text) : WideString(text == nullptr ? WIDE("") : text) {}  // NOLINT(google-explicit-constructor)
-    CString(WideView text) : WideString(text) {}                                  // NOLINT(google-explicit-constructor)
-    CString(WideString text) noexcept : WideString(std::move(text)) {}            // NOLINT(google-explicit-constructor)
+    CString(const wide* text)
+        : WideString(text == nullptr ? WIDE("") : text) {}              // NOLINT(google-explicit-constructor)
+    CString(WideView text) : WideString(text) {}                        // NOLINT(google-explicit-constructor)
+    CString(WideString text) noexcept : WideString(std::move(text)) {}  // NOLINT(google-explicit-constructor)
     CString(const wide* text, std::size_t length) : WideString(text, length) {}
 
     /// The text as a view, for the functions that take one.
@@ -50,8 +51,8 @@ class CStringEx : public CString {
     CStringEx& operator=(CStringEx&&) noexcept = default;
     virtual ~CStringEx() = default;
 
-    /// Cuts off and returns the text in front of the separator, and removes the separator too. Without the separator in
-    /// it the whole text is cut off. An empty separator returns a copy and cuts nothing.
+    /// Cuts off and returns the text in front of the separator, and removes the separator too. Without the
+    /// separator in it the whole text is cut off. An empty separator returns a copy and cuts nothing.
     CString NextToken(WideView separator);
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// The 16-bit text unit of every text in the program. Windows calls it wchar_t; natively, where wchar_t has 32 bits, it is
-// char16_t, so that lengths are counted in the same units in both builds.
+// The 16-bit text unit of every text in the program. Windows calls it wchar_t; natively, where wchar_t has 32
+// bits, it is char16_t, so that lengths are counted in the same units in both builds.
 
 #include <string_view>
 

@@ -8,4 +8,4 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 # mapi32=n: the MAPI32.dll beside the program and not the one that Wine brings along.
 # winedbg.exe=d: an unhandled exception ends the process at once, without a debugger.
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mapi32=n;winedbg.exe=d;mscoree=;mshtml=}"
-exec /usr/lib/wine/wine64 "$@"
+exec "${ZEB_WINE_LOADER:-/usr/lib/wine/wine64}" "$@"

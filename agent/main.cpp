@@ -1,0 +1,5 @@
+#include "agent/start_up.h"
+
+int main() {
+    return RunAgent(GetModuleHandleW(nullptr));
+}

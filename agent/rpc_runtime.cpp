@@ -1,0 +1,3 @@
+#include "agent/rpc_runtime.h"
+
+RpcRuntime g_rpc;

@@ -1,0 +1,127 @@
+#include "contacts/contact_xml_output.h"
+#include "mapi/folder_walk.h"
+#include "mapi/mapi_object.h"
+#include "mapi/send_back.h"
+#include "mapi/store_entries.h"
+#include "support/errors.h"
+#include "support/log.h"
+
+namespace NAMESPACE_MAPI {
+
+namespace {
+
+constexpr ItemKind kContacts{L"IPM.Contact", L"IPF.Contact", L"m_lpContactFolder"};
+
+/// An empty document with its declaration and its root.
+void BeginContactDocument(CXMLParser& document) {
+    if (!document.InitDocument()) {
+        Log(kLogFailure, L"Xml to calnedaex - failed\r\n");
+        document.ReleaseDocument();
+        throw NoDocument();
+    }
+    document.CreateHeader();
+    document.CreateRootElement(L"Contact");
+}
+
+/// A contact that cannot be delivered does not end the read: the next one may be.
+void SendContact(const CString& xml) {
+    try {
+        SendBackOneContact(xml);
+    } catch (...) {
+        Log(kLogFailure, L"MAPISendBackOneContact Excetipion");
+    }
+}
+
+}  // namespace
+
+long CMAPIObject::GetContactCount() {
+    Log(kLogTrace, L"CMAPIObject::GetContactCount - Begin\r\n");
+    ULONG count = 0;
+    if (const ComPtr<IMAPIFolder> chosen = m_lpContactFolder) {
+        const FolderIdentity identity = GetFolderIdentity(chosen.Get());
+        Log(kLogTrace, L"CMAPIObject::GetContactCount - GetProps(0X%08X)\r\n", identity.result);
+        if (identity.IsKnown()) {
+            count = GetContactCountFromFolder(identity.EntryId());
+        }
+    }
+    Log(kLogTrace, L"CMAPIObject::GetContactCount - Finish\r\n");
+    return static_cast<long>(count);
+}
+
+ULONG CMAPIObject::GetContactCountFromFolder(const SBinary& entryId) {
+    static constexpr FolderCount kCount{kContacts, L"GetContactCountFromFolder", L"INVALID Parameter",
+                                        nullptr, L"Get Count from SubFolder"};
+    const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
+    return CountFolderItems(kCount, chosen.Get(), entryId);
+}
+
+int CMAPIObject::ReadContacts(const CString& lParam1) {
+    Log(kLogTrace, L"CMAPIObject::ReadContacts - Begin\r\n");
+    bool succeeded = false;
+    try {
+        const ComApartmentHold apartment;
+        succeeded = ReadChosenContacts(lParam1);
+    } catch (...) {
+        succeeded = false;
+    }
+    m_bStop = 0;
+    Log(kLogTrace, L"CMAPIObject::ReadContacts - Finish\r\n");
+    return succeeded ? 0 : 1;
+}
+
+bool CMAPIObject::ReadChosenContacts(const CString& lParam1) {
+    const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
+    if (!chosen) {
+        Log(kLogFailure, L"CMAPIObject::ReadContacts - NULL m_lpContactFolder\r\n");
+        AfxThrowUserException();
+    }
+    m_nItemsSent = 0;
+    m_nItemTotal = static_cast<int>(GetContactCount());
+    Log(kLogTrace, L"CMAPIObject::ReadContacts - Contact Count(%d)\r\n", m_nItemTotal);
+
+    const FolderIdentity identity = GetFolderIdentity(chosen.Get());
+    Log(kLogTrace, L"CMAPIObject::ReadContacts - m_lpContactFolder->GetProps(0X%08X)\r\n", identity.result);
+    if (!identity.IsKnown()) {
+        Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to GetProps or NULL lpPropValues\r\n");
+        AfxThrowUserException();
+    }
+    // A read of changes alone is not served: it fails, so that nobody takes silence for "no change".
+    return lParam1.empty() && ReadAllContacts(identity);
+}
+
+bool CMAPIObject::ReadAllContacts(const FolderIdentity& identity) {
+    Log(kLogFailure, L"CMAPIObject::ReadContacts - Read All Items(NULL lParam1)\r\n");
+    if (m_nItemTotal <= 0) {
+        return true;
+    }
+    if (ReadContactFromFolder(identity.EntryId(), identity.DisplayName()) == 0) {
+        Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to read contacts from folder\r\n");
+        return false;
+    }
+    return true;
+}
+
+int CMAPIObject::ReadContactFromFolder(const SBinary& entryId, const CString& path) {
+    const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
+    const FolderRead read{
+        kContacts, L"ReadContactFromFolder",
+        L"Begin",  kContactColumns,
+        m_bStop,   [this](const SRow& row, const CString& rowPath) { SendContactRow(row, rowPath); }};
+    return ReadFolderItems(read, chosen.Get(), entryId, path);
+}
+
+void CMAPIObject::SendContactRow(const SRow& row, const CString& path) {
+    CXMLParser document;
+    BeginContactDocument(document);
+    AppendElement(document, L"CsFolder", path);
+    CString id;
+    AppendContactRowToXml(document, id, row.lpProps, row.cValues, nullptr);
+    AppendElement(document, L"PIMID", id);
+    AppendContactMessageToXml(document, OpenMessageByHexId(m_lpContactFolder.Get(), id).Get());
+    const CString xml = document.GetDocumentText();
+    ++m_nItemsSent;
+    SendContact(xml);
+    document.ReleaseDocument();
+}
+
+}  // namespace NAMESPACE_MAPI

@@ -1,0 +1,82 @@
+#pragma once
+
+// CMAPIObject, the session class. Its header stands here; its members are defined in the room that each
+// belongs to, a file per operation family.
+
+#include <array>
+#include <cstddef>
+
+#include "support/containers.h"
+#include "support/owners.h"
+#include "support/text.h"
+
+struct FolderIdentity;
+
+namespace NAMESPACE_MAPI {
+
+/// The mail session and what was chosen in it. There is one instance, g_MAPIObject, used by whichever call
+/// thread of the RPC runtime is running, without a lock: a desktop program makes one call at a time. `Stop`
+/// alone may come while a read runs, and sets a flag.
+///
+/// Every operation begins and ends with a line in the log and turns all exceptions inside it into its failure
+/// result.
+class CMAPIObject {
+  public:
+    CMAPIObject();
+    CMAPIObject(const CMAPIObject&) = delete;
+    CMAPIObject& operator=(const CMAPIObject&) = delete;
+    virtual ~CMAPIObject();
+
+    // session.cpp: the life of the session.
+
+    /// Logs on with a profile name, or with the default profile for an empty one, after ending a session that
+    /// is still open. Returns 1, or 0 with everything closed again.
+    int MAPILogOn(ULONG reserved, const wchar_t* profile);
+    /// Ends the session and MAPI.
+    void MAPILogOff();
+    /// Ends the session: folders, store, session and profile administration, in this order.
+    void MAPIRelease();
+    /// Undoes MAPIInitialize if it was done.
+    void MAPIUninitialize();
+    /// Interrupts the running read; without one, the next read that has items.
+    void Stop();
+
+    // contacts/contact_reading.cpp.
+
+    /// The number of contacts that a full read sends; 0 without a contact folder.
+    long GetContactCount();
+    /// Sends the contacts of the chosen folder: all for an empty text, otherwise those that changed since the
+    /// map file of that name was written. Returns 0 for success and 1 for failure.
+    int ReadContacts(const CString& lParam1);
+    /// Counts the contacts of a folder and, by setting, of its sub-folders. Failures count as 0.
+    ULONG GetContactCountFromFolder(const SBinary& entryId);
+    /// Sends the contacts of a folder, then those of its sub-folders. `path` names the folder in the
+    /// documents. Returns 1 if all was walked to the end, otherwise 0.
+    int ReadContactFromFolder(const SBinary& entryId, const CString& path);
+
+    HWND m_hNotifyWnd = nullptr;  ///< progress messages go here; never set to a window
+    ComPtr<IMAPISession> m_lpMAPISession;
+    ComPtr<IProfAdmin> m_lpProfAdmin;  ///< kept from the first list of profiles
+    ComPtr<IMsgStore> m_lpMsgStore;    ///< the default store
+    int m_bMAPIInitialized = 0;
+    int m_bLoggedOn = 0;
+    ComPtr<IMAPIFolder> m_lpContactFolder;
+    ComPtr<IMAPIFolder> m_lpEventFolder;
+    int m_nItemsSent = 0;
+    int m_nItemTotal = 0;
+    int m_bStop = 0;                        ///< a plain flag: written by Stop's thread, polled by the read
+    CArray<CString> m_arrDefaultFolderIds;  ///< hexadecimal, by folder type number
+
+  private:
+    void InitializeMAPI();
+    bool OpenSession(const wchar_t* profile);
+    bool OpenDefaultStore();
+    bool ReadChosenContacts(const CString& lParam1);
+    bool ReadAllContacts(const FolderIdentity& identity);
+    void SendContactRow(const SRow& row, const CString& path);
+};
+
+}  // namespace NAMESPACE_MAPI
+
+/// The one session object. Built before the entry function; its session is ended by MAPILogOff alone.
+extern NAMESPACE_MAPI::CMAPIObject g_MAPIObject;

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "support/owners.h"
+#include "support/text.h"
+
+/// A table with all its rows. The rows go before the table.
+struct TableRows {
+    ComPtr<IMAPITable> table;
+    RowSet rows;
+
+    [[nodiscard]] ULONG Count() const { return rows ? rows->cRows : 0; }
+    [[nodiscard]] const SRow& Row(ULONG index) const { return rows->aRow[index]; }
+};
+
+/// The entry identifier in a column; a null identifier if the row does not have it.
+SBinary EntryIdOfColumn(const SRow& row, unsigned column);
+
+/// The text in a column; empty if the row does not have it.
+CString TextOfColumn(const SRow& row, unsigned column);

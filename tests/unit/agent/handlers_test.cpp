@@ -1,0 +1,119 @@
+// The handlers that need no mail system.
+
+#include <gtest/gtest.h>
+
+#include "command.h"
+#include "mapi/mapi_object.h"
+#include "tests/unit/recorded_log.h"
+
+namespace {
+
+class Handlers : public ::testing::Test {
+  protected:
+    void SetUp() override { TakeLog(); }
+    void TearDown() override {
+        g_MAPIObject.m_bStop = 0;
+        TakeLog();
+    }
+};
+
+TEST_F(Handlers, ContactCountBeforeLogonIsZeroWithSuccess) {
+    long count = 77;
+    long status = 77;
+    GetContactCount(&count, &status);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetContactCount - Begin\r\n"},
+                                   {1, L"CMAPIObject::GetContactCount - Finish\r\n"}}));
+}
+
+TEST_F(Handlers, GetContactFolderAlwaysFailsAndLeavesTheArrayAlone) {
+    wchar_t folder[3000] = L"as it came";
+    long status = 77;
+    GetContactFolder(folder, &status);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(CString(folder), L"as it came");
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetContactFolder - Begin\r\n"},
+                                   {1, L"CMAPIObject::GetContactFolder - Finish\r\n"}}));
+}
+
+TEST_F(Handlers, GetCalendarFolderAlwaysSucceeds) {
+    wchar_t text = L'x';
+    long status = 77;
+    GetCalendarFolder(&text, &status);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(text, L'x');
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"Outlook2k - GetCalendarFolder : Begin\r\n"},
+                                   {1, L"Outlook2k - GetCalendarFolder : Finish\r\n"}}));
+}
+
+TEST_F(Handlers, Reserved10DoesNothingAtAll) {
+    wchar_t text = L'x';
+    long status = 77;
+    Reserved10(&text, &status);
+    EXPECT_EQ(status, 77);
+    EXPECT_EQ(text, L'x');
+    EXPECT_TRUE(TakeLog().empty());
+}
+
+TEST_F(Handlers, StopSetsTheFlag) {
+    Stop();
+    EXPECT_EQ(g_MAPIObject.m_bStop, 1);
+    EXPECT_EQ(TakeLog(),
+              (LogLines{{1, L"CMAPIObject::Stop - Begin\r\n"}, {1, L"CMAPIObject::Stop - Finish\r\n"}}));
+}
+
+TEST_F(Handlers, LogOffWithNothingOpenWritesItsLinesAndCallsNoMail) {
+    // The entry point table is empty, so a MAPI call would end the program.
+    MAPILogOff();
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::MAPILogOff : Begin\r\n"},
+                                   {1, L"CMAPIObject::MAPIRelease : Begin\r\n"},
+                                   {1, L"CMAPIObject::MAPIRelease : Finish\r\n"},
+                                   {1, L"CMAPIObject::MAPIUninitialize : Begin\r\n"},
+                                   {1, L"CMAPIObject::MAPIUninitialize : Finish\r\n"},
+                                   {1, L"CMAPIObject::MAPILogOff : Finish\r\n"}}));
+}
+
+TEST_F(Handlers, LogonWithoutAMailSystemFails) {
+    wchar_t profile[] = L"Work";
+    long status = 77;
+    MAPILogOn(profile, &status);
+    EXPECT_EQ(status, 1);
+    const LogLines log = TakeLog();
+    ASSERT_EQ(log.size(), 9U);
+    EXPECT_EQ(log[0], (LogLine{1, L"CMAPIObject::MAPILogOn - Begin ---------ProfileName(Work)\r\n"}));
+    EXPECT_EQ(log[1], (LogLine{3, L"CMAPIObject::MAPILogOn - Failed\r\n"}));
+    EXPECT_EQ(log[2], (LogLine{1, L"CMAPIObject::MAPILogOff : Begin\r\n"}));
+    EXPECT_EQ(log[8], (LogLine{1, L"CMAPIObject::MAPILogOn - Finish(Failed)\r\n"}));
+}
+
+TEST_F(Handlers, ReadBeforeLogonFailsWithItsLine) {
+    wchar_t ignored[] = L"q";
+    wchar_t all[] = L"";
+    long status = 77;
+    g_MAPIObject.m_bStop = 1;
+    ReadContacts(ignored, all, &status);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(g_MAPIObject.m_bStop, 0);
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::ReadContacts - Begin\r\n"},
+                                   {3, L"CMAPIObject::ReadContacts - NULL m_lpContactFolder\r\n"},
+                                   {1, L"CMAPIObject::ReadContacts - Finish\r\n"}}));
+}
+
+TEST_F(Handlers, WhatIsNotServedFailsAndReturnsNothing) {
+    wchar_t text[] = L"x";
+    wchar_t id[400] = L"unset";
+    wchar_t time[40] = L"unset";
+    long status = 0;
+    WriteContacts(text, id, time, &status);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(CString(id), L"");
+    EXPECT_EQ(CString(time), L"");
+    long count = 77;
+    status = 0;
+    GetCalendarCount(&count, &status);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(count, 0);
+}
+
+}  // namespace

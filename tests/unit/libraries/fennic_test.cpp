@@ -1,0 +1,160 @@
+#include <gmock/gmock.h>
+
+#include <thread>
+#include <vector>
+
+#include "libraries/fennic/log_name.h"
+#include "libraries/fennic/log_writer.h"
+#include "tests/unit/temporary_folder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Settings by which all files go below one folder.
+LogSettings SettingsFor(const TemporaryFolder& folder) {
+    fs::create_directories(folder.File(L"image").c_str());
+    fs::create_directories(folder.File(L"temp").c_str());
+    LogSettings settings;
+    settings.imageFolder = folder.Path() + L"image\\";
+    settings.temporaryFolder = folder.Path() + L"temp\\";
+    return settings;
+}
+
+TEST(LogFileName, KeepsAnOrdinaryName) {
+    EXPECT_EQ(LogFileName(L"ZebAgentOutlook64"), L"ZebAgentOutlook64.log");
+}
+
+TEST(LogFileName, ReplacesWhatAFileNameCannotHold) {
+    EXPECT_EQ(LogFileName(L"..\\..\\a/b:c*d?e\"f<g>h|i\n"), L".._.._a_b_c_d_e_f_g_h_i_.log");
+    EXPECT_EQ(LogFileName(L"a\xD800z"), L"a_z.log");
+}
+
+TEST(LogFileName, NamesWhatHasNoName) {
+    EXPECT_EQ(LogFileName(L""), L"unnamed.log");
+    EXPECT_EQ(LogFileName(L".. "), L"unnamed.log");
+}
+
+TEST(LogFileName, AvoidsDevices) {
+    EXPECT_EQ(LogFileName(L"con"), L"_con.log");
+    EXPECT_EQ(LogFileName(L"LPT1.x"), L"_LPT1.x.log");
+    EXPECT_EQ(LogFileName(L"CON1"), L"CON1.log");
+    EXPECT_EQ(LogFileName(L"console"), L"console.log");
+}
+
+TEST(LogFileName, CutsALongName) {
+    EXPECT_EQ(LogFileName(std::wstring(5000, L'x')).size(), 104U);
+}
+
+TEST(LogWriter, WritesFailuresBesideTheImageAsTheyAre) {
+    const TemporaryFolder folder;
+    LogWriter writer(SettingsFor(folder));
+    writer.Write(L"Module", 3, L"no line end");
+    writer.Write(L"Module", 3, L" Grüße 例 \U0001F980 \xDC00\r\n");
+    writer.Write(L"Other", 3, L"x\n");
+    EXPECT_EQ(folder.Read(L"image/Logs/Module.log"), "no line end Grüße 例 \U0001F980 \uFFFD\r\n");
+    EXPECT_EQ(folder.Read(L"image/Logs/Other.log"), "x\n");
+}
+
+TEST(LogWriter, WritesPrivateLinesOnlyWhenWanted) {
+    const TemporaryFolder folder;
+    LogSettings settings = SettingsFor(folder);
+    LogWriter(settings).Write(L"M", 1, L"+43 1 000000");
+    EXPECT_FALSE(fs::exists(folder.File(L"image/Logs/M.log").c_str()));
+    settings.privateLines = true;
+    LogWriter(settings).Write(L"M", 1, L"+43 1 000000");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log"), "+43 1 000000");
+}
+
+TEST(LogWriter, TakesNullTexts) {
+    const TemporaryFolder folder;
+    LogWriter writer(SettingsFor(folder));
+    writer.Write(L"M", 3, nullptr);
+    writer.Write(nullptr, 3, L"x");
+    EXPECT_EQ(folder.Read(L"image/Logs/unnamed.log"), "x");
+    EXPECT_FALSE(fs::exists(folder.File(L"image/Logs/M.log").c_str()));
+}
+
+TEST(LogWriter, GoesToTheTemporaryFolderWhereItCannotWrite) {
+    const TemporaryFolder folder;
+    LogWriter writer(SettingsFor(folder));
+    // A file where the folder should be keeps everybody out, whatever rights the tests run with.
+    folder.Write(L"image/Logs", "in the way");
+    writer.Write(L"M", 3, L"x");
+    EXPECT_EQ(folder.Read(L"temp/M.log"), "x");
+}
+
+TEST(LogWriter, LosesALineThatCanGoNowhere) {
+    const TemporaryFolder folder;
+    LogSettings settings;
+    settings.imageFolder = folder.Path() + L"missing\\";
+    settings.temporaryFolder = settings.imageFolder;
+    LogWriter writer(settings);
+    writer.Write(L"M", 3, L"x");
+    EXPECT_TRUE(fs::is_empty(folder.Path().c_str()));
+}
+
+TEST(LogWriter, PutsAllModulesIntoTheNamedFile) {
+    const TemporaryFolder folder;
+    LogSettings settings = SettingsFor(folder);
+    settings.namedFile = folder.Path() + L"all.txt";
+    LogWriter writer(settings);
+    writer.Write(L"A", 3, L"a");
+    writer.Write(L"B", 3, L"b");
+    EXPECT_EQ(folder.Read(L"all.txt"), "ab");
+}
+
+TEST(LogWriter, KeepsThreeFiles) {
+    const TemporaryFolder folder;
+    LogSettings settings = SettingsFor(folder);
+    settings.sizeLimit = 4;
+    LogWriter writer(settings);
+    for (const wchar_t* text : {L"1111", L"2222", L"33", L"33", L"4444", L"5"}) {
+        writer.Write(L"M", 3, text);
+    }
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log"), "5");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log.1"), "4444");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log.2"), "3333");
+    const fs::directory_iterator files(folder.File(L"image/Logs").c_str());
+    EXPECT_EQ(std::distance(files, fs::directory_iterator()), 3);
+}
+
+TEST(LogWriter, KeepsWritingWhenAFileCannotBeMovedAside) {
+    const TemporaryFolder folder;
+    LogSettings settings = SettingsFor(folder);
+    settings.sizeLimit = 2;
+    fs::create_directories(folder.File(L"image/Logs/M.log.1/full").c_str());
+    fs::create_directories(folder.File(L"image/Logs/M.log.2/full").c_str());
+    LogWriter writer(settings);
+    writer.Write(L"M", 3, L"11");
+    writer.Write(L"M", 3, L"22");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log"), "1122");
+}
+
+TEST(LogWriter, KeepsLinesOfManyThreadsWhole) {
+    constexpr int kThreads = 8;
+    constexpr int kLines = 200;
+    const TemporaryFolder folder;
+    LogWriter writer(SettingsFor(folder));
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&writer, thread] {
+            const CString line = CString(std::wstring(100, static_cast<wchar_t>(L'a' + thread))) + L"\n";
+            for (int i = 0; i < kLines; ++i) {
+                writer.Write(L"M", 3, line.c_str());
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    std::ifstream file(folder.File(L"image/Logs/M.log").c_str());
+    std::vector<int> counts(kThreads);
+    for (std::string line; std::getline(file, line);) {
+        ASSERT_EQ(line, std::string(100, line.front()));
+        ++counts.at(static_cast<std::size_t>(line.front() - 'a'));
+    }
+    EXPECT_THAT(counts, testing::Each(kLines));
+}
+
+}  // namespace

@@ -1,0 +1,24 @@
+#pragma once
+
+// The log of a test program: it defines OutputString itself and keeps what was written.
+
+#include <vector>
+
+#include "support/text.h"
+
+struct LogLine {
+    int level;
+    CString text;
+
+    friend bool operator==(const LogLine&, const LogLine&) = default;
+};
+using LogLines = std::vector<LogLine>;
+
+/// How GoogleTest prints a line.
+void PrintTo(const LogLine& line, std::ostream* out);
+
+/// All lines since the last call, oldest first.
+LogLines TakeLog();
+
+/// The module names that the lines since the program's start came with, each once.
+std::vector<CString> LogModules();

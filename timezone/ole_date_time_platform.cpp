@@ -1,0 +1,80 @@
+#include "timezone/ole_date_time.h"
+
+// Behind the base headers.
+#include <oleauto.h>
+
+#include <ctime>
+#include <cwchar>
+#include <iterator>
+
+#include "support/errors.h"
+
+namespace {
+
+/// True if the platform's calendar turns the date into exactly the fields that it was made from.
+bool ComesBackAs(const SYSTEMTIME& fields, double date) {
+    SYSTEMTIME back = {};
+    return VariantTimeToSystemTime(date, &back) != FALSE && back.wYear == fields.wYear &&
+           back.wMonth == fields.wMonth && back.wDay == fields.wDay && back.wHour == fields.wHour &&
+           back.wMinute == fields.wMinute && back.wSecond == fields.wSecond;
+}
+
+std::tm CalendarTimeOf(const UDATE& date) {
+    std::tm fields = {};
+    fields.tm_sec = date.st.wSecond;
+    fields.tm_min = date.st.wMinute;
+    fields.tm_hour = date.st.wHour;
+    fields.tm_mday = date.st.wDay;
+    fields.tm_mon = date.st.wMonth - 1;
+    fields.tm_year = date.st.wYear - 1900;
+    fields.tm_wday = date.st.wDayOfWeek;
+    fields.tm_yday = date.wDayOfYear - 1;
+    return fields;
+}
+
+}  // namespace
+
+std::int32_t COleDateTime::SetDateTime(WORD year, WORD month, WORD day, WORD hour, WORD minute, WORD second) {
+    SYSTEMTIME fields = {};
+    fields.wYear = year;
+    fields.wMonth = month;
+    fields.wDay = day;
+    fields.wHour = hour;
+    fields.wMinute = minute;
+    fields.wSecond = second;
+    const bool valid = SystemTimeToVariantTime(&fields, &m_dt) != FALSE && ComesBackAs(fields, m_dt);
+    m_status = valid ? kDateValid : kDateInvalid;
+    return m_status;
+}
+
+COleDateTime COleDateTime::GetCurrentTime() {
+    COleDateTime now;
+    const __time64_t seconds = _time64(nullptr);
+    std::tm fields = {};
+    if (_localtime64_s(&fields, &seconds) != 0) {
+        now.m_status = kDateInvalid;
+        return now;
+    }
+    now.SetDateTime(static_cast<WORD>(fields.tm_year + 1900), static_cast<WORD>(fields.tm_mon + 1),
+                    static_cast<WORD>(fields.tm_mday), static_cast<WORD>(fields.tm_hour),
+                    static_cast<WORD>(fields.tm_min), static_cast<WORD>(fields.tm_sec));
+    return now;
+}
+
+CString COleDateTime::Format(const wchar_t* format) const {
+    if (format == nullptr) {
+        RaiseComError(kErrorInvalidArgument);
+    }
+    if (m_status == kDateNull) {
+        return {};
+    }
+    UDATE date = {};
+    if (m_status == kDateInvalid || FAILED(VarUdateFromDate(m_dt, 0, &date))) {
+        return L"Invalid DateTime";
+    }
+    const std::tm fields = CalendarTimeOf(date);
+    wchar_t text[256] = {};
+    const std::size_t length = std::wcsftime(text, std::size(text), format, &fields);
+    // A text that fills the buffer is one that did not fit, though not every platform says so by 0.
+    return length < std::size(text) ? CString(text, length) : CString();
+}

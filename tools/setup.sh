@@ -1,0 +1,137 @@
+#!/usr/bin/env bash
+# Prepares a bare Debian 12 machine for building and testing: the packages, a 32-bit Wine of the project's own below
+# build/wine32, and a Wine prefix in build/wine (or in $WINEPREFIX). What is there already is left alone, so a second run
+# takes a moment. Nothing here changes which architectures dpkg knows.
+set -euo pipefail
+here=$(cd "$(dirname "$0")/.." && pwd)
+cd "$here"
+
+# Without these nothing can be built or run.
+required=(
+  g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools
+  cmake ninja-build make wine64 googletest)
+# These serve lint, the sanitized and fuzzed builds, the independent reader of .msg files and the 32-bit Wine.
+wanted=(clang clang-format clang-tidy libclang-rt-14-dev python3 python3-olefile libc6-i386)
+
+# What the 32-bit Wine loads besides itself. Without FreeType every program begins with a complaint.
+wine32_libraries=(libfreetype6 libpng16-16 zlib1g libbrotli1 libbz2-1.0)
+
+wine64_loader=/usr/lib/wine/wine64
+wine32_root=$here/build/wine32/root
+prefix=${WINEPREFIX:-$here/build/wine}
+
+say() { printf 'setup: %s\n' "$*"; }
+die() { printf 'setup: %s\n' "$*" >&2; exit 1; }
+
+# Prints those of the packages that are not installed.
+missing() {
+  local package
+  for package in "$@"; do
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || printf '%s\n' "$package"
+  done
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    die "packages have to be installed, which needs root: run this as root, or install sudo"
+  fi
+}
+
+install_packages() {
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "$@"
+}
+
+set_up_packages() {
+  command -v dpkg-query >/dev/null || die "this is for Debian; on Windows, MSYS2 brings the tools (see docs)"
+  local -a lacking
+  mapfile -t lacking < <(missing "${required[@]}" "${wanted[@]}")
+  if [ ${#lacking[@]} -eq 0 ]; then
+    say "packages: all there"
+    return
+  fi
+  say "packages: installing ${lacking[*]}"
+  # An index that cannot be fetched matters only if a package is missing because of it.
+  as_root apt-get update -q || say "packages: not every index could be fetched; going on"
+  install_packages "${lacking[@]}" && return
+  say "packages: not all could be installed; trying those that the build needs"
+  mapfile -t lacking < <(missing "${required[@]}")
+  [ ${#lacking[@]} -eq 0 ] || install_packages "${lacking[@]}" || die "packages: could not install ${lacking[*]}"
+  mapfile -t lacking < <(missing "${wanted[@]}")
+  say "packages: GOING ON WITHOUT ${lacking[*]}: what needs them will say so"
+}
+
+# Downloads the 32-bit half of Wine, in the version of the 64-bit half because both talk to one wineserver. apt-get works on
+# lists and a status of its own, so the machine does not become a two-architecture one.
+fetch_wine32() {
+  local work=$1 version=$2
+  local -a apt=(apt-get -q
+    -o APT::Architecture=i386 -o APT::Architectures=i386 -o APT::Sandbox::User=
+    -o "Dir::State::Lists=$work/lists" -o "Dir::State::Status=$work/status" -o "Dir::Cache=$work/cache"
+    -o Acquire::http::Timeout=30 -o Acquire::Retries=2)
+  mkdir -p "$work/lists/partial" "$work/cache/archives/partial" "$work/packages" "$work/root"
+  : >"$work/status"
+  "${apt[@]}" update >"$work/update.log" 2>&1 || true
+  (cd "$work/packages" && "${apt[@]}" download "wine32=$version" "libwine=$version" "${wine32_libraries[@]}") || return 1
+  local package
+  for package in "$work"/packages/*.deb; do
+    dpkg -x "$package" "$work/root" || return 1
+  done
+  # By this the 32-bit loader finds the 64-bit one, for programs that a 32-bit program starts.
+  ln -s "$wine64_loader" "$work/root/usr/lib/wine/wine64"
+}
+
+set_up_wine32() {
+  local version
+  version=$(dpkg-query -W -f '${Version}' wine64)
+  if [ "$(cat "$wine32_root/version" 2>/dev/null)" = "$version" ]; then
+    say "32-bit Wine: there, $version"
+    return
+  fi
+  say "32-bit Wine: downloading $version (about 95 MB) to build/wine32"
+  local work=$here/build/wine32/new
+  rm -rf "$work" "$wine32_root"
+  mkdir -p "$work"
+  if [ -e /lib/ld-linux.so.2 ] && fetch_wine32 "$work" "$version"; then
+    printf '%s\n' "$version" >"$work/root/version"
+    mv "$work/root" "$wine32_root"
+    say "32-bit Wine: unpacked"
+  else
+    say "32-bit Wine: NOT AVAILABLE on this machine. Tests of the 32-bit desktop program will be skipped."
+  fi
+  rm -rf "$work"
+}
+
+# One prefix serves both halves: the 32-bit desktop program and the 64-bit agent must see the same named pipes.
+set_up_prefix() {
+  local kind=64
+  [ ! -e "$wine32_root/version" ] || kind=64+32
+  local stamp
+  stamp="$(dpkg-query -W -f '${Version}' wine64) $kind"
+  if [ "$(cat "$prefix/zeb-prefix" 2>/dev/null)" = "$stamp" ]; then
+    say "Wine prefix: there, $prefix ($kind bits)"
+    return
+  fi
+  [ ! -e "$prefix/system.reg" ] || [ -e "$prefix/zeb-prefix" ] ||
+    die "Wine prefix: $prefix was not made by this script; name another one in WINEPREFIX"
+  say "Wine prefix: making $prefix ($kind bits), which takes some seconds"
+  [ ! -e "$prefix" ] || WINEPREFIX=$prefix /usr/lib/wine/wineserver64 -k || true
+  rm -rf "$prefix"
+  mkdir -p "$prefix"
+  echo unfinished >"$prefix/zeb-prefix"
+  # The dll path makes the prefix take in the 32-bit system libraries.
+  WINEPREFIX=$prefix WINEDLLPATH=$wine32_root/usr/lib/i386-linux-gnu/wine \
+    env -u DISPLAY timeout 300 tools/run-wine.sh wineboot -i >"$prefix.log" 2>&1 ||
+    die "Wine prefix: could not be made, see $prefix.log"
+  [ "$kind" = 64 ] || [ -e "$prefix/drive_c/windows/syswow64/kernel32.dll" ] ||
+    die "Wine prefix: the 32-bit libraries are not in it, see $prefix.log"
+  printf '%s\n' "$stamp" >"$prefix/zeb-prefix"
+}
+
+set_up_packages
+set_up_wine32
+set_up_prefix
+say "done"
