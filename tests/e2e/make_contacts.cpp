@@ -4,6 +4,7 @@
 //   contact                        begins a contact; the lines behind it are its properties
 //   tag 3A11001F TEXT              a property by its tag
 //   named 00062004 8083 TEXT       one by the first 32 bits of its property set and its number
+//   time 3A420040 125911260000000000   a time by its tag
 //   keywords TEXT TEXT ...         the categories
 //
 // A TEXT is the hexadecimal form of its UTF-16 units, four digits each, or "-" for an empty one.
@@ -143,6 +144,14 @@ void SetText(IMessage* message, ULONG tag, std::wstring text) {
     SetOne(message, value);
 }
 
+void SetTime(IMessage* message, ULONG tag, ULONGLONG time) {
+    SPropValue value{};
+    value.ulPropTag = tag;
+    value.Value.ft.dwLowDateTime = static_cast<DWORD>(time & 0xFFFFFFFF);
+    value.Value.ft.dwHighDateTime = static_cast<DWORD>(time >> 32);
+    SetOne(message, value);
+}
+
 ULONG NamedTag(IMessage* message, MAPINAMEID name) {
     LPMAPINAMEID names = &name;
     MapiBuffer<SPropTagArray> tags;
@@ -186,10 +195,13 @@ void SetFromLine(IMessage* message, const std::string& kind, std::istringstream&
     std::string text;
     ULONG tagOrSet = 0;
     ULONG number = 0;
+    ULONGLONG time = 0;
     if (kind == "tag" && words >> std::hex >> tagOrSet >> text) {
         SetText(message, tagOrSet, Text(text));
     } else if (kind == "named" && words >> std::hex >> tagOrSet >> number >> text) {
         SetNamed(message, tagOrSet, number, Text(text));
+    } else if (kind == "time" && words >> std::hex >> tagOrSet >> std::dec >> time) {
+        SetTime(message, tagOrSet, time);
     } else if (kind == "keywords") {
         std::vector<std::wstring> texts;
         while (words >> text) {

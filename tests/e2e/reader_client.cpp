@@ -19,7 +19,9 @@
 
 namespace {
 
+constexpr const wchar_t* kCommandPipe = L"\\\\.\\pipe\\MapiServer64";
 constexpr DWORD kPatienceMilliseconds = 60000;
+constexpr DWORD kPollMilliseconds = 20;
 constexpr unsigned kMaxCalls = 1234;
 /// The exit status of a client that was asked to crash.
 constexpr UINT kCrashed = 99;
@@ -33,7 +35,7 @@ constexpr const char* kUsage =
     "  --crash-after N    end without a word while the Nth document is being received\n"
     "commands:\n"
     "  logon[=PROFILE] count read stop logoff shutdown\n"
-    "  await-shutdown     wait until the agent says that it goes away\n";
+    "  await-end          wait until the agent is gone, and tell whether it said so before\n";
 
 /// What the callbacks do and have done. They come on the runtime's threads, one at a time.
 struct Reception {
@@ -103,12 +105,11 @@ void BindToAgent() {
 
 /// The agent may have been started a moment ago.
 void WaitForAgent() {
-    for (DWORD waited = 0; WaitNamedPipeW(L"\\\\.\\pipe\\MapiServer64", NMPWAIT_WAIT_FOREVER) == 0;
-         waited += 20) {
+    for (DWORD waited = 0; WaitNamedPipeW(kCommandPipe, kPatienceMilliseconds) == 0; waited += kPollMilliseconds) {
         if (waited >= kPatienceMilliseconds) {
             throw std::runtime_error("there is no agent");
         }
-        Sleep(20);
+        Sleep(kPollMilliseconds);
     }
 }
 
@@ -135,10 +136,16 @@ void DoRead() {
     std::printf("read %ld %lu\n", status, g_reception.documents - before);
 }
 
-void AwaitShutdown() {
-    const bool announced =
-        WaitForSingleObject(g_reception.shutdown.Get(), kPatienceMilliseconds) == WAIT_OBJECT_0;
-    std::printf("shutdown %s\n", announced ? "announced" : "not announced");
+void AwaitEnd() {
+    for (DWORD waited = 0; WaitNamedPipeW(kCommandPipe, 1) != 0 || GetLastError() == ERROR_SEM_TIMEOUT;
+         waited += kPollMilliseconds) {
+        if (waited >= kPatienceMilliseconds) {
+            throw std::runtime_error("the agent does not go");
+        }
+        Sleep(kPollMilliseconds);
+    }
+    const bool announced = WaitForSingleObject(g_reception.shutdown.Get(), 0) == WAIT_OBJECT_0;
+    std::printf("end %s\n", announced ? "announced" : "not announced");
 }
 
 void Do(const std::wstring& command) {
@@ -156,8 +163,8 @@ void Do(const std::wstring& command) {
         GuardedRpc([] { MAPILogOff(); });
     } else if (command == L"shutdown") {
         GuardedRpc([] { Shutdown(); });
-    } else if (command == L"await-shutdown") {
-        AwaitShutdown();
+    } else if (command == L"await-end") {
+        AwaitEnd();
     } else {
         throw std::invalid_argument(kUsage);
     }
