@@ -9,7 +9,7 @@ namespace {
 constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::int32_t kLineLength = 76;
 
-/// The room that is asked for before anything is written; it can exceed what the text takes.
+/// The room that is asked for before anything is written.
 constexpr std::int32_t RequiredLength(std::int32_t length) {
     const std::int32_t base = length * 4 / 3 + length % 3;
     const std::int32_t rest = base % kLineLength;

@@ -194,6 +194,8 @@ ComPtr<IXMLDOMElement> CXMLParser::CreateChildElement(const wchar_t* name, const
     return element;
 }
 
+// Like GetNodeText an operation of the document to its callers, though it works on the node alone.
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 bool CXMLParser::SetAttribute(const wchar_t* name, const wchar_t* value, IXMLDOMNode* node) {
     if (value == nullptr || node == nullptr) {
         return false;
@@ -208,13 +210,18 @@ bool CXMLParser::SetAttribute(const wchar_t* name, const wchar_t* value, IXMLDOM
 }
 
 ComPtr<IXMLDOMNode> CXMLParser::SelectSingleNode(const wchar_t* path) {
+    // An empty path is no path, and not every MSXML survives it.
+    if (!m_pXMLDoc || path == nullptr || *path == L'\0') {
+        return nullptr;
+    }
     ComPtr<IXMLDOMNode> node;
-    if (m_pXMLDoc && FAILED(m_pXMLDoc->selectSingleNode(MakeBstr(CString(path)).Get(), &node))) {
+    if (FAILED(m_pXMLDoc->selectSingleNode(MakeBstr(path).Get(), &node))) {
         node.Reset();
     }
     return node;
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 CString CXMLParser::GetNodeText(IXMLDOMNode* node) {
     Bstr text;
     if (node == nullptr || FAILED(node->get_text(text.Put()))) {

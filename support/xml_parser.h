@@ -69,7 +69,8 @@ class CXMLParser {
     /// failure.
     bool SetAttribute(const wchar_t* name, const wchar_t* value, IXMLDOMNode* node);
 
-    /// The first node of an absolute path of element names, or null.
+    /// The first node of an absolute path of element names, or null. A path is a constant of the program,
+    /// never text from outside: MSXML is not safe from every path.
     ComPtr<IXMLDOMNode> SelectSingleNode(const wchar_t* path);
 
     /// The text of a node and its descendants, trimmed as MSXML does by default; empty for null.

@@ -75,5 +75,6 @@ CString COleDateTime::Format(const wchar_t* format) const {
     const std::tm fields = CalendarTimeOf(date);
     wchar_t text[256] = {};
     const std::size_t length = std::wcsftime(text, std::size(text), format, &fields);
-    return {text, length};
+    // A text that fills the buffer is one that did not fit, though not every platform says so by 0.
+    return length < std::size(text) ? CString(text, length) : CString();
 }

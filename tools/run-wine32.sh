@@ -11,5 +11,7 @@ fi
 # Both loaders must talk to one wineserver, the 64-bit one.
 export WINESERVER="${WINESERVER:-/usr/lib/wine/wineserver64}"
 export WINEDLLPATH="${WINEDLLPATH:-$root/usr/lib/i386-linux-gnu/wine}"
+# A 64-bit program that is started from the 32-bit one passes over these.
+export LD_LIBRARY_PATH="$root/usr/lib/i386-linux-gnu:$root/lib/i386-linux-gnu${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
 export ZEB_WINE_LOADER="$root/usr/lib/wine/wine"
 exec "$here/tools/run-wine.sh" "$@"

@@ -13,6 +13,9 @@ required=(
 # These serve lint, the sanitized and fuzzed builds, the independent reader of .msg files and the 32-bit Wine.
 wanted=(clang clang-format clang-tidy libclang-rt-14-dev python3 python3-olefile libc6-i386)
 
+# What the 32-bit Wine loads besides itself. Without FreeType every program begins with a complaint.
+wine32_libraries=(libfreetype6 libpng16-16 zlib1g libbrotli1 libbz2-1.0)
+
 wine64_loader=/usr/lib/wine/wine64
 wine32_root=$here/build/wine32/root
 prefix=${WINEPREFIX:-$here/build/wine}
@@ -72,7 +75,7 @@ fetch_wine32() {
   mkdir -p "$work/lists/partial" "$work/cache/archives/partial" "$work/packages" "$work/root"
   : >"$work/status"
   "${apt[@]}" update >"$work/update.log" 2>&1 || true
-  (cd "$work/packages" && "${apt[@]}" download "wine32=$version" "libwine=$version") || return 1
+  (cd "$work/packages" && "${apt[@]}" download "wine32=$version" "libwine=$version" "${wine32_libraries[@]}") || return 1
   local package
   for package in "$work"/packages/*.deb; do
     dpkg -x "$package" "$work/root" || return 1

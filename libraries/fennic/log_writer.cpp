@@ -5,20 +5,12 @@
 #include <string>
 
 #include "libraries/fennic/log_name.h"
+#include "support/utf8.h"
 
 namespace {
 
 /// Lines from this level on report failures and are always written.
 constexpr int kFailureLevel = 3;
-
-/// The text in UTF-8; a lone surrogate becomes U+FFFD.
-std::string ToUtf8(std::wstring_view text) {
-    const int length = static_cast<int>(text.size());
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
-    return bytes;
-}
 
 }  // namespace
 
@@ -26,12 +18,10 @@ void LogWriter::Write(const wchar_t* module, int level, const wchar_t* text) {
     if ((level < kFailureLevel && !m_settings.privateLines) || text == nullptr) {
         return;
     }
-    constexpr std::size_t kLongestText = 0x10000000;
-    const std::wstring_view line = std::wstring_view(text).substr(0, kLongestText);
-    if (line.empty()) {
+    const std::string bytes = Utf8FromWide(text);
+    if (bytes.empty()) {
         return;
     }
-    const std::string bytes = ToUtf8(line);
     const CString fileName = LogFileName(module == nullptr ? L"" : module);
     const std::lock_guard lock(m_mutex);
     auto position = m_files.find(fileName);

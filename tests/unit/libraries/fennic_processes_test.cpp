@@ -8,7 +8,7 @@
 
 #include "libraries/fennic/log_writer.h"
 #include "support/owners.h"
-#include "tests/unit/libraries/temporary_folder.h"
+#include "tests/unit/temporary_folder.h"
 
 namespace {
 
@@ -90,7 +90,7 @@ TEST(FennicChild, DoesItsPart) {
 
 TEST(FennicProcesses, ShareAFileThatIsMovedAside) {
     const TemporaryFolder folder;
-    const CString path = folder.Prefix() + L"shared.log";
+    const CString path = folder.File(L"shared.log");
     SetEnvironmentVariableW(L"FENNIC64_LOG", path.c_str());
     const CString race = CString::Format(L"ZebFennic%lu", GetCurrentProcessId());
     const StartingLine start(race);
@@ -104,8 +104,8 @@ TEST(FennicProcesses, ShareAFileThatIsMovedAside) {
         ASSERT_EQ(WaitForSingleObject(child.Get(), INFINITE), WAIT_OBJECT_0);
     }
     std::map<char, int> next;
-    for (const char* name : {"shared.log.2", "shared.log.1", "shared.log"}) {
-        std::ifstream file(folder.Path() / name);
+    for (const wchar_t* name : {L"shared.log.2", L"shared.log.1", L"shared.log"}) {
+        std::ifstream file(folder.File(name).c_str());
         ASSERT_TRUE(file) << name;
         for (std::string line; std::getline(file, line);) {
             ASSERT_EQ(line.size(), 15U) << line;

@@ -5,7 +5,7 @@
 
 #include "libraries/fennic/log_name.h"
 #include "libraries/fennic/log_writer.h"
-#include "tests/unit/libraries/temporary_folder.h"
+#include "tests/unit/temporary_folder.h"
 
 namespace {
 
@@ -13,11 +13,11 @@ namespace fs = std::filesystem;
 
 /// Settings by which all files go below one folder.
 LogSettings SettingsFor(const TemporaryFolder& folder) {
-    fs::create_directories(folder.Path() / "image");
-    fs::create_directories(folder.Path() / "temp");
+    fs::create_directories(folder.File(L"image").c_str());
+    fs::create_directories(folder.File(L"temp").c_str());
     LogSettings settings;
-    settings.imageFolder = folder.Prefix() + L"image\\";
-    settings.temporaryFolder = folder.Prefix() + L"temp\\";
+    settings.imageFolder = folder.Path() + L"image\\";
+    settings.temporaryFolder = folder.Path() + L"temp\\";
     return settings;
 }
 
@@ -52,19 +52,18 @@ TEST(LogWriter, WritesFailuresBesideTheImageAsTheyAre) {
     writer.Write(L"Module", 3, L"no line end");
     writer.Write(L"Module", 3, L" Grüße 例 \U0001F980 \xDC00\r\n");
     writer.Write(L"Other", 3, L"x\n");
-    EXPECT_EQ(ReadBytes(folder.Path() / "image/Logs/Module.log"),
-              "no line end Grüße 例 \U0001F980 \uFFFD\r\n");
-    EXPECT_EQ(ReadBytes(folder.Path() / "image/Logs/Other.log"), "x\n");
+    EXPECT_EQ(folder.Read(L"image/Logs/Module.log"), "no line end Grüße 例 \U0001F980 \uFFFD\r\n");
+    EXPECT_EQ(folder.Read(L"image/Logs/Other.log"), "x\n");
 }
 
 TEST(LogWriter, WritesPrivateLinesOnlyWhenWanted) {
     const TemporaryFolder folder;
     LogSettings settings = SettingsFor(folder);
     LogWriter(settings).Write(L"M", 1, L"+43 1 000000");
-    EXPECT_FALSE(fs::exists(folder.Path() / "image/Logs/M.log"));
+    EXPECT_FALSE(fs::exists(folder.File(L"image/Logs/M.log").c_str()));
     settings.privateLines = true;
     LogWriter(settings).Write(L"M", 1, L"+43 1 000000");
-    EXPECT_EQ(ReadBytes(folder.Path() / "image/Logs/M.log"), "+43 1 000000");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log"), "+43 1 000000");
 }
 
 TEST(LogWriter, TakesNullTexts) {
@@ -72,37 +71,37 @@ TEST(LogWriter, TakesNullTexts) {
     LogWriter writer(SettingsFor(folder));
     writer.Write(L"M", 3, nullptr);
     writer.Write(nullptr, 3, L"x");
-    EXPECT_EQ(ReadBytes(folder.Path() / "image/Logs/unnamed.log"), "x");
-    EXPECT_FALSE(fs::exists(folder.Path() / "image/Logs/M.log"));
+    EXPECT_EQ(folder.Read(L"image/Logs/unnamed.log"), "x");
+    EXPECT_FALSE(fs::exists(folder.File(L"image/Logs/M.log").c_str()));
 }
 
 TEST(LogWriter, GoesToTheTemporaryFolderWhereItCannotWrite) {
     const TemporaryFolder folder;
     LogWriter writer(SettingsFor(folder));
     // A file where the folder should be keeps everybody out, whatever rights the tests run with.
-    std::ofstream(folder.Path() / "image/Logs") << "in the way";
+    folder.Write(L"image/Logs", "in the way");
     writer.Write(L"M", 3, L"x");
-    EXPECT_EQ(ReadBytes(folder.Path() / "temp/M.log"), "x");
+    EXPECT_EQ(folder.Read(L"temp/M.log"), "x");
 }
 
 TEST(LogWriter, LosesALineThatCanGoNowhere) {
     const TemporaryFolder folder;
     LogSettings settings;
-    settings.imageFolder = folder.Prefix() + L"missing\\";
+    settings.imageFolder = folder.Path() + L"missing\\";
     settings.temporaryFolder = settings.imageFolder;
     LogWriter writer(settings);
     writer.Write(L"M", 3, L"x");
-    EXPECT_TRUE(fs::is_empty(folder.Path()));
+    EXPECT_TRUE(fs::is_empty(folder.Path().c_str()));
 }
 
 TEST(LogWriter, PutsAllModulesIntoTheNamedFile) {
     const TemporaryFolder folder;
     LogSettings settings = SettingsFor(folder);
-    settings.namedFile = folder.Prefix() + L"all.txt";
+    settings.namedFile = folder.Path() + L"all.txt";
     LogWriter writer(settings);
     writer.Write(L"A", 3, L"a");
     writer.Write(L"B", 3, L"b");
-    EXPECT_EQ(ReadBytes(folder.Path() / "all.txt"), "ab");
+    EXPECT_EQ(folder.Read(L"all.txt"), "ab");
 }
 
 TEST(LogWriter, KeepsThreeFiles) {
@@ -113,24 +112,23 @@ TEST(LogWriter, KeepsThreeFiles) {
     for (const wchar_t* text : {L"1111", L"2222", L"33", L"33", L"4444", L"5"}) {
         writer.Write(L"M", 3, text);
     }
-    const fs::path logs = folder.Path() / "image/Logs";
-    EXPECT_EQ(ReadBytes(logs / "M.log"), "5");
-    EXPECT_EQ(ReadBytes(logs / "M.log.1"), "4444");
-    EXPECT_EQ(ReadBytes(logs / "M.log.2"), "3333");
-    EXPECT_EQ(std::distance(fs::directory_iterator(logs), fs::directory_iterator()), 3);
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log"), "5");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log.1"), "4444");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log.2"), "3333");
+    const fs::directory_iterator files(folder.File(L"image/Logs").c_str());
+    EXPECT_EQ(std::distance(files, fs::directory_iterator()), 3);
 }
 
 TEST(LogWriter, KeepsWritingWhenAFileCannotBeMovedAside) {
     const TemporaryFolder folder;
     LogSettings settings = SettingsFor(folder);
     settings.sizeLimit = 2;
-    for (const char* name : {"M.log.1", "M.log.2"}) {
-        fs::create_directories(folder.Path() / "image/Logs" / name / "full");
-    }
+    fs::create_directories(folder.File(L"image/Logs/M.log.1/full").c_str());
+    fs::create_directories(folder.File(L"image/Logs/M.log.2/full").c_str());
     LogWriter writer(settings);
     writer.Write(L"M", 3, L"11");
     writer.Write(L"M", 3, L"22");
-    EXPECT_EQ(ReadBytes(folder.Path() / "image/Logs/M.log"), "1122");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log"), "1122");
 }
 
 TEST(LogWriter, KeepsLinesOfManyThreadsWhole) {
@@ -150,7 +148,7 @@ TEST(LogWriter, KeepsLinesOfManyThreadsWhole) {
     for (std::thread& thread : threads) {
         thread.join();
     }
-    std::ifstream file(folder.Path() / "image/Logs/M.log");
+    std::ifstream file(folder.File(L"image/Logs/M.log").c_str());
     std::vector<int> counts(kThreads);
     for (std::string line; std::getline(file, line);) {
         ASSERT_EQ(line, std::string(100, line.front()));

@@ -1,0 +1,73 @@
+#include "desktop/callback_service.h"
+
+#include <mutex>
+
+#include "desktop/failure.h"
+#include "desktop/rpc_endpoint.h"
+
+extern "C" {
+#include "callback.h"
+}
+
+namespace {
+
+constexpr unsigned kMaxCalls = RPC_C_LISTEN_MAX_CALLS_DEFAULT;
+
+/// Guards the receiver and what it does.
+std::mutex g_receiverMutex;
+/// Who takes the documents; null while no read runs.
+ItemReceiver* g_receiver = nullptr;
+
+void SetReceiver(ItemReceiver* receiver) {
+    const std::lock_guard lock(g_receiverMutex);
+    g_receiver = receiver;
+}
+
+void RequireOk(RPC_STATUS status) {
+    if (status != RPC_S_OK) {
+        throw Failure(
+            ExitCode::kBusy,
+            CString::Format(L"%s cannot be served (RPC status %ld); is another desktop program running?",
+                            kCallbackEndpoint, status));
+    }
+}
+
+}  // namespace
+
+// The remote procedures of the callback interface.
+
+void MAPIServerShutdown() {
+    // The notice that the agent is going away. Whoever waits for the agent sees its pipe close.
+}
+
+void MAPISendBackOneContact(wchar_t* xml) {
+    const std::lock_guard lock(g_receiverMutex);
+    if (g_receiver != nullptr) {
+        g_receiver->Receive(xml);
+    }
+}
+
+void MAPISendBackOneCalenda(wchar_t* /*xml*/) {
+    // No command asks for calendar items.
+}
+
+CallbackService::CallbackService() {
+    RequireOk(
+        RpcServerUseProtseqEpW(RpcText(kProtocolSequence), kMaxCalls, RpcText(kCallbackEndpoint), nullptr));
+    RequireOk(RpcServerRegisterIf(ZebAgentCallback_v1_0_s_ifspec, nullptr, nullptr));
+    RequireOk(RpcServerListen(1, kMaxCalls, TRUE));
+}
+
+CallbackService::~CallbackService() {
+    RpcMgmtStopServerListening(nullptr);
+    RpcMgmtWaitServerListen();
+    RpcServerUnregisterIf(ZebAgentCallback_v1_0_s_ifspec, nullptr, TRUE);
+}
+
+Reception::Reception(ItemReceiver& receiver) {
+    SetReceiver(&receiver);
+}
+
+Reception::~Reception() {
+    SetReceiver(nullptr);
+}

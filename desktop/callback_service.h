@@ -1,0 +1,35 @@
+#pragma once
+
+/// Takes the documents that the agent sends while a read runs.
+class ItemReceiver {
+  public:
+    ItemReceiver() = default;
+    ItemReceiver(const ItemReceiver&) = delete;
+    ItemReceiver& operator=(const ItemReceiver&) = delete;
+    virtual ~ItemReceiver() = default;
+
+    /// Called on a thread of the RPC runtime, one call at a time. The agent waits for its return before it
+    /// goes on to the next item.
+    virtual void Receive(const wchar_t* document) noexcept = 0;
+};
+
+/// Serves the callback interface as long as it exists. One at a time can exist.
+class CallbackService {
+  public:
+    /// Throws a Failure if the endpoint is taken.
+    CallbackService();
+    CallbackService(const CallbackService&) = delete;
+    CallbackService& operator=(const CallbackService&) = delete;
+    ~CallbackService();
+};
+
+/// Directs the documents that arrive to a receiver as long as it exists. Documents that nobody waits for are
+/// dropped.
+class Reception {
+  public:
+    explicit Reception(ItemReceiver& receiver);
+    Reception(const Reception&) = delete;
+    Reception& operator=(const Reception&) = delete;
+    /// Waits for a document that is being received.
+    ~Reception();
+};

@@ -1,0 +1,147 @@
+#include "desktop/commands.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <bit>
+#include <iterator>
+
+#include "desktop/agent_connection.h"
+#include "desktop/agent_process.h"
+#include "desktop/callback_service.h"
+#include "desktop/help.h"
+#include "desktop/interrupt.h"
+#include "desktop/item_kind.h"
+#include "desktop/output_stream.h"
+#include "desktop/read_command.h"
+#include "desktop/single_instance.h"
+
+extern "C" {
+#include "command.h"
+}
+
+namespace {
+
+constexpr unsigned kSessionOptions = kOptionHelp | kOptionProfile | kOptionAgent | kOptionQuiet;
+
+/// A word of the command line and what it does.
+struct Command {
+    WideView word;
+    /// The options that it takes.
+    unsigned options;
+    /// The numbers of operands that it takes.
+    std::size_t fewestOperands;
+    std::size_t mostOperands;
+    void (*run)(const Arguments& arguments);
+};
+
+void Print(const CString& text) {
+    if (!OutputStream(STD_OUTPUT_HANDLE).Write(text.View())) {
+        throw Failure(ExitCode::kOutputFailed, L"standard output cannot be written");
+    }
+}
+
+/// The kind of item that an operand names.
+const ItemKind& RequireKind(const CString& word) {
+    const ItemKind* kind = FindItemKind(word.View());
+    if (kind == nullptr) {
+        throw Failure(ExitCode::kUsage, L"there are no items called " + word);
+    }
+    return *kind;
+}
+
+void RunHelp(const Arguments& /*arguments*/) {
+    Print(CString(kHelpText));
+}
+
+void RunCount(const Arguments& arguments) {
+    const ItemKind& kind =
+        RequireKind(arguments.words.size() > 1 ? arguments.words[1] : CString(L"contacts"));
+    const SingleInstance instance;
+    const CallbackService callbacks;
+    const AgentConnection agent;
+    EnsureAgent(agent, arguments.agent);
+    const AgentSession session(agent, arguments.profile);
+    Print(CString::Format(L"%s: %ld\n", kind.word, CountItems(agent, kind)));
+}
+
+void RunRead(const Arguments& arguments) {
+    const unsigned outputs = arguments.options & (kOptionOut | kOptionXml | kOptionTabs);
+    if (std::popcount(outputs) > 1) {
+        throw Failure(ExitCode::kUsage, L"--out, --xml and --tabs exclude each other");
+    }
+    const ItemKind& kind = RequireKind(arguments.words[1]);
+    const SingleInstance instance;
+    ReadItems(kind, arguments);
+}
+
+void RunShutdown(const Arguments& /*arguments*/) {
+    const SingleInstance instance;
+    if (!AgentIsRunning()) {
+        return;
+    }
+    // The agent tells the desktop program of the last logon that it goes away, and that it goes away unwell
+    // if nobody listens; so this program does until then.
+    const CallbackService callbacks;
+    const AgentConnection agent;
+    agent.Call([] { Shutdown(); });
+    WaitForAgentEnd();
+}
+
+constexpr Command kCommands[] = {
+    {L"help", kOptionHelp, 0, 0, RunHelp},
+    {L"count", kSessionOptions, 0, 1, RunCount},
+    {L"read", kSessionOptions | kOptionOut | kOptionXml | kOptionTabs, 1, 1, RunRead},
+    {L"shutdown", kOptionHelp | kOptionQuiet, 0, 0, RunShutdown},
+};
+
+[[noreturn]] void ThrowUsage(const CString& message) {
+    throw Failure(ExitCode::kUsage, message);
+}
+
+/// The command of the command line, which fits its operands and options.
+const Command& RequireCommand(const Arguments& arguments) {
+    if (arguments.words.empty()) {
+        ThrowUsage(L"a command is missing");
+    }
+    const CString& word = arguments.words.front();
+    const auto* command =
+        std::find_if(std::begin(kCommands), std::end(kCommands),
+                     [&](const Command& candidate) { return candidate.word == word.View(); });
+    if (command == std::end(kCommands)) {
+        ThrowUsage(L"there is no command " + word);
+    }
+    const unsigned unfit = arguments.options & ~command->options;
+    if (unfit != 0) {
+        ThrowUsage(word + L" takes no " + OptionName(static_cast<Option>(unfit & (~unfit + 1))));
+    }
+    const std::size_t operands = arguments.words.size() - 1;
+    if (operands < command->fewestOperands || operands > command->mostOperands) {
+        ThrowUsage(word +
+                   (operands < command->fewestOperands ? L" needs an operand" : L" takes fewer operands"));
+    }
+    return *command;
+}
+
+void RunCommand(const std::vector<CString>& words) {
+    const Arguments arguments = ParseArguments(words);
+    if (arguments.Has(kOptionHelp)) {
+        RunHelp(arguments);
+        return;
+    }
+    RequireCommand(arguments).run(arguments);
+}
+
+}  // namespace
+
+ExitCode RunDesktop(const std::vector<CString>& arguments) {
+    WatchForInterrupt();
+    try {
+        RunCommand(arguments);
+        return ExitCode::kOk;
+    } catch (const Failure& failure) {
+        const CString hint = failure.Code() == ExitCode::kUsage ? L"; \"zebdesk --help\" tells more" : L"";
+        OutputStream(STD_ERROR_HANDLE).Write((L"zebdesk: " + failure.Message() + hint + L"\n").c_str());
+        return failure.Code();
+    }
+}

@@ -1,0 +1,30 @@
+#include "desktop/item_file_name.h"
+
+#include <cstdint>
+
+namespace {
+
+/// 64-bit FNV-1a over the 16-bit units, as sixteen hexadecimal digits.
+CString HashText(WideView text) {
+    std::uint64_t hash = 0xCBF29CE484222325;
+    for (const wide unit : text) {
+        hash = (hash ^ unit) * 0x100000001B3;
+    }
+    constexpr WideView kDigits = WIDE("0123456789abcdef");
+    CString digits;
+    for (int shift = 60; shift >= 0; shift -= 4) {
+        digits += kDigits[hash >> shift & 15U];
+    }
+    return digits;
+}
+
+}  // namespace
+
+CString ItemFileNames::Next(WideView identifier) {
+    const CString stem(m_kind + WIDE("-") + HashText(identifier));
+    CString name = stem;
+    for (int number = 2; !m_given.insert(name).second; ++number) {
+        name = stem + WIDE("-") + CString::FromNumber(number);
+    }
+    return CString(name + WIDE(".xml"));
+}

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <cstddef>
+
+#include "support/text.h"
+
+/// A progress bar of fixed width: "[######..........]  3/10". More done than was expected shows as a full
+/// bar.
+CString ProgressText(std::size_t done, std::size_t expected);

@@ -1,0 +1,89 @@
+#pragma once
+
+// The one shape in which a call enters the store: under the store's lock, recorded and failed on request in a
+// recording build, and with every exception turned into a result code. No exception leaves the store.
+
+#include <windows.h>
+
+#include <mutex>
+#include <new>
+
+#include "localstore/call_text.h"
+#include "localstore/failure.h"
+
+namespace localstore {
+
+/// One lock for all objects of the process. Calls are short, and objects share messages, names and the index
+/// of the files.
+std::recursive_mutex& StoreMutex();
+
+#ifdef LOCALSTORE_RECORDING
+/// Tells the recorder of one call, from its beginning to its result.
+class CallRecord {
+  public:
+    CallRecord();
+    CallRecord(const CallRecord&) = delete;
+    CallRecord& operator=(const CallRecord&) = delete;
+    ~CallRecord();
+
+    /// True if this call is a client's and its text is wanted.
+    [[nodiscard]] bool IsWanted() const { return m_outermost; }
+    void Describe(const char* interfaceName, const char* method, std::string object, std::string arguments);
+    /// The result with which this call is to fail instead of running; S_OK to run.
+    [[nodiscard]] HRESULT Failure() const { return m_failure; }
+    HRESULT Finish(HRESULT result);
+
+  private:
+    bool m_outermost;
+    std::size_t m_index = 0;
+    HRESULT m_failure = S_OK;
+};
+#endif
+
+/// Who is called, for the recorder: an interface, or null for an exported function, with the object's name
+/// and the names of its store.
+struct CallSubject {
+    const char* interfaceName = nullptr;
+    Text object;
+    NamedProperties* names = nullptr;
+};
+
+/// Runs the body of a call. `subject` gives the CallSubject and `describe` adds the arguments; both run only
+/// when recording.
+template<class Subject, class Describe, class Body>
+HRESULT GuardCall(const char* method, const Subject& subject, const Describe& describe,
+                  const Body& body) noexcept {
+    try {
+        const std::lock_guard lock(StoreMutex());
+#ifdef LOCALSTORE_RECORDING
+        CallRecord record;
+        if (record.IsWanted()) {
+            const CallSubject who = subject();
+            CallText text(who.names);
+            describe(text);
+            record.Describe(who.interfaceName, method, Utf8Of(who.object), text.Take());
+        }
+        if (record.Failure() != S_OK) {
+            return record.Finish(record.Failure());
+        }
+        try {
+            return record.Finish(body());
+        } catch (const StoreError& error) {
+            return record.Finish(error.Code());
+        }
+#else
+        static_cast<void>(method);
+        static_cast<void>(subject);
+        static_cast<void>(describe);
+        return body();
+#endif
+    } catch (const StoreError& error) {
+        return error.Code();
+    } catch (const std::bad_alloc&) {
+        return MAPI_E_NOT_ENOUGH_MEMORY;
+    } catch (...) {
+        return MAPI_E_CALL_FAILED;
+    }
+}
+
+}  // namespace localstore

@@ -1,0 +1,285 @@
+#include "localstore/file_system.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <set>
+#include <string>
+
+#include "localstore/failure.h"
+#include "localstore/text_convert.h"
+#include "support/owners.h"
+
+namespace localstore {
+
+namespace {
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr std::uint64_t kLongestTextFile = 1024ULL * 1024;
+constexpr wchar_t kTemporaryPrefix[] = L"~localstore-";
+/// A file that a writer left behind is removed when nobody can be at work on it any more. In units of 100 ns.
+constexpr std::uint64_t kTemporaryLifetime = 3600ULL * 10'000'000;
+
+std::uint64_t Join(DWORD high, DWORD low) {
+    return static_cast<std::uint64_t>(high) << 32U | low;
+}
+
+std::uint64_t Join(const FILETIME& time) {
+    return Join(time.dwHighDateTime, time.dwLowDateTime);
+}
+
+FileHandle OpenForReading(const Text& path) {
+    return FileHandle(CreateFileW(LongPath(path).c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+}
+
+BY_HANDLE_FILE_INFORMATION InformationOf(const FileHandle& file) {
+    BY_HANDLE_FILE_INFORMATION information{};
+    if (GetFileInformationByHandle(file.Get(), &information) == FALSE) {
+        ThrowFileError();
+    }
+    return information;
+}
+
+FileStamp StampOf(const BY_HANDLE_FILE_INFORMATION& information) {
+    FileStamp stamp;
+    stamp.size = Join(information.nFileSizeHigh, information.nFileSizeLow);
+    stamp.writeTime = Join(information.ftLastWriteTime);
+    stamp.fileId = Join(information.nFileIndexHigh, information.nFileIndexLow);
+    return stamp;
+}
+
+bool IsShown(const FILE_ID_BOTH_DIR_INFO& information, const Text& name) {
+    constexpr DWORD left = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_REPARSE_POINT;
+    return (information.FileAttributes & left) == 0 && !name.empty() && name.front() != L'.';
+}
+
+FileEntry EntryOf(const FILE_ID_BOTH_DIR_INFO& information, Text name) {
+    FileEntry entry;
+    entry.name = std::move(name);
+    entry.isFolder = (information.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    entry.stamp.size = static_cast<std::uint64_t>(information.EndOfFile.QuadPart);
+    entry.stamp.writeTime = static_cast<std::uint64_t>(information.LastWriteTime.QuadPart);
+    entry.stamp.fileId = static_cast<std::uint64_t>(information.FileId.QuadPart);
+    entry.creationTime = static_cast<std::uint64_t>(information.CreationTime.QuadPart);
+    return entry;
+}
+
+void WriteAll(const FileHandle& file, const Bytes& bytes) {
+    constexpr std::size_t piece = 16 * 1024 * 1024;
+    for (std::size_t offset = 0; offset < bytes.size();) {
+        const auto size = static_cast<DWORD>(std::min(piece, bytes.size() - offset));
+        DWORD written = 0;
+        if (WriteFile(file.Get(), bytes.data() + offset, size, &written, nullptr) == FALSE) {
+            ThrowFileError();
+        }
+        Require(written == size, MAPI_E_NOT_ENOUGH_DISK);
+        offset += written;
+    }
+}
+
+Text TemporaryPath(const Text& path) {
+    static std::atomic<unsigned> counter = 0;
+    const Text folder = path.substr(0, path.size() - LastComponent(path).size());
+    return folder + kTemporaryPrefix + std::to_wstring(GetCurrentProcessId()) + L"-" +
+           std::to_wstring(++counter) + L".tmp";
+}
+
+/// Removes what writers that were ended in the middle have left in a folder. Once for each folder: a look
+/// costs as much as the folder is long.
+void RemoveLeftovers(const Text& folder) {
+    static std::mutex mutex;
+    static std::set<Text> done;
+    const std::lock_guard lock(mutex);
+    if (!done.insert(folder).second) {
+        return;
+    }
+    FILETIME now{};
+    GetSystemTimeAsFileTime(&now);
+    WIN32_FIND_DATAW found{};
+    const FindHandle search(
+        FindFirstFileW(LongPath(JoinPath(folder, Text(kTemporaryPrefix) + L"*")).c_str(), &found));
+    if (!search) {
+        return;
+    }
+    do {
+        if (Join(found.ftLastWriteTime) + kTemporaryLifetime < Join(now)) {
+            DeleteFileW(LongPath(JoinPath(folder, found.cFileName)).c_str());
+        }
+    } while (FindNextFileW(search.Get(), &found) != FALSE);
+}
+
+/// A file that goes away unless it gets its final name.
+class TemporaryFile {
+  public:
+    explicit TemporaryFile(Text path) : m_path(std::move(path)) {
+        m_file.Reset(CreateFileW(LongPath(m_path).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                 CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (!m_file) {
+            ThrowFileError();
+        }
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() {
+        m_file.Reset();
+        if (!m_renamed) {
+            DeleteFileW(LongPath(m_path).c_str());
+        }
+    }
+
+    void Fill(const Bytes& bytes) {
+        WriteAll(m_file, bytes);
+        if (FlushFileBuffers(m_file.Get()) == FALSE) {
+            ThrowFileError();
+        }
+        m_file.Reset();
+    }
+
+    void Rename(const Text& path, bool replace) {
+        const DWORD flags = MOVEFILE_WRITE_THROUGH | (replace ? MOVEFILE_REPLACE_EXISTING : 0U);
+        if (MoveFileExW(LongPath(m_path).c_str(), LongPath(path).c_str(), flags) == FALSE) {
+            ThrowFileError();
+        }
+        m_renamed = true;
+    }
+
+  private:
+    Text m_path;
+    FileHandle m_file;
+    bool m_renamed = false;
+};
+
+}  // namespace
+
+Text LongPath(const Text& path) {
+    return path.starts_with(LR"(\\)") ? path : LR"(\\?\)" + path;
+}
+
+Text JoinPath(const Text& folder, const Text& name) {
+    if (folder.empty() || name.empty()) {
+        return folder + name;
+    }
+    return folder.back() == L'\\' ? folder + name : folder + L"\\" + name;
+}
+
+Text LastComponent(const Text& path) {
+    const std::size_t cut = path.rfind(L'\\');
+    return cut == Text::npos ? path : path.substr(cut + 1);
+}
+
+std::vector<FileEntry> ListFolder(const Text& path) {
+    std::vector<FileEntry> entries;
+    const FileHandle folder(CreateFileW(LongPath(path).c_str(), FILE_LIST_DIRECTORY, kShareAll, nullptr,
+                                        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    if (!folder) {
+        Require(CodeOfFileError(GetLastError()) == MAPI_E_NOT_FOUND, CodeOfFileError(GetLastError()));
+        return entries;
+    }
+    constexpr std::size_t bufferSize = 64 * 1024;
+    std::vector<std::uint64_t> buffer(bufferSize / sizeof(std::uint64_t));
+    while (GetFileInformationByHandleEx(folder.Get(), FileIdBothDirectoryInfo, buffer.data(), bufferSize) !=
+           FALSE) {
+        const auto* place = reinterpret_cast<const BYTE*>(buffer.data());
+        for (;;) {
+            const auto* information = reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(place);
+            Text name(information->FileName, information->FileNameLength / sizeof(wchar_t));
+            if (IsShown(*information, name)) {
+                entries.push_back(EntryOf(*information, std::move(name)));
+            }
+            if (information->NextEntryOffset == 0) {
+                break;
+            }
+            place += information->NextEntryOffset;
+        }
+    }
+    Require(GetLastError() == ERROR_NO_MORE_FILES, CodeOfFileError(GetLastError()));
+    std::sort(entries.begin(), entries.end(),
+              [](const FileEntry& left, const FileEntry& right) { return left.name < right.name; });
+    return entries;
+}
+
+bool FolderExists(const Text& path) {
+    const DWORD attributes = GetFileAttributesW(LongPath(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool IsReadOnlyFile(const Text& path) {
+    const DWORD attributes = GetFileAttributesW(LongPath(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
+std::optional<FileEntry> QueryFile(const Text& path) {
+    // No access to the content is asked for, so a file that somebody has locked can be looked at too.
+    const FileHandle file(CreateFileW(LongPath(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
+                                      OPEN_EXISTING, 0, nullptr));
+    if (!file) {
+        Require(CodeOfFileError(GetLastError()) == MAPI_E_NOT_FOUND, CodeOfFileError(GetLastError()));
+        return std::nullopt;
+    }
+    const BY_HANDLE_FILE_INFORMATION information = InformationOf(file);
+    FileEntry entry;
+    entry.name = LastComponent(path);
+    entry.isFolder = (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    entry.stamp = StampOf(information);
+    entry.creationTime = Join(information.ftCreationTime);
+    return entry;
+}
+
+FileContent ReadWholeFile(const Text& path) {
+    const FileHandle file = OpenForReading(path);
+    if (!file) {
+        ThrowFileError();
+    }
+    const BY_HANDLE_FILE_INFORMATION information = InformationOf(file);
+    FileContent content;
+    content.stamp = StampOf(information);
+    content.creationTime = Join(information.ftCreationTime);
+    Require(content.stamp.size <= kLongestFile, MAPI_E_CORRUPT_DATA);
+    content.bytes.resize(static_cast<std::size_t>(content.stamp.size));
+    DWORD read = 0;
+    if (ReadFile(file.Get(), content.bytes.data(), static_cast<DWORD>(content.bytes.size()), &read,
+                 nullptr) == FALSE) {
+        ThrowFileError();
+    }
+    content.bytes.resize(read);
+    return content;
+}
+
+FileStamp WriteWholeFile(const Text& path, const Bytes& bytes, bool replace) {
+    const Text folder = path.substr(0, path.size() - LastComponent(path).size());
+    RemoveLeftovers(folder);
+    // A rename goes over a file that is marked as read-only on some systems.
+    Require(!replace || !IsReadOnlyFile(path), MAPI_E_NO_ACCESS);
+    TemporaryFile temporary(TemporaryPath(path));
+    temporary.Fill(bytes);
+    temporary.Rename(path, replace);
+    const std::optional<FileEntry> written = QueryFile(path);
+    return written ? written->stamp : FileStamp();
+}
+
+void RemoveFile(const Text& path) {
+    Require(!IsReadOnlyFile(path), MAPI_E_NO_ACCESS);
+    if (DeleteFileW(LongPath(path).c_str()) == FALSE) {
+        ThrowFileError();
+    }
+}
+
+std::optional<Text> ReadTextFile(const Text& path) {
+    const std::optional<FileEntry> entry = QueryFile(path);
+    if (!entry || entry->isFolder || entry->stamp.size > kLongestTextFile) {
+        return std::nullopt;
+    }
+    Bytes bytes = ReadWholeFile(path).bytes;
+    if (bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xFE) {
+        bytes.erase(bytes.begin(), bytes.begin() + 2);
+        return TextOfBytes(bytes);
+    }
+    if (bytes.size() >= 3 && bytes[0] == 0xEF && bytes[1] == 0xBB && bytes[2] == 0xBF) {
+        bytes.erase(bytes.begin(), bytes.begin() + 3);
+    }
+    const Text text = DecodeText(bytes, CP_UTF8);
+    return text.find(L'\xFFFD') == Text::npos ? text : DecodeText(bytes, CP_ACP);
+}
+
+}  // namespace localstore

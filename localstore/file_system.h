@@ -1,0 +1,71 @@
+#pragma once
+
+// Files and folders of the store. Failures are StoreErrors with MAPI's result codes.
+
+#include <windows.h>
+
+#include <optional>
+#include <vector>
+
+#include "localstore/property.h"
+
+namespace localstore {
+
+/// What tells one version of a file from another without reading it.
+struct FileStamp {
+    std::uint64_t size = 0;
+    std::uint64_t writeTime = 0;
+    std::uint64_t fileId = 0;
+
+    friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+
+struct FileEntry {
+    Text name;
+    bool isFolder = false;
+    FileStamp stamp;
+    /// Times are those of a FILETIME.
+    std::uint64_t creationTime = 0;
+};
+
+struct FileContent {
+    Bytes bytes;
+    FileStamp stamp;
+    std::uint64_t creationTime = 0;
+};
+
+/// Files of messages longer than this are taken for damaged.
+constexpr std::uint64_t kLongestFile = 512ULL * 1024 * 1024;
+
+/// A path in the form that has no limit of 260 characters.
+Text LongPath(const Text& path);
+Text JoinPath(const Text& folder, const Text& name);
+/// The last component of a path.
+Text LastComponent(const Text& path);
+
+/// What a folder holds, ordered by name. Hidden entries, links to elsewhere and names that begin with a point
+/// are left out. A folder that is not there is empty.
+std::vector<FileEntry> ListFolder(const Text& path);
+
+bool FolderExists(const Text& path);
+bool IsReadOnlyFile(const Text& path);
+
+/// The file as it is now, without its bytes. Nothing if it is not there.
+std::optional<FileEntry> QueryFile(const Text& path);
+
+/// A whole file. The stamp was taken before the first byte was read. A longer one than kLongestFile is
+/// MAPI_E_CORRUPT_DATA.
+FileContent ReadWholeFile(const Text& path);
+
+/// Writes a file by writing another one beside it and renaming, so that the name always stands for the old or
+/// the new content. With `replace` clear an existing file ends in MAPI_E_COLLISION. Returns the stamp of the
+/// new file.
+FileStamp WriteWholeFile(const Text& path, const Bytes& bytes, bool replace);
+
+void RemoveFile(const Text& path);
+
+/// The text of a file: UTF-16 or UTF-8 with a byte order mark, else UTF-8 if it is valid, else the system's
+/// code page. Nothing if there is no such file or it is longer than a megabyte.
+std::optional<Text> ReadTextFile(const Text& path);
+
+}  // namespace localstore

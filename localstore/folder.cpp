@@ -1,0 +1,156 @@
+#include "localstore/folder.h"
+
+#include <mapitags.h>
+
+#include "localstore/message.h"
+#include "localstore/open_entry.h"
+#include "localstore/table.h"
+
+namespace localstore {
+
+namespace {
+
+constexpr ULONG kTableFlags = MAPI_UNICODE | MAPI_DEFERRED_ERRORS;
+
+const std::vector<PropertyTag> kContentsColumns = {
+    PR_ENTRYID,       PR_INSTANCE_KEY,  PR_RECORD_KEY,   PR_MESSAGE_CLASS_W,
+    PR_SUBJECT_W,     PR_MESSAGE_FLAGS, PR_MESSAGE_SIZE, PR_LAST_MODIFICATION_TIME,
+    PR_CREATION_TIME, PR_HASATTACH};
+
+const std::vector<PropertyTag> kHierarchyColumns = {PR_ENTRYID,           PR_INSTANCE_KEY, PR_RECORD_KEY,
+                                                    PR_DISPLAY_NAME_W,    PR_SUBFOLDERS,   PR_CONTENT_COUNT,
+                                                    PR_CONTAINER_CLASS_W, PR_DEPTH,        PR_OBJECT_TYPE};
+
+void AddFolderRows(const FolderSource& parent, LONG depth, bool deep, std::vector<TableRow>& rows) {
+    for (FolderInfo& folder : parent.SubFolders()) {
+        const auto row = std::make_shared<const FolderSource>(parent.Tree(), std::move(folder), depth);
+        rows.push_back(row);
+        if (deep) {
+            AddFolderRows(*row, depth + 1, deep, rows);
+        }
+    }
+}
+
+CallSubject TableSubject(const FolderSource& source, const wchar_t* kind) {
+    return {"IMAPITable", source.Label() + kind, &source.Tree()->Names()};
+}
+
+/// Deletes one message of a folder. Ends the operation if the identifier is not of a message in it.
+void DeleteOne(StoreTree& tree, const Text& folder, const SBinary& entry) {
+    const std::optional<EntryId> id = EntryId::Decode(entry.lpb, entry.cb);
+    Require(id && id->kind == EntryKind::Message && id->store == tree.Digest(), MAPI_E_INVALID_ENTRYID);
+    Require(id->folder == DigestOf(folder), MAPI_E_NOT_FOUND);
+    const std::optional<Text> name = tree.FindMessage(folder, id->message);
+    Require(name.has_value(), MAPI_E_NOT_FOUND);
+    const Text path = tree.FullPath(JoinPath(folder, *name));
+    RemoveFile(path);
+    MessageCache::Instance().Forget(path);
+}
+
+}  // namespace
+
+std::vector<TableRow> MessageRows(const std::shared_ptr<StoreTree>& tree, const Text& folder) {
+    std::vector<TableRow> rows;
+    for (const FileEntry& file : tree->MessageFiles(folder)) {
+        try {
+            LoadedMessage message =
+                MessageCache::Instance().Load(tree->FullPath(JoinPath(folder, file.name)), file);
+            rows.push_back(std::make_shared<MessageSource>(tree, folder, std::move(message), true));
+        } catch (const StoreError& error) {
+            // A damaged, locked or vanished file is no reason to hide the others.
+            Require(error.Code() != MAPI_E_NOT_ENOUGH_MEMORY, error.Code());
+        }
+    }
+    return rows;
+}
+
+Folder::Folder(std::unique_ptr<const FolderSource> source) : m_source(std::move(source)) {}
+
+bool Folder::Supports(REFIID iid) const {
+    return IsEqualGUID(iid, IID_IUnknown) || IsEqualGUID(iid, IID_IMAPIProp) ||
+           IsEqualGUID(iid, IID_IMAPIContainer) || IsEqualGUID(iid, IID_IMAPIFolder);
+}
+
+CallSubject Folder::Subject() const {
+    return {"IMAPIFolder", m_source->Label(), &Names()};
+}
+
+STDMETHODIMP Folder::GetContentsTable(ULONG flags, LPMAPITABLE* table) {
+    const auto describe = [&](CallText& text) { text.Flags("flags", flags); };
+    return Call("GetContentsTable", describe, [&] {
+        Require(table != nullptr, MAPI_E_INVALID_PARAMETER);
+        *table = nullptr;
+        Require((flags & ~(kTableFlags | MAPI_ASSOCIATED)) == 0, MAPI_E_UNKNOWN_FLAGS);
+        std::vector<TableRow> rows;
+        if (!m_source->IsRoot() && (flags & MAPI_ASSOCIATED) == 0) {
+            rows = MessageRows(m_source->Tree(), m_source->Folder().path);
+        }
+        *table = NewTable(TableSubject(*m_source, L" contents"), std::move(rows), kContentsColumns,
+                          (flags & MAPI_UNICODE) != 0);
+        return S_OK;
+    });
+}
+
+STDMETHODIMP Folder::GetHierarchyTable(ULONG flags, LPMAPITABLE* table) {
+    const auto describe = [&](CallText& text) { text.Flags("flags", flags); };
+    return Call("GetHierarchyTable", describe, [&] {
+        Require(table != nullptr, MAPI_E_INVALID_PARAMETER);
+        *table = nullptr;
+        Require((flags & ~(kTableFlags | CONVENIENT_DEPTH)) == 0, MAPI_E_UNKNOWN_FLAGS);
+        std::vector<TableRow> rows;
+        AddFolderRows(*m_source, 1, (flags & CONVENIENT_DEPTH) != 0, rows);
+        *table = NewTable(TableSubject(*m_source, L" hierarchy"), std::move(rows), kHierarchyColumns,
+                          (flags & MAPI_UNICODE) != 0);
+        return S_OK;
+    });
+}
+
+STDMETHODIMP Folder::OpenEntry(ULONG size, LPENTRYID id, LPCIID iid, ULONG flags, ULONG* type,
+                               LPUNKNOWN* object) {
+    const auto describe = [&](CallText& text) {
+        text.Identifier("id", reinterpret_cast<const BYTE*>(id), size).Interface(iid).Flags("flags", flags);
+    };
+    return Call("OpenEntry", describe,
+                [&] { return OpenStoreEntry(m_source->Tree(), size, id, iid, flags, type, object); });
+}
+
+STDMETHODIMP Folder::CreateMessage(LPCIID iid, ULONG flags, LPMESSAGE* message) {
+    const auto describe = [&](CallText& text) { text.Interface(iid).Flags("flags", flags); };
+    return Call("CreateMessage", describe, [&] {
+        Require(message != nullptr, MAPI_E_INVALID_PARAMETER);
+        *message = nullptr;
+        Require((flags & ~static_cast<ULONG>(MAPI_DEFERRED_ERRORS)) == 0, MAPI_E_NO_SUPPORT);
+        Require(!m_source->IsRoot(), MAPI_E_NO_ACCESS);
+        const LoadedMessage empty{std::make_shared<const MessageContent>(), {}};
+        auto created =
+            MakeObject<Message>(m_source->Tree(), m_source->Folder().path, empty, Message::Mode::New);
+        RequireInterface(*created.Get(), iid);
+        *message = created.Detach();
+        return S_OK;
+    });
+}
+
+STDMETHODIMP Folder::DeleteMessages(LPENTRYLIST list, ULONG, LPMAPIPROGRESS, ULONG flags) {
+    const auto describe = [&](CallText& text) {
+        for (ULONG i = 0; list != nullptr && i < list->cValues; ++i) {
+            text.Identifier("id", list->lpbin[i].lpb, list->lpbin[i].cb);
+        }
+        text.Flags("flags", flags);
+    };
+    return Call("DeleteMessages", describe, [&] {
+        Require(list != nullptr && (list->cValues == 0 || list->lpbin != nullptr), MAPI_E_INVALID_PARAMETER);
+        HRESULT problem = S_OK;
+        ULONG deleted = 0;
+        for (ULONG i = 0; i < list->cValues; ++i) {
+            try {
+                DeleteOne(*m_source->Tree(), m_source->Folder().path, list->lpbin[i]);
+                ++deleted;
+            } catch (const StoreError& error) {
+                problem = error.Code();
+            }
+        }
+        return problem == S_OK || deleted == 0 ? problem : MAPI_W_PARTIAL_COMPLETION;
+    });
+}
+
+}  // namespace localstore

@@ -1,0 +1,86 @@
+#include "localstore/message_cache.h"
+
+#include "localstore/diagnostics.h"
+#include "localstore/failure.h"
+#include "localstore/msg_storage.h"
+
+namespace localstore {
+
+namespace {
+
+/// Bytes of files that are kept at most; the least recently used go first.
+constexpr std::uint64_t kMostBytes = 256ULL * 1024 * 1024;
+
+std::shared_ptr<const MessageContent> Parse(const Bytes& bytes, const char*& reason) {
+    std::optional<StorageTree> tree = ReadStorage(bytes, reason);
+    if (!tree) {
+        return nullptr;
+    }
+    std::optional<MessageContent> message = ReadMessage(std::move(*tree), reason);
+    return message ? std::make_shared<const MessageContent>(std::move(*message)) : nullptr;
+}
+
+}  // namespace
+
+MessageCache& MessageCache::Instance() {
+    static MessageCache cache;
+    return cache;
+}
+
+LoadedMessage MessageCache::Load(const Text& path, const FileEntry& listed) {
+    const auto found = m_places.find(path);
+    if (found == m_places.end() || found->second->stamp != listed.stamp) {
+        return Read(path);
+    }
+    m_entries.splice(m_entries.begin(), m_entries, found->second);
+    Require(found->second->content != nullptr, MAPI_E_CORRUPT_DATA);
+    return {found->second->content, listed};
+}
+
+LoadedMessage MessageCache::Load(const Text& path) {
+    const std::optional<FileEntry> file = QueryFile(path);
+    Require(file.has_value() && !file->isFolder, MAPI_E_NOT_FOUND);
+    return Load(path, *file);
+}
+
+LoadedMessage MessageCache::Read(const Text& path) {
+    Forget(path);
+    FileContent file = ReadWholeFile(path);
+    ++m_filesRead;
+    const char* reason = "";
+    std::shared_ptr<const MessageContent> content = Parse(file.bytes, reason);
+    if (!content) {
+        ReportSkipped(path, reason);
+    }
+    m_entries.push_front({path, file.stamp, file.creationTime, content});
+    m_bytes += file.stamp.size;
+    m_places[path] = m_entries.begin();
+    Trim();
+    Require(content != nullptr, MAPI_E_CORRUPT_DATA);
+    return {content, {LastComponent(path), false, file.stamp, file.creationTime}};
+}
+
+void MessageCache::Trim() {
+    while (m_bytes > kMostBytes && m_entries.size() > 1) {
+        m_bytes -= m_entries.back().stamp.size;
+        m_places.erase(m_entries.back().path);
+        m_entries.pop_back();
+    }
+}
+
+void MessageCache::Forget(const Text& path) {
+    const auto found = m_places.find(path);
+    if (found != m_places.end()) {
+        m_bytes -= found->second->stamp.size;
+        m_entries.erase(found->second);
+        m_places.erase(found);
+    }
+}
+
+void MessageCache::Clear() {
+    m_entries.clear();
+    m_places.clear();
+    m_bytes = 0;
+}
+
+}  // namespace localstore

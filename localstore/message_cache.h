@@ -1,0 +1,57 @@
+#pragma once
+
+// Messages are read once and kept while their file is unchanged.
+
+#include <list>
+#include <memory>
+#include <unordered_map>
+
+#include "localstore/file_system.h"
+#include "localstore/msg_content.h"
+
+namespace localstore {
+
+/// A message as its file holds it, together with what the file system knows.
+struct LoadedMessage {
+    std::shared_ptr<const MessageContent> content;
+    FileEntry file;
+};
+
+/// Reads a message file: MAPI_E_NOT_FOUND if it is gone, MAPI_E_CORRUPT_DATA if it is damaged, which is
+/// reported once for every version of the file.
+class MessageCache {
+  public:
+    /// The one cache of the process.
+    static MessageCache& Instance();
+
+    /// The message of a file whose listing was just read: an unchanged file is not touched.
+    LoadedMessage Load(const Text& path, const FileEntry& listed);
+    /// The message of a file as it is now.
+    LoadedMessage Load(const Text& path);
+    /// Forgets a file that was written or removed.
+    void Forget(const Text& path);
+    void Clear();
+    /// Files read since the start, for tests that count reading.
+    [[nodiscard]] std::size_t FilesRead() const { return m_filesRead; }
+
+  private:
+    struct Entry {
+        Text path;
+        FileStamp stamp;
+        std::uint64_t creationTime = 0;
+        /// Null for a damaged file.
+        std::shared_ptr<const MessageContent> content;
+    };
+    using Place = std::list<Entry>::iterator;
+
+    LoadedMessage Read(const Text& path);
+    void Trim();
+
+    /// The most recently used first.
+    std::list<Entry> m_entries;
+    std::unordered_map<Text, Place> m_places;
+    std::uint64_t m_bytes = 0;
+    std::size_t m_filesRead = 0;
+};
+
+}  // namespace localstore

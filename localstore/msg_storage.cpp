@@ -1,0 +1,156 @@
+#include "localstore/msg_storage.h"
+
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <cstring>
+
+#include "localstore/failure.h"
+#include "localstore/file_system.h"
+#include "support/owners.h"
+
+namespace localstore {
+
+namespace {
+
+constexpr DWORD kReading = STGM_READ | STGM_SHARE_EXCLUSIVE;
+constexpr DWORD kWriting = STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
+
+/// Bounds of one file, so that entries which lead to one another cannot be followed for ever.
+constexpr std::size_t kMostElements = 1'048'576;
+
+/// A name that the platform allocated.
+struct TaskTextTraits {
+    using Type = LPOLESTR;
+    static Type Empty() noexcept { return nullptr; }
+    static void Close(Type text) noexcept { CoTaskMemFree(text); }
+};
+using TaskText = Owner<TaskTextTraits>;
+
+struct ReadState {
+    std::size_t elements = 0;
+    /// Bytes of streams that may still be read: together they cannot be longer than the file.
+    std::uint64_t bytesLeft = 0;
+};
+
+ComPtr<ILockBytes> MemoryOf(const Bytes& file) {
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, file.size());
+    Require(memory != nullptr, MAPI_E_NOT_ENOUGH_MEMORY);
+    std::memcpy(GlobalLock(memory), file.data(), file.size());
+    GlobalUnlock(memory);
+    ComPtr<ILockBytes> bytes;
+    // The object owns the memory from here on.
+    const HRESULT result = CreateILockBytesOnHGlobal(memory, TRUE, &bytes);
+    if (FAILED(result)) {
+        GlobalFree(memory);
+        throw StoreError(result);
+    }
+    return bytes;
+}
+
+SharedBytes ReadStream(IStorage* storage, const STATSTG& element, ReadState& state) {
+    Require(element.cbSize.QuadPart <= state.bytesLeft, STG_E_DOCFILECORRUPT);
+    state.bytesLeft -= element.cbSize.QuadPart;
+    ComPtr<IStream> stream;
+    RequireSuccess(storage->OpenStream(element.pwcsName, nullptr, kReading, 0, &stream));
+    auto bytes = std::make_shared<Bytes>(static_cast<std::size_t>(element.cbSize.QuadPart));
+    if (bytes->empty()) {
+        return bytes;
+    }
+    ULONG read = 0;
+    RequireSuccess(stream->Read(bytes->data(), static_cast<ULONG>(bytes->size()), &read));
+    Require(read == bytes->size(), STG_E_DOCFILECORRUPT);
+    return bytes;
+}
+
+StorageTree ReadTree(IStorage* storage, int depth, ReadState& state) {
+    Require(depth < kDeepestStorage, STG_E_DOCFILECORRUPT);
+    StorageTree tree;
+    STATSTG self{};
+    RequireSuccess(storage->Stat(&self, STATFLAG_NONAME));
+    std::memcpy(tree.classId.data(), &self.clsid, sizeof(CLSID));
+
+    ComPtr<IEnumSTATSTG> elements;
+    RequireSuccess(storage->EnumElements(0, nullptr, 0, &elements));
+    STATSTG element{};
+    for (HRESULT next = elements->Next(1, &element, nullptr); next == S_OK;
+         next = elements->Next(1, &element, nullptr)) {
+        const TaskText name(element.pwcsName);
+        Require(name && ++state.elements <= kMostElements, STG_E_DOCFILECORRUPT);
+        if (element.type == STGTY_STREAM) {
+            tree.streams[name.Get()] = ReadStream(storage, element, state);
+        } else if (element.type == STGTY_STORAGE) {
+            ComPtr<IStorage> inner;
+            RequireSuccess(storage->OpenStorage(name.Get(), nullptr, kReading, nullptr, 0, &inner));
+            tree.storages[name.Get()] = ReadTree(inner.Get(), depth + 1, state);
+        }
+        element = {};
+    }
+    return tree;
+}
+
+void WriteTree(const StorageTree& tree, IStorage* storage) {
+    CLSID classId{};
+    std::memcpy(&classId, tree.classId.data(), sizeof(CLSID));
+    RequireSuccess(storage->SetClass(classId));
+    for (const auto& [name, bytes] : tree.streams) {
+        ComPtr<IStream> stream;
+        RequireSuccess(storage->CreateStream(name.c_str(), kWriting, 0, 0, &stream));
+        if (bytes->empty()) {
+            continue;
+        }
+        ULONG written = 0;
+        RequireSuccess(stream->Write(bytes->data(), static_cast<ULONG>(bytes->size()), &written));
+        Require(written == bytes->size(), STG_E_MEDIUMFULL);
+    }
+    for (const auto& [name, inner] : tree.storages) {
+        ComPtr<IStorage> created;
+        RequireSuccess(storage->CreateStorage(name.c_str(), kWriting, 0, 0, &created));
+        WriteTree(inner, created.Get());
+    }
+}
+
+}  // namespace
+
+std::optional<StorageTree> ReadStorage(const Bytes& file, const char*& reason) {
+    if (file.empty()) {
+        reason = "it is empty";
+        return std::nullopt;
+    }
+    const ComPtr<ILockBytes> bytes = MemoryOf(file);
+    ComPtr<IStorage> root;
+    if (FAILED(StgOpenStorageOnILockBytes(bytes.Get(), nullptr, STGM_READ | STGM_SHARE_DENY_WRITE, nullptr, 0,
+                                          &root))) {
+        reason = "it is no structured storage file";
+        return std::nullopt;
+    }
+    try {
+        ReadState state;
+        state.bytesLeft = file.size();
+        return ReadTree(root.Get(), 0, state);
+    } catch (const StoreError&) {
+        reason = "its storages or streams cannot be read";
+        return std::nullopt;
+    }
+}
+
+Bytes WriteStorage(const StorageTree& tree) {
+    ComPtr<ILockBytes> memory;
+    RequireSuccess(CreateILockBytesOnHGlobal(nullptr, TRUE, &memory));
+    ComPtr<IStorage> root;
+    RequireSuccess(StgCreateDocfileOnILockBytes(memory.Get(), kWriting, 0, &root));
+    WriteTree(tree, root.Get());
+    RequireSuccess(root->Commit(STGC_DEFAULT));
+    RequireSuccess(memory->Flush());
+    STATSTG size{};
+    RequireSuccess(memory->Stat(&size, STATFLAG_NONAME));
+    Require(size.cbSize.QuadPart <= kLongestFile, MAPI_E_NOT_ENOUGH_MEMORY);
+    Bytes bytes(static_cast<std::size_t>(size.cbSize.QuadPart));
+    ULONG read = 0;
+    RequireSuccess(memory->ReadAt({}, bytes.data(), static_cast<ULONG>(bytes.size()), &read));
+    Require(read == bytes.size(), MAPI_E_DISK_ERROR);
+    return bytes;
+}
+
+}  // namespace localstore

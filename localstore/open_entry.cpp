@@ -1,0 +1,74 @@
+#include "localstore/open_entry.h"
+
+#include "localstore/folder.h"
+#include "localstore/message.h"
+
+namespace localstore {
+
+namespace {
+
+struct Opened {
+    ComPtr<IUnknown> object;
+    ULONG type = 0;
+};
+
+template<class Object>
+Opened Handed(ComPtr<Object> object, ULONG type, LPCIID iid) {
+    RequireInterface(*object.Get(), iid);
+    Opened opened;
+    opened.object = Adopt<IUnknown>(object.Detach());
+    opened.type = type;
+    return opened;
+}
+
+Opened OpenFolder(std::unique_ptr<const FolderSource> source, LPCIID iid) {
+    return Handed(MakeObject<Folder>(std::move(source)), MAPI_FOLDER, iid);
+}
+
+Opened OpenMessage(const std::shared_ptr<StoreTree>& tree, const Text& folder, const Text& name, LPCIID iid,
+                   ULONG flags) {
+    const Text path = tree->FullPath(JoinPath(folder, name));
+    LoadedMessage message = MessageCache::Instance().Load(path);
+    const bool best = (flags & MAPI_BEST_ACCESS) != 0;
+    const bool modify = (flags & MAPI_MODIFY) != 0;
+    // With the best access that there is, a file that cannot be written shows at SaveChanges.
+    Require(!modify || best || !IsReadOnlyFile(path), MAPI_E_NO_ACCESS);
+    const Message::Mode mode = modify || best ? Message::Mode::ReadWrite : Message::Mode::ReadOnly;
+    return Handed(MakeObject<Message>(tree, folder, std::move(message), mode), MAPI_MESSAGE, iid);
+}
+
+Opened Open(const std::shared_ptr<StoreTree>& tree, ULONG size, const ENTRYID* bytes, LPCIID iid,
+            ULONG flags) {
+    if (size == 0 || bytes == nullptr) {
+        return OpenFolder(std::make_unique<FolderSource>(tree), iid);
+    }
+    const std::optional<EntryId> id = EntryId::Decode(reinterpret_cast<const std::uint8_t*>(bytes), size);
+    Require(id && id->store == tree->Digest() && id->kind != EntryKind::Store, MAPI_E_INVALID_ENTRYID);
+    if (id->kind == EntryKind::Root) {
+        return OpenFolder(std::make_unique<FolderSource>(tree), iid);
+    }
+    const std::optional<Text> folder = tree->FindFolder(id->folder);
+    Require(folder.has_value(), MAPI_E_NOT_FOUND);
+    if (id->kind == EntryKind::Folder) {
+        return OpenFolder(std::make_unique<FolderSource>(tree, tree->Folder(*folder), 0), iid);
+    }
+    const std::optional<Text> name = tree->FindMessage(*folder, id->message);
+    Require(name.has_value(), MAPI_E_NOT_FOUND);
+    return OpenMessage(tree, *folder, *name, iid, flags);
+}
+
+}  // namespace
+
+HRESULT OpenStoreEntry(const std::shared_ptr<StoreTree>& tree, ULONG size, const ENTRYID* id, LPCIID iid,
+                       ULONG flags, ULONG* type, LPUNKNOWN* object) {
+    Require(object != nullptr, MAPI_E_INVALID_PARAMETER);
+    *object = nullptr;
+    Opened opened = Open(tree, size, id, iid, flags);
+    if (type != nullptr) {
+        *type = opened.type;
+    }
+    *object = opened.object.Detach();
+    return S_OK;
+}
+
+}  // namespace localstore

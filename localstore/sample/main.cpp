@@ -1,0 +1,71 @@
+// zebsample ROOT [COUNT]: makes a sample of profiles, stores and contacts below ROOT, which a local store
+// serves from then on, and COUNT plain contacts more. All messages are written through the MAPI interface of
+// the MAPI32.dll that is found first: run it where that is the local store's.
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cwchar>
+#include <exception>
+
+#include "localstore/sample/contact_writer.h"
+#include "localstore/sample/sample_error.h"
+#include "localstore/sample/sample_session.h"
+#include "localstore/sample/sample_tree.h"
+
+namespace {
+
+constexpr unsigned kMostFurtherContacts = 1'000'000;
+
+/// The default contact folder's own name leads to it, any other to a folder in it.
+ComPtr<IMAPIFolder> OpenFolderOf(sample::SampleSession& session, IMAPIFolder* contacts,
+                                 const std::wstring& name) {
+    return name == sample::kContactsFolder ? ComPtr<IMAPIFolder>(contacts)
+                                           : session.OpenSubFolder(contacts, name);
+}
+
+void MakeSample(const std::wstring& root, unsigned furtherContacts) {
+    sample::MakeSampleTree(root);
+    sample::RequireTrue(SetEnvironmentVariableW(L"LOCALSTORE_ROOT", root.c_str()) != FALSE, L"name the root");
+    sample::SampleSession session;
+    sample::NamedTags tags;
+    const ComPtr<IMAPIFolder> contacts = session.OpenContacts();
+    unsigned written = 0;
+    for (const sample::SampleItem& item : sample::SampleItems()) {
+        sample::WriteItem(OpenFolderOf(session, contacts.Get(), item.folder).Get(), item, tags);
+        ++written;
+    }
+    for (unsigned number = 0; number < furtherContacts; ++number) {
+        sample::WriteItem(contacts.Get(), sample::FurtherContact(number), tags);
+        ++written;
+    }
+    std::printf("%u items written\n", written);
+}
+
+/// A number of the command line; false for anything else.
+bool ParseCount(const wchar_t* text, unsigned& count) {
+    wchar_t* end = nullptr;
+    const unsigned long number = std::wcstoul(text, &end, 10);
+    count = static_cast<unsigned>(number);
+    return end != text && *end == L'\0' && number <= kMostFurtherContacts;
+}
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    unsigned furtherContacts = 0;
+    if (count < 2 || count > 3 || (count == 3 && !ParseCount(arguments[2], furtherContacts))) {
+        std::fputs("usage: zebsample ROOT [COUNT]\n", stderr);
+        return 2;
+    }
+    try {
+        MakeSample(arguments[1], furtherContacts);
+        return 0;
+    } catch (const sample::SampleError& error) {
+        std::fprintf(stderr, "zebsample: could not %ls (0x%08lX)\n", error.doing.c_str(),
+                     static_cast<unsigned long>(error.result));
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "zebsample: %s\n", error.what());
+    }
+    return 1;
+}

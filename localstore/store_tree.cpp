@@ -1,0 +1,218 @@
+#include "localstore/store_tree.h"
+
+#include <algorithm>
+#include <array>
+
+#include "localstore/file_names.h"
+#include "localstore/profile_tree.h"
+
+namespace localstore {
+
+namespace {
+
+/// Folders inside one another; deeper ones are not looked for.
+constexpr int kDeepestFolder = 32;
+
+/// The folders that a store knows by their name, with the property that names them on the root and on the
+/// Inbox.
+struct KnownFolder {
+    const wchar_t* name;
+    const wchar_t* containerClass;
+    PropertyId property;
+};
+
+constexpr std::array<KnownFolder, 7> kKnownFolders = {{
+    {L"Calendar", L"IPF.Appointment", 0x36D0},
+    {L"Contacts", L"IPF.Contact", 0x36D1},
+    {L"Journal", L"IPF.Journal", 0x36D2},
+    {L"Notes", L"IPF.StickyNote", 0x36D3},
+    {L"Tasks", L"IPF.Task", 0x36D4},
+    {L"Drafts", L"IPF.Note", 0x36D7},
+    {L"Inbox", L"IPF.Note", 0},
+}};
+
+Text ParentOf(const Text& path) {
+    const std::size_t cut = path.rfind(L'\\');
+    return cut == Text::npos ? Text() : path.substr(0, cut);
+}
+
+}  // namespace
+
+std::shared_ptr<StoreTree> StoreTree::Of(const Text& profileFolder, const Text& profile, const Text& name) {
+    static std::map<Text, std::shared_ptr<StoreTree>> stores;
+    const Text directory = JoinPath(profileFolder, name);
+    std::shared_ptr<StoreTree>& store = stores[directory];
+    if (!store) {
+        store = std::make_shared<StoreTree>(directory, JoinPath(profile, name), name);
+    }
+    return store;
+}
+
+StoreTree::StoreTree(Text directory, const Text& idPath, Text name)
+    : m_directory(std::move(directory)), m_name(std::move(name)), m_digest(DigestOf(idPath)) {}
+
+Text StoreTree::DisplayName() const {
+    return ReadFolderIni(m_directory).Find(L"Store", L"Name").value_or(m_name);
+}
+
+bool StoreTree::HasLongTermIds() const {
+    return ReadFolderIni(m_directory).FindFlag(L"Store", L"LongTermIds").value_or(false);
+}
+
+bool StoreTree::NamesDefaultFolders(std::wstring_view object) const {
+    const std::optional<Text> only = ReadFolderIni(m_directory).Find(L"Store", L"DefaultFoldersOn");
+    return !only || SameName(*only, object);
+}
+
+EntryId StoreTree::StoreId() const {
+    EntryId id;
+    id.store = m_digest;
+    return id;
+}
+
+EntryId StoreTree::RootId() const {
+    EntryId id = StoreId();
+    id.kind = EntryKind::Root;
+    return id;
+}
+
+EntryId StoreTree::FolderId(const Text& path) const {
+    EntryId id = StoreId();
+    id.kind = EntryKind::Folder;
+    id.folder = DigestOf(path);
+    return id;
+}
+
+EntryId StoreTree::MessageId(const Text& folder, const Text& name) const {
+    EntryId id = FolderId(folder);
+    id.kind = EntryKind::Message;
+    const auto index = m_messages.find(folder);
+    if (index != m_messages.end() && index->second.digests.contains(name)) {
+        id.message = index->second.digests.at(name);
+    } else {
+        id.message = DigestOf(name);
+    }
+    return id;
+}
+
+std::optional<Text> StoreTree::ClassOf(const Text& path) const {
+    if (path.empty()) {
+        return std::nullopt;
+    }
+    if (std::optional<Text> given = ReadFolderIni(FullPath(path)).Find(L"Folder", L"Class")) {
+        // An empty value says that the folder has no class.
+        return given->empty() ? std::nullopt : given;
+    }
+    if (std::optional<Text> inherited = ClassOf(ParentOf(path))) {
+        return inherited;
+    }
+    const Text name = LastComponent(path);
+    const auto* known = std::find_if(kKnownFolders.begin(), kKnownFolders.end(),
+                                     [&](const KnownFolder& one) { return SameName(one.name, name); });
+    return known == kKnownFolders.end() ? std::nullopt : std::optional<Text>(known->containerClass);
+}
+
+FolderInfo StoreTree::Folder(const Text& path) const {
+    if (path.empty()) {
+        return {path, DisplayName(), std::nullopt};
+    }
+    const Text name = LastComponent(path);
+    return {path, ReadFolderIni(FullPath(path)).Find(L"Folder", L"Name").value_or(name), ClassOf(path)};
+}
+
+std::vector<FolderInfo> StoreTree::SubFolders(const Text& path) const {
+    std::vector<FolderInfo> folders;
+    for (const FileEntry& entry : ListFolder(FullPath(path))) {
+        if (entry.isFolder) {
+            folders.push_back(Folder(JoinPath(path, entry.name)));
+        }
+    }
+    return folders;
+}
+
+std::vector<FileEntry> StoreTree::MessageFiles(const Text& folder) {
+    std::vector<FileEntry> files;
+    MessageIndex fresh;
+    MessageIndex& kept = m_messages[folder];
+    for (FileEntry& entry : ListFolder(FullPath(folder))) {
+        if (entry.isFolder || !IsMessageFileName(entry.name)) {
+            continue;
+        }
+        const auto known = kept.digests.find(entry.name);
+        const NameDigest digest = known == kept.digests.end() ? DigestOf(entry.name) : known->second;
+        fresh.digests.emplace(entry.name, digest);
+        fresh.names.emplace(digest, entry.name);
+        files.push_back(std::move(entry));
+    }
+    kept = std::move(fresh);
+    return files;
+}
+
+void StoreTree::IndexFolders(const Text& path, int depth) {
+    m_folders.emplace(DigestOf(path), path);
+    if (depth == kDeepestFolder) {
+        return;
+    }
+    for (const FileEntry& entry : ListFolder(FullPath(path))) {
+        if (entry.isFolder) {
+            IndexFolders(JoinPath(path, entry.name), depth + 1);
+        }
+    }
+}
+
+std::optional<Text> StoreTree::FindFolder(const NameDigest& digest) {
+    for (const bool again : {false, true}) {
+        if (again) {
+            m_folders.clear();
+            IndexFolders({}, 0);
+        }
+        const auto found = m_folders.find(digest);
+        if (found != m_folders.end() && FolderExists(FullPath(found->second))) {
+            return found->second;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Text> StoreTree::FindMessage(const Text& folder, const NameDigest& digest) {
+    for (const bool again : {false, true}) {
+        if (again) {
+            MessageFiles(folder);
+        }
+        const auto index = m_messages.find(folder);
+        if (index == m_messages.end()) {
+            continue;
+        }
+        const auto found = index->second.names.find(digest);
+        if (found != index->second.names.end()) {
+            return found->second;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Text> StoreTree::TopFolder(std::wstring_view name) const {
+    // A look at the listing, and not at the name asked for: the identifier is made of the name as it is
+    // written on the disk.
+    for (const FileEntry& entry : ListFolder(m_directory)) {
+        if (entry.isFolder && SameName(entry.name, name)) {
+            return entry.name;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Text> StoreTree::DefaultFolder(PropertyId property) const {
+    for (const KnownFolder& known : kKnownFolders) {
+        if (known.property == property && property != 0) {
+            return TopFolder(known.name);
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Text> StoreTree::ReceiveFolder() const {
+    return TopFolder(L"Inbox");
+}
+
+}  // namespace localstore

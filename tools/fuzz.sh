@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets and runs each for some seconds: fuzz.sh [SECONDS]. What a run finds stays in
+# build/fuzz/found; new inputs that reach new code stay in build/fuzz/corpus.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+seconds=${1:-60}
+
+tools/build.sh fuzz
+mapfile -t targets < <(find build/fuzz -type f -name 'fuzz_*' -perm -u+x | sort)
+[ ${#targets[@]} -gt 0 ] || { printf 'fuzz: no target was built\n' >&2; exit 1; }
+
+broken=0
+mkdir -p build/fuzz/found
+for target in "${targets[@]}"; do
+  name=$(basename "$target")
+  corpus=build/fuzz/corpus/$name
+  mkdir -p "$corpus"
+  # The seeds of a target, if it has any, are only read.
+  seeds=tests/fuzz/corpus/$name
+  [ -d "$seeds" ] || seeds=
+  printf '== fuzz: %s, %s s\n' "$name" "$seconds"
+  "$target" -max_total_time="$seconds" -print_final_stats=1 -artifact_prefix="build/fuzz/found/$name-" \
+    "$corpus" ${seeds:+"$seeds"} 2>&1 | tail -n 12 || broken=$((broken + 1))
+done
+printf '%d targets, %d with a find\n' "${#targets[@]}" "$broken"
+[ "$broken" -eq 0 ]

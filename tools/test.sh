@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# Builds and runs all tests: the release build under Wine, then the pure ring natively with the sanitizers. The last line
+# counts the entries of both runs. Ends with 1 if a test failed or a run could not be had.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+source tools/wine-server.sh
+
+passed=0
+failed=0
+skipped=0
+
+# Adds the counts of a result file that ctest wrote: count_results FILE
+count_results() {
+  local suite number
+  suite=$(grep -m1 -A12 '<testsuite' "$1")
+  number() { sed -nE "s/.*[[:space:]]$1=\"([0-9]+)\".*/\1/p" <<<"$suite" | head -n1; }
+  local all bad off left_out
+  all=$(number tests) bad=$(number failures) off=$(number disabled) left_out=$(number skipped)
+  failed=$((failed + bad))
+  skipped=$((skipped + off + left_out))
+  passed=$((passed + all - bad - off - left_out))
+}
+
+fail() {
+  printf 'test: %s\n' "$1" >&2
+  failed=$((failed + 1))
+}
+
+# Runs the tests of one preset: run_tests PRESET [ARGUMENT of ctest...]
+run_tests() {
+  local preset=$1 results=$PWD/build/$1/test-results.xml status=0 failed_before=$failed
+  shift
+  printf '== test: %s\n' "$preset"
+  rm -f "$results"
+  ctest --preset "$preset" --no-tests=error --output-junit "$results" "$@" || status=$?
+  [ ! -s "$results" ] || count_results "$results"
+  # A program that could not be started at all stands in the file as one that was left out.
+  if [ "$status" -ne 0 ] && [ "$failed" -eq "$failed_before" ]; then
+    fail "ctest of $preset ended with $status"
+  fi
+}
+
+if tools/build.sh release desktop32 && tools/check_products.sh; then
+  keep_wine_server
+  run_tests release
+else
+  fail "THE PROGRAMS WERE NOT BUILT"
+fi
+
+if ! command -v clang++ >/dev/null; then
+  printf 'test: NO CLANG ON THIS MACHINE, so nothing was tested with the sanitizers\n'
+  skipped=$((skipped + 1))
+elif tools/build.sh sanitize; then
+  run_tests sanitize -j "$(nproc)"
+else
+  fail "THE SANITIZED BUILD FAILED"
+fi
+
+printf '%d passed, %d failed, %d skipped\n' "$passed" "$failed" "$skipped"
+[ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]
