@@ -13,6 +13,9 @@ keep_wine_server() {
   trap release_wine_server EXIT
   trap 'exit 130' INT
   trap 'exit 143' TERM
+  # The first program starts Wine's services, which keep its output open for as long as they live. It must not be a
+  # program whose end of output somebody waits for.
+  tools/run-wine.sh cmd /c exit </dev/null >/dev/null 2>&1
 }
 
 release_wine_server() {
