@@ -13,9 +13,7 @@ constexpr ULONG kModifyAccess = MAPI_BEST_ACCESS | MAPI_MODIFY;
 /// out the object's own one.
 template<class Interface>
 ComPtr<Interface> As(ComPtr<IUnknown> object) {
-    ComPtr<Interface> typed;
-    typed.Attach(static_cast<Interface*>(object.Detach()));
-    return typed;
+    return Adopt(static_cast<Interface*>(object.Detach()));
 }
 
 template<class Container>
