@@ -37,7 +37,7 @@ std::wstring Document(const CallPdu& call) {
 }
 
 std::wstring SurnameElement(const std::wstring& surname) {
-    return L"\n\t<LastName>" + surname + L"</LastName>";
+    return L"\t<LastName>" + surname + L"</LastName>";
 }
 
 void LogOn(CommandConnection& connection) {
@@ -58,7 +58,7 @@ TEST(Reading, ContactsArriveOneACall) {
     const wchar_t* const surnames[] = {L"Alpha", L"Beta", L"Gamma"};
     for (std::size_t i = 0; i < calls.size(); ++i) {
         const std::wstring document = Document(calls[i]);
-        EXPECT_THAT(document, StartsWith(L"<?xml version=\"1.0\""));
+        EXPECT_THAT(document, StartsWith(L"<?xml version="));
         EXPECT_THAT(document, HasSubstr(SurnameElement(surnames[i])));
         EXPECT_THAT(document, HasSubstr(L"</Contact>"));
     }
@@ -73,7 +73,7 @@ TEST(Reading, ALongDocumentArrivesWhole) {
     EXPECT_EQ(connection.Call(15, kReadAll).stub, kSuccess);
     const std::vector<CallPdu> calls = endpoint.Calls();
     ASSERT_THAT(calls, SizeIs(1));
-    EXPECT_THAT(Document(calls.front()), HasSubstr(SurnameElement(surname)));
+    EXPECT_NE(Document(calls.front()).find(SurnameElement(surname)), std::wstring::npos);
 }
 
 TEST(Reading, StopOnASecondConnectionEndsTheReadAfterTheItem) {
