@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <mutex>
+#include <set>
 #include <string>
 
 #include "localstore/failure.h"
@@ -83,8 +85,15 @@ Text TemporaryPath(const Text& path) {
            std::to_wstring(++counter) + L".tmp";
 }
 
-/// Removes what writers that were ended in the middle have left in a folder.
+/// Removes what writers that were ended in the middle have left in a folder. Once for each folder: a look
+/// costs as much as the folder is long.
 void RemoveLeftovers(const Text& folder) {
+    static std::mutex mutex;
+    static std::set<Text> done;
+    const std::lock_guard lock(mutex);
+    if (!done.insert(folder).second) {
+        return;
+    }
     FILETIME now{};
     GetSystemTimeAsFileTime(&now);
     WIN32_FIND_DATAW found{};

@@ -55,6 +55,9 @@ SharedBytes ReadStream(IStorage* storage, const STATSTG& element, ReadState& sta
     ComPtr<IStream> stream;
     RequireSuccess(storage->OpenStream(element.pwcsName, nullptr, kReading, 0, &stream));
     auto bytes = std::make_shared<Bytes>(static_cast<std::size_t>(element.cbSize.QuadPart));
+    if (bytes->empty()) {
+        return bytes;
+    }
     ULONG read = 0;
     RequireSuccess(stream->Read(bytes->data(), static_cast<ULONG>(bytes->size()), &read));
     Require(read == bytes->size(), STG_E_DOCFILECORRUPT);
@@ -94,6 +97,9 @@ void WriteTree(const StorageTree& tree, IStorage* storage) {
     for (const auto& [name, bytes] : tree.streams) {
         ComPtr<IStream> stream;
         RequireSuccess(storage->CreateStream(name.c_str(), kWriting, 0, 0, &stream));
+        if (bytes->empty()) {
+            continue;
+        }
         ULONG written = 0;
         RequireSuccess(stream->Write(bytes->data(), static_cast<ULONG>(bytes->size()), &written));
         Require(written == bytes->size(), STG_E_MEDIUMFULL);
