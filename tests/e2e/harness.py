@@ -154,6 +154,17 @@ class Place:
         if status != 0:
             raise AssertionError(f"no contacts were made: {output}{errors}")
 
+    def multiply_contact(self, text, texts):
+        """Makes copies of the one contact that is there, each with another text of the same length in place of `text`."""
+        [file] = self.contacts.glob("*.msg")
+        content = file.read_bytes()
+        file.unlink()
+        old = text.encode("utf-16-le")
+        assert content.count(old) == 1, f"{text} is not where it can be replaced"
+        for number, new in enumerate(texts):
+            assert len(new) == len(text), new
+            (self.contacts / f"{number:04}.msg").write_bytes(content.replace(old, new.encode("utf-16-le")))
+
 
 def received(process):
     """The documents that a test client has received so far, in order."""

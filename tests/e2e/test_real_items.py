@@ -12,7 +12,7 @@ import unittest
 
 import contact_fields
 import harness
-from contact_fields import date_and_time, date_only, fields
+from contact_fields import date_and_time, date_only, fields, normal
 
 ITEMS = pathlib.Path(os.environ.get("ZEB_REAL_ITEMS", harness.ROOT.parent / "shared/real-items"))
 MESSAGE = ITEMS / "contactUnicode.msg"
@@ -21,11 +21,6 @@ DESCRIPTION = ITEMS / "contactUnicode.json"
 ZONE = "Asia/Tokyo"
 JAPAN = datetime.timezone(datetime.timedelta(hours=9))
 COPIES = 500
-
-
-def normal(text):
-    """A text as an XML parser hands it on."""
-    return text.replace("\r\n", "\n")
 
 
 class Description:

@@ -65,15 +65,15 @@ TEST(Reading, ContactsArriveOneACall) {
 }
 
 TEST(Reading, ALongDocumentArrivesWhole) {
-    const std::wstring surname(20000, L'x');
-    const AgentProcess agent({surname});
+    const std::wstring body(100000, L'x');
+    const AgentProcess agent({L"Alpha"}, body);
     const CallbackEndpoint endpoint;
     CommandConnection connection;
     LogOn(connection);
     EXPECT_EQ(connection.Call(15, kReadAll).stub, kSuccess);
     const std::vector<CallPdu> calls = endpoint.Calls();
     ASSERT_THAT(calls, SizeIs(1));
-    EXPECT_NE(Document(calls.front()).find(SurnameElement(surname)), std::wstring::npos);
+    EXPECT_NE(Document(calls.front()).find(L"<SP-BODY>" + body + L"</SP-BODY>"), std::wstring::npos);
 }
 
 TEST(Reading, StopOnASecondConnectionEndsTheReadAfterTheItem) {
