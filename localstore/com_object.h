@@ -87,11 +87,12 @@ class ComObject : public Refusing {
     std::atomic<ULONG> m_references = 1;
 };
 
-/// Makes an object and gives the one reference to it to its owner.
+/// Makes an object and gives the one reference to it to its owner. Not with Attach, which in some versions of
+/// the platform's header adds a reference of its own.
 template<class Object, class... Arguments>
 ComPtr<Object> MakeObject(Arguments&&... arguments) {
     ComPtr<Object> object;
-    object.Attach(new Object(std::forward<Arguments>(arguments)...));
+    *object.GetAddressOf() = new Object(std::forward<Arguments>(arguments)...);
     return object;
 }
 

@@ -165,6 +165,7 @@ void Message::Save(ULONG flags) {
     }
     // The state changes only once it is on the disk.
     auto saved = std::make_shared<MessageContent>(m_source.Content());
+    saved->NoteNextAttachment(m_nextAttachment);
     PrepareForSaving(*saved, created, Now());
     const Bytes bytes = WriteStorage(WriteMessage(*saved));
     Text name = m_source.Name();
