@@ -91,9 +91,7 @@ class ComObject : public Refusing {
 /// the platform's header adds a reference of its own.
 template<class Object, class... Arguments>
 ComPtr<Object> MakeObject(Arguments&&... arguments) {
-    ComPtr<Object> object;
-    *object.GetAddressOf() = new Object(std::forward<Arguments>(arguments)...);
-    return object;
+    return Adopt(new Object(std::forward<Arguments>(arguments)...));
 }
 
 /// What the recorder calls an object; empty for one that is not the store's.

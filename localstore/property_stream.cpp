@@ -190,7 +190,7 @@ ComPtr<IStream> OpenStreamOf(const PropertySource& source, IUnknown* owner, Prop
         RequireSuccess(
             target->SetOne(IsString(asked) ? Property::OfText(typed, {}) : Property::OfBytes(typed, {})));
     }
-    return stream;
+    return Adopt<IStream>(stream.Detach());
 }
 
 }  // namespace localstore

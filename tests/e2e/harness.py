@@ -1,0 +1,197 @@
+"""What the scripts of this folder share: a folder with the programs and a store, and the programs as processes.
+
+Each script is one entry of ctest and ends with run(). The environment names the programs:
+ZEB_BIN_DIR holds those of the product, ZEB_TEST_BIN_DIR the tools for tests.
+"""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+BIN = pathlib.Path(os.environ.get("ZEB_BIN_DIR", ROOT / "build/bin"))
+TEST_BIN = pathlib.Path(os.environ.get("ZEB_TEST_BIN_DIR", ROOT / "build/release/tests"))
+AGENT = "ZebAgentForOutlook64.exe"
+
+# How long a thing may take that ought to happen soon. It only has to be long enough for a busy machine.
+PATIENCE = 300
+# The exit status that ctest takes for "skipped".
+SKIPPED = 77
+
+
+def windows_path(path):
+    """The path under which a Windows program finds a file of this machine."""
+    return "Z:" + str(pathlib.Path(path).resolve()).replace("/", "\\")
+
+
+def wait_until(condition, what):
+    """Polls until the condition holds."""
+    deadline = time.monotonic() + PATIENCE
+    while not condition():
+        if time.monotonic() > deadline:
+            raise AssertionError(f"waited in vain: {what}")
+        time.sleep(0.05)
+
+
+class Place:
+    """A folder with a copy of the programs, a store below `root` and the agent's log."""
+
+    FOLDER = "Work/Mail/Contacts"
+
+    def __init__(self):
+        self._holder = tempfile.TemporaryDirectory(prefix="zeb-e2e-", ignore_cleanup_errors=True)
+        self.path = pathlib.Path(self._holder.name)
+        self.bin = self.path / "bin"
+        self.root = self.path / "root"
+        self.log_file = self.path / "agent.log"
+        self._agents = []
+        self._processes = 0
+        self._desktops = 0
+        self.bin.mkdir()
+        for file in BIN.glob("*.*"):
+            if file.suffix.lower() in (".exe", ".dll"):
+                shutil.copy2(file, self.bin)
+        self.contacts = self.folder(self.FOLDER)
+
+    def close(self):
+        if self._desktops:
+            # The desktop program may have started an agent, which stays when it ends.
+            self.run_desktop("shutdown")
+        for agent in self._agents:
+            agent.kill()
+            agent.wait(PATIENCE)
+        self._holder.cleanup()
+
+    def folder(self, path):
+        """Makes a folder of the store."""
+        folder = self.root / path
+        folder.mkdir(parents=True, exist_ok=True)
+        return folder
+
+    def environment(self, **more):
+        values = dict(os.environ)
+        values["LOCALSTORE_ROOT"] = windows_path(self.root)
+        values["FENNIC64_LOG"] = windows_path(self.log_file)
+        values["FENNIC64_LEVEL"] = "1"
+        values.update(more)
+        return values
+
+    def start(self, program, *arguments, runner="run-wine.sh", **more):
+        """Starts a Windows program; `more` are variables of its environment.
+
+        It writes to files: under Wine an agent that it starts keeps what it writes to open, so a pipe would not end.
+        """
+        self._processes += 1
+        streams = [self.path / f"{self._processes}{name}" for name in (".out", ".err")]
+        with open(streams[0], "wb") as output, open(streams[1], "wb") as errors:
+            process = subprocess.Popen([str(ROOT / "tools" / runner), windows_path(program), *map(str, arguments)],
+                                       env=self.environment(**more), stdin=subprocess.DEVNULL, stdout=output,
+                                       stderr=errors)
+        process.streams = streams
+        return process
+
+    def finish(self, process):
+        """Waits for the end of a program. Gives its exit status, output and error output."""
+        status = process.wait(PATIENCE)
+        output, errors = (stream.read_bytes().decode() for stream in process.streams)
+        return status, output, errors
+
+    def start_agent(self, **more):
+        agent = self.start(self.bin / AGENT, **more)
+        self._agents.append(agent)
+        return agent
+
+    def settings(self, **keys):
+        """Writes the agent's settings file."""
+        lines = ["[Outlook]"] + [f"{key}={value}" for key, value in keys.items()]
+        (self.bin / "PIMProfile.ini").write_text("\r\n".join(lines) + "\r\n", newline="")
+
+    def log(self):
+        return self.log_file.read_bytes().decode() if self.log_file.exists() else ""
+
+    def client(self, *arguments, **more):
+        """Starts the test client, whose documents go to a folder of their own."""
+        documents = self.path / f"documents{self._processes}"
+        documents.mkdir()
+        process = self.start(TEST_BIN / "reader_client.exe", "--out", windows_path(documents), *arguments, **more)
+        process.documents = documents
+        return process
+
+    def run_client(self, *arguments, **more):
+        """Runs the test client to its end. Gives its lines and the documents that it received."""
+        process = self.client(*arguments, **more)
+        status, output, errors = self.finish(process)
+        if status != 0:
+            raise AssertionError(f"the client ended with {status}: {output}{errors}")
+        return output.splitlines(), received(process)
+
+    def run_desktop(self, *arguments, program="zebdesk.exe", **more):
+        """Runs the desktop program. Gives its exit status, output and error output."""
+        self._desktops += 1
+        return self.finish(self.start(self.bin / program, *arguments, **more))
+
+    def read_with_desktop(self, *options, **more):
+        """Has the desktop program read all contacts. Gives the bytes of the documents by the names of their files."""
+        self._desktops += 1
+        out = self.path / f"read{self._desktops}"
+        status, output, errors = self.run_desktop("read", "contacts", "--out", windows_path(out), *options, **more)
+        if status != 0:
+            raise AssertionError(f"the desktop program ended with {status}: {output}{errors}")
+        return {file.name: file.read_bytes() for file in out.iterdir()}
+
+    def make_contacts(self, contacts):
+        """Makes contacts through MAPI. Each is a list of lines for make_contacts."""
+        wishes = self.path / "contacts.txt"
+        wishes.write_text("".join("contact\n" + "\n".join(lines) + "\n" for lines in contacts))
+        process = self.start(TEST_BIN / "make_contacts.exe", windows_path(self.bin / "MAPI32.dll"),
+                             windows_path(wishes))
+        status, output, errors = self.finish(process)
+        if status != 0:
+            raise AssertionError(f"no contacts were made: {output}{errors}")
+
+    def multiply_contact(self, text, texts):
+        """Makes copies of the one contact that is there, each with another text of the same length in place of `text`."""
+        [file] = self.contacts.glob("*.msg")
+        content = file.read_bytes()
+        file.unlink()
+        old = text.encode("utf-16-le")
+        assert content.count(old) == 1, f"{text} is not where it can be replaced"
+        for number, new in enumerate(texts):
+            assert len(new) == len(text), new
+            (self.contacts / f"{number:04}.msg").write_bytes(content.replace(old, new.encode("utf-16-le")))
+
+
+def received(process):
+    """The documents that a test client has received so far, in order."""
+    return [file.read_bytes().decode("utf-16-le") for file in sorted(process.documents.iterdir())]
+
+
+class Case(unittest.TestCase):
+    """A test with a place of its own."""
+
+    maxDiff = None
+
+    def setUp(self):
+        self.place = Place()
+        self.addCleanup(self.place.close)
+
+    def assert_exit(self, process, status=0):
+        code, output, errors = self.place.finish(process)
+        self.assertEqual(code, status, output + errors)
+        return output, errors
+
+
+def run():
+    """The end of every script: runs its tests and says aloud what was left out."""
+    result = unittest.main(module="__main__", exit=False, verbosity=2).result
+    for test, reason in result.skipped:
+        print(f"SKIPPED: {test}: {reason}", file=sys.stderr)
+    if not result.wasSuccessful():
+        sys.exit(1)
+    if result.testsRun == len(result.skipped):
+        sys.exit(SKIPPED)

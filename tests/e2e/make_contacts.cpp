@@ -1,0 +1,260 @@
+// Makes contacts in the default contact folder of the default profile, with whatever texts it is given: also
+// such that no user could type. make_contacts MAPI32.DLL LIST, where LIST is a file of lines:
+//
+//   contact                        begins a contact; the lines behind it are its properties
+//   tag 3A11001F TEXT              a property by its tag
+//   named 00062004 8083 TEXT       one by the first 32 bits of its property set and its number
+//   time 3A420040 125911260000000000   a time by its tag
+//   keywords TEXT TEXT ...         the categories
+//
+// A TEXT is the hexadecimal form of its UTF-16 units, four digits each, or "-" for an empty one.
+
+#include <mapiutil.h>
+#include <mapix.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "support/owners.h"
+
+namespace {
+
+void Require(HRESULT result, const char* what) {
+    if (result != S_OK) {
+        char text[128];
+        std::snprintf(text, sizeof(text), "%s gives %08lX", what, static_cast<unsigned long>(result));
+        throw std::runtime_error(text);
+    }
+}
+
+std::wstring Text(const std::string& hex) {
+    std::wstring text;
+    for (std::size_t i = 0; i + 4 <= hex.size(); i += 4) {
+        text += static_cast<wchar_t>(std::stoul(hex.substr(i, 4), nullptr, 16));
+    }
+    return text;
+}
+
+/// MAPI, a session with the default profile and what is open in it.
+class Mail {
+  public:
+    explicit Mail(const wchar_t* library) : m_library(LoadLibraryW(library)) {
+        if (!m_library || FillMAPIEntryPoints(m_library.Get()) == 0) {
+            throw std::runtime_error("the MAPI library cannot be loaded");
+        }
+        MAPIINIT_0 init{MAPI_INIT_VERSION, 0};
+        Require(pfnMAPIInitialize(&init), "MAPIInitialize");
+        Require(pfnMAPILogonEx(0, nullptr, nullptr, MAPI_EXTENDED | MAPI_NEW_SESSION | MAPI_USE_DEFAULT,
+                               m_session.GetAddressOf()),
+                "MAPILogonEx");
+        OpenStore();
+        OpenContacts();
+    }
+    Mail(const Mail&) = delete;
+    Mail& operator=(const Mail&) = delete;
+    ~Mail() {
+        m_contacts.Reset();
+        m_store.Reset();
+        if (m_session) {
+            m_session->Logoff(0, 0, 0);
+            m_session.Reset();
+        }
+        pfnMAPIUninitialize();
+    }
+
+    [[nodiscard]] ComPtr<IMessage> CreateContact() const {
+        ComPtr<IMessage> message;
+        Require(m_contacts->CreateMessage(nullptr, 0, message.GetAddressOf()), "CreateMessage");
+        return message;
+    }
+
+  private:
+    void OpenStore() {
+        ComPtr<IMAPITable> table;
+        Require(m_session->GetMsgStoresTable(0, table.GetAddressOf()), "GetMsgStoresTable");
+        SizedSPropTagArray(2, columns) = {2, {PR_DEFAULT_STORE, PR_ENTRYID}};
+        RowSet rows;
+        Require(pfnHrQueryAllRows(table.Get(), reinterpret_cast<LPSPropTagArray>(&columns), nullptr, nullptr,
+                                  0, rows.Put()),
+                "HrQueryAllRows");
+        for (ULONG i = 0; i < rows->cRows && !m_store; ++i) {
+            const SPropValue* values = rows->aRow[i].lpProps;
+            if (values[0].Value.b != 0) {
+                const SBinary& id = values[1].Value.bin;
+                Require(m_session->OpenMsgStore(0, id.cb, reinterpret_cast<LPENTRYID>(id.lpb), nullptr,
+                                                MAPI_BEST_ACCESS, m_store.GetAddressOf()),
+                        "OpenMsgStore");
+            }
+        }
+        if (!m_store) {
+            throw std::runtime_error("there is no default store");
+        }
+    }
+
+    template<class Interface>
+    [[nodiscard]] ComPtr<Interface> Open(const SBinary& id) const {
+        ULONG type = 0;
+        ComPtr<IUnknown> object;
+        Require(m_store->OpenEntry(id.cb, reinterpret_cast<LPENTRYID>(id.lpb), nullptr, MAPI_BEST_ACCESS,
+                                   &type, object.GetAddressOf()),
+                "OpenEntry");
+        // A folder is opened with its own interface.
+        return ComPtr<Interface>(static_cast<Interface*>(object.Get()));
+    }
+
+    /// The folder's identifier stands on the Inbox, or on the root of a store without one.
+    void OpenContacts() {
+        constexpr ULONG kContactFolder = 0x36D10102;  // PR_IPM_CONTACT_ENTRYID
+        SBinary inbox{};
+        const HRESULT found = m_store->GetReceiveFolder(nullptr, 0, &inbox.cb,
+                                                        reinterpret_cast<LPENTRYID*>(&inbox.lpb), nullptr);
+        const MapiBuffer<BYTE> owner(inbox.lpb);
+        MapiBuffer<SPropValue> id;
+        if (found != S_OK ||
+            pfnHrGetOneProp(Open<IMAPIFolder>(inbox).Get(), kContactFolder, id.Put()) != S_OK) {
+            Require(pfnHrGetOneProp(Open<IMAPIFolder>(SBinary{}).Get(), kContactFolder, id.Put()),
+                    "HrGetOneProp");
+        }
+        m_contacts = Open<IMAPIFolder>(id->Value.bin);
+    }
+
+    Library m_library;
+    ComPtr<IMAPISession> m_session;
+    ComPtr<IMsgStore> m_store;
+    ComPtr<IMAPIFolder> m_contacts;
+};
+
+void SetOne(IMessage* message, SPropValue& value) {
+    MapiBuffer<SPropProblemArray> problems;
+    Require(message->SetProps(1, &value, problems.Put()), "SetProps");
+    if (problems && problems->cProblem != 0) {
+        Require(problems->aProblem[0].scode, "a property of SetProps");
+    }
+}
+
+void SetText(IMessage* message, ULONG tag, std::wstring text) {
+    SPropValue value{};
+    value.ulPropTag = CHANGE_PROP_TYPE(tag, PT_UNICODE);
+    value.Value.lpszW = text.data();
+    SetOne(message, value);
+}
+
+void SetTime(IMessage* message, ULONG tag, ULONGLONG time) {
+    SPropValue value{};
+    value.ulPropTag = tag;
+    value.Value.ft.dwLowDateTime = static_cast<DWORD>(time & 0xFFFFFFFF);
+    value.Value.ft.dwHighDateTime = static_cast<DWORD>(time >> 32);
+    SetOne(message, value);
+}
+
+ULONG NamedTag(IMessage* message, MAPINAMEID name) {
+    LPMAPINAMEID names = &name;
+    MapiBuffer<SPropTagArray> tags;
+    Require(message->GetIDsFromNames(1, &names, MAPI_CREATE, tags.Put()), "GetIDsFromNames");
+    return tags->aulPropTag[0];
+}
+
+GUID PropertySet(ULONG first) {
+    return {first, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+}
+
+void SetNamed(IMessage* message, ULONG set, ULONG number, const std::wstring& text) {
+    GUID guid = PropertySet(set);
+    MAPINAMEID name{};
+    name.lpguid = &guid;
+    name.ulKind = MNID_ID;
+    name.Kind.lID = static_cast<LONG>(number);
+    SetText(message, NamedTag(message, name), text);
+}
+
+void SetKeywords(IMessage* message, std::vector<std::wstring> texts) {
+    constexpr ULONG kPublicStrings = 0x00020329;
+    GUID guid = PropertySet(kPublicStrings);
+    wchar_t keywords[] = L"Keywords";
+    MAPINAMEID name{};
+    name.lpguid = &guid;
+    name.ulKind = MNID_STRING;
+    name.Kind.lpwstrName = keywords;
+    std::vector<LPWSTR> pointers;
+    for (std::wstring& text : texts) {
+        pointers.push_back(text.data());
+    }
+    SPropValue value{};
+    value.ulPropTag = CHANGE_PROP_TYPE(NamedTag(message, name), PT_MV_UNICODE);
+    value.Value.MVszW.cValues = static_cast<ULONG>(pointers.size());
+    value.Value.MVszW.lppszW = pointers.data();
+    SetOne(message, value);
+}
+
+void SetFromLine(IMessage* message, const std::string& kind, std::istringstream& words) {
+    std::string text;
+    ULONG tagOrSet = 0;
+    ULONG number = 0;
+    ULONGLONG time = 0;
+    if (kind == "tag" && words >> std::hex >> tagOrSet >> text) {
+        SetText(message, tagOrSet, Text(text));
+    } else if (kind == "named" && words >> std::hex >> tagOrSet >> number >> text) {
+        SetNamed(message, tagOrSet, number, Text(text));
+    } else if (kind == "time" && words >> std::hex >> tagOrSet >> std::dec >> time) {
+        SetTime(message, tagOrSet, time);
+    } else if (kind == "keywords") {
+        std::vector<std::wstring> texts;
+        while (words >> text) {
+            texts.push_back(Text(text));
+        }
+        SetKeywords(message, std::move(texts));
+    } else {
+        throw std::invalid_argument("not a line of a list: " + kind);
+    }
+}
+
+int MakeContacts(const Mail& mail, std::istream& list) {
+    int made = 0;
+    ComPtr<IMessage> message;
+    const auto save = [&message, &made] {
+        if (message) {
+            Require(message->SaveChanges(0), "SaveChanges");
+            ++made;
+        }
+    };
+    for (std::string line; std::getline(list, line);) {
+        std::istringstream words(line);
+        std::string kind;
+        words >> kind;
+        if (kind == "contact") {
+            save();
+            message = mail.CreateContact();
+            SetText(message.Get(), PR_MESSAGE_CLASS_W, L"IPM.Contact");
+        } else if (message) {
+            SetFromLine(message.Get(), kind, words);
+        }
+    }
+    save();
+    return made;
+}
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    if (count != 3) {
+        std::fputs("make_contacts MAPI32.DLL LIST\n", stderr);
+        return 2;
+    }
+    try {
+        std::ifstream list(arguments[2]);
+        if (!list) {
+            throw std::runtime_error("the list cannot be read");
+        }
+        const Mail mail(arguments[1]);
+        std::printf("%d contacts\n", MakeContacts(mail, list));
+        return 0;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "make_contacts: %s\n", failure.what());
+        return 1;
+    }
+}

@@ -1,0 +1,233 @@
+// A desktop program for tests: it does what it is told on the command line, in that order, and can misbehave.
+// The documents that it receives go to files as they came, so that whoever looks at them sees every unit of
+// the text.
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include <rpc.h>
+
+#include "callback.h"
+#include "command.h"
+#include "support/owners.h"
+#include "support/rpc_guard.h"
+
+namespace {
+
+constexpr const wchar_t* kCommandPipe = L"\\\\.\\pipe\\MapiServer64";
+constexpr DWORD kPatienceMilliseconds = 60000;
+constexpr DWORD kPollMilliseconds = 20;
+constexpr unsigned kMaxCalls = 1234;
+/// The exit status of a client that was asked to crash.
+constexpr UINT kCrashed = 99;
+
+constexpr const char* kUsage =
+    "reader_client [OPTION...] COMMAND...\n"
+    "options:\n"
+    "  --no-endpoint      do not serve the callback interface\n"
+    "  --out FOLDER       write each document to a file there, in UTF-16\n"
+    "  --stop-after N     call Stop while the Nth document is being received\n"
+    "  --crash-after N    end without a word while the Nth document is being received\n"
+    "commands:\n"
+    "  logon[=PROFILE] count read stop logoff shutdown\n"
+    "  await-end          wait until the agent is gone, and tell whether it said so before\n";
+
+/// What the callbacks do and have done. They come on the runtime's threads, one at a time.
+struct Reception {
+    std::wstring folder;
+    unsigned long stopAfter = 0;
+    unsigned long crashAfter = 0;
+    unsigned long documents = 0;
+    Handle shutdown{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+};
+Reception g_reception;
+
+void Require(RPC_STATUS status, const char* what) {
+    if (status != RPC_S_OK) {
+        throw std::runtime_error(std::string(what) + " gives " + std::to_string(status));
+    }
+}
+
+RPC_WSTR RpcText(wchar_t* text) {
+    return reinterpret_cast<RPC_WSTR>(text);
+}
+
+void WriteDocument(const wchar_t* xml) {
+    wchar_t name[32];
+    swprintf(name, 32, L"\\%06lu.utf16", g_reception.documents);
+    const FileHandle file(CreateFileW((g_reception.folder + name).c_str(), GENERIC_WRITE, 0, nullptr,
+                                      CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const auto size = static_cast<DWORD>(wcslen(xml) * sizeof(wchar_t));
+    DWORD written = 0;
+    if (!file || WriteFile(file.Get(), xml, size, &written, nullptr) == 0 || written != size) {
+        std::fprintf(stderr, "reader_client: a document cannot be written\n");
+        TerminateProcess(GetCurrentProcess(), 1);
+    }
+}
+
+void ReceiveDocument(const wchar_t* xml) {
+    ++g_reception.documents;
+    if (!g_reception.folder.empty()) {
+        WriteDocument(xml);
+    }
+    if (g_reception.documents == g_reception.crashAfter) {
+        TerminateProcess(GetCurrentProcess(), kCrashed);
+    }
+    if (g_reception.documents == g_reception.stopAfter) {
+        GuardedRpc([] { Stop(); });
+    }
+}
+
+void ServeCallbacks() {
+    wchar_t protocol[] = L"ncacn_np";
+    wchar_t endpoint[] = L"\\pipe\\OutlookServer32";
+    Require(RpcServerUseProtseqEpW(RpcText(protocol), kMaxCalls, RpcText(endpoint), nullptr),
+            "RpcServerUseProtseqEp");
+    Require(RpcServerRegisterIf(ZebAgentCallback_v1_0_s_ifspec, nullptr, nullptr), "RpcServerRegisterIf");
+    Require(RpcServerListen(1, kMaxCalls, TRUE), "RpcServerListen");
+}
+
+void BindToAgent() {
+    wchar_t protocol[] = L"ncacn_np";
+    wchar_t endpoint[] = L"\\pipe\\MapiServer64";
+    RPC_WSTR text = nullptr;
+    Require(RpcStringBindingComposeW(nullptr, RpcText(protocol), nullptr, RpcText(endpoint), nullptr, &text),
+            "RpcStringBindingCompose");
+    const RPC_STATUS status = RpcBindingFromStringBindingW(text, &g_hAgentBinding);
+    RpcStringFreeW(&text);
+    Require(status, "RpcBindingFromStringBinding");
+}
+
+/// The agent may have been started a moment ago.
+void WaitForAgent() {
+    for (DWORD waited = 0; WaitNamedPipeW(kCommandPipe, kPatienceMilliseconds) == 0;
+         waited += kPollMilliseconds) {
+        if (waited >= kPatienceMilliseconds) {
+            throw std::runtime_error("there is no agent");
+        }
+        Sleep(kPollMilliseconds);
+    }
+}
+
+void DoLogOn(std::wstring profile) {
+    long status = -1;
+    wchar_t* const text = profile.data();
+    GuardedRpc([text, &status] { MAPILogOn(text, &status); });
+    std::printf("logon %ld\n", status);
+}
+
+void DoCount() {
+    long count = -1;
+    long status = -1;
+    GuardedRpc([&count, &status] { GetContactCount(&count, &status); });
+    std::printf("count %ld %ld\n", count, status);
+}
+
+void DoRead() {
+    const unsigned long before = g_reception.documents;
+    long status = -1;
+    wchar_t nothing[] = L"";
+    wchar_t* const text = nothing;
+    GuardedRpc([text, &status] { ReadContacts(text, text, &status); });
+    std::printf("read %ld %lu\n", status, g_reception.documents - before);
+}
+
+void AwaitEnd() {
+    for (DWORD waited = 0; WaitNamedPipeW(kCommandPipe, 1) != 0 || GetLastError() == ERROR_SEM_TIMEOUT;
+         waited += kPollMilliseconds) {
+        if (waited >= kPatienceMilliseconds) {
+            throw std::runtime_error("the agent does not go");
+        }
+        Sleep(kPollMilliseconds);
+    }
+    const bool announced = WaitForSingleObject(g_reception.shutdown.Get(), 0) == WAIT_OBJECT_0;
+    std::printf("end %s\n", announced ? "announced" : "not announced");
+}
+
+void Do(const std::wstring& command) {
+    if (command.rfind(L"logon=", 0) == 0) {
+        DoLogOn(command.substr(std::wcslen(L"logon=")));
+    } else if (command == L"logon") {
+        DoLogOn(L"");
+    } else if (command == L"count") {
+        DoCount();
+    } else if (command == L"read") {
+        DoRead();
+    } else if (command == L"stop") {
+        GuardedRpc([] { Stop(); });
+    } else if (command == L"logoff") {
+        GuardedRpc([] { MAPILogOff(); });
+    } else if (command == L"shutdown") {
+        GuardedRpc([] { Shutdown(); });
+    } else if (command == L"await-end") {
+        AwaitEnd();
+    } else {
+        throw std::invalid_argument(kUsage);
+    }
+    std::fflush(stdout);
+}
+
+/// Takes the options off the front of the arguments and returns the first command.
+wchar_t** ReadOptions(wchar_t** argument) {
+    bool endpoint = true;
+    for (; *argument != nullptr && std::wcsncmp(*argument, L"--", 2) == 0; ++argument) {
+        const std::wstring option = *argument;
+        if (option == L"--no-endpoint") {
+            endpoint = false;
+            continue;
+        }
+        const wchar_t* const value = *++argument;
+        if (value == nullptr) {
+            throw std::invalid_argument(kUsage);
+        }
+        if (option == L"--out") {
+            g_reception.folder = value;
+        } else if (option == L"--stop-after") {
+            g_reception.stopAfter = std::wcstoul(value, nullptr, 10);
+        } else if (option == L"--crash-after") {
+            g_reception.crashAfter = std::wcstoul(value, nullptr, 10);
+        } else {
+            throw std::invalid_argument(kUsage);
+        }
+    }
+    if (endpoint) {
+        ServeCallbacks();
+    }
+    return argument;
+}
+
+}  // namespace
+
+void MAPIServerShutdown() {
+    SetEvent(g_reception.shutdown.Get());
+}
+
+void MAPISendBackOneContact(wchar_t* xml) {
+    ReceiveDocument(xml);
+}
+
+void MAPISendBackOneCalenda(wchar_t* xml) {
+    ReceiveDocument(xml);
+}
+
+int wmain(int /*count*/, wchar_t** arguments) {
+    try {
+        wchar_t** command = ReadOptions(arguments + 1);
+        BindToAgent();
+        WaitForAgent();
+        for (; *command != nullptr; ++command) {
+            Do(*command);
+        }
+        return 0;
+    } catch (const RpcFailure& failure) {
+        std::fprintf(stderr, "reader_client: a remote call failed, status %lu\n", failure.Status());
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "reader_client: %s\n", failure.what());
+    }
+    return 1;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+// The real agent as a process of its own, with a small store of a few contacts.
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "support/owners.h"
+
+/// Starts the agent, whose path the environment variable ZEB_AGENT gives, and ends it at the latest when this
+/// object goes. Its local store and its log lie in a temporary folder, which goes as well.
+class AgentProcess {
+  public:
+    /// A store with one contact a surname, in this order, all with the same body.
+    explicit AgentProcess(const std::vector<std::wstring>& surnames = {}, const std::wstring& body = {});
+    AgentProcess(const AgentProcess&) = delete;
+    AgentProcess& operator=(const AgentProcess&) = delete;
+    ~AgentProcess();
+
+    [[nodiscard]] bool IsRunning() const;
+    /// Waits for the end of the process and gives its exit status; nothing if it goes on living.
+    [[nodiscard]] std::optional<DWORD> WaitForExit() const;
+    /// What the agent has logged so far, in UTF-8.
+    [[nodiscard]] std::string Log() const;
+
+  private:
+    std::filesystem::path m_program;
+    std::filesystem::path m_folder;
+    Handle m_job;
+    Handle m_process;
+};

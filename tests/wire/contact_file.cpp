@@ -1,0 +1,68 @@
+#include "tests/wire/contact_file.h"
+
+#include <objbase.h>
+
+#include <stdexcept>
+
+#include "support/owners.h"
+#include "tests/wire/bytes.h"
+
+namespace {
+
+constexpr DWORD kAccess = STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
+constexpr std::uint32_t kMessageClass = 0x001A001F;
+constexpr std::uint32_t kSurname = 0x3A11001F;
+constexpr std::uint32_t kBody = 0x1000001F;
+/// Readable and writable.
+constexpr std::uint32_t kPropertyFlags = 6;
+
+void Require(HRESULT result) {
+    if (FAILED(result)) {
+        throw std::runtime_error("a contact file cannot be written, result " + std::to_string(result));
+    }
+}
+
+void WriteStream(IStorage* storage, const wchar_t* name, const Bytes& bytes) {
+    ComPtr<IStream> stream;
+    Require(storage->CreateStream(name, kAccess, 0, 0, stream.GetAddressOf()));
+    if (bytes.empty()) {
+        return;
+    }
+    Require(stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr));
+}
+
+/// A text: its units in a stream of its own, and an entry whose size counts the terminator that is not there.
+void AddText(IStorage* storage, ByteWriter& entries, std::uint32_t tag, const std::wstring& text) {
+    wchar_t name[32];
+    swprintf(name, 32, L"__substg1.0_%08X", tag);
+    ByteWriter units;
+    for (const wchar_t unit : text) {
+        units.U16(unit);
+    }
+    WriteStream(storage, name, units.Written());
+    entries.U32(tag).U32(kPropertyFlags).U32(static_cast<std::uint32_t>(2 * (text.size() + 1))).U32(0);
+}
+
+}  // namespace
+
+void WriteContactFile(const std::filesystem::path& path, const std::wstring& surname,
+                      const std::wstring& body) {
+    ComPtr<IStorage> storage;
+    Require(StgCreateDocfile(path.c_str(), kAccess, 0, storage.GetAddressOf()));
+    ByteWriter entries;
+    entries.Raw(Bytes(32));  // the header: no recipients, no attachments
+    AddText(storage.Get(), entries, kMessageClass, L"IPM.Contact");
+    AddText(storage.Get(), entries, kSurname, surname);
+    AddText(storage.Get(), entries, kBody, body);
+    WriteStream(storage.Get(), L"__properties_version1.0", entries.Written());
+
+    // Every message has the table of named properties, even if it names none.
+    ComPtr<IStorage> names;
+    Require(storage->CreateStorage(L"__nameid_version1.0", kAccess, 0, 0, names.GetAddressOf()));
+    for (const wchar_t* stream :
+         {L"__substg1.0_00020102", L"__substg1.0_00030102", L"__substg1.0_00040102"}) {
+        WriteStream(names.Get(), stream, {});
+    }
+    Require(names->Commit(STGC_DEFAULT));
+    Require(storage->Commit(STGC_DEFAULT));
+}

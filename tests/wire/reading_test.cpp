@@ -1,0 +1,122 @@
+// A read seen from the desktop program's side of both pipes: the bytes with which documents arrive.
+
+#include <gmock/gmock.h>
+
+#include "tests/wire/agent_process.h"
+#include "tests/wire/callback_endpoint.h"
+#include "tests/wire/command_connection.h"
+
+namespace {
+
+using testing::Each;
+using testing::HasSubstr;
+using testing::SizeIs;
+using testing::StartsWith;
+
+constexpr std::uint16_t kMAPIServerShutdown = 0;
+constexpr std::uint16_t kMAPISendBackOneContact = 1;
+
+const Bytes kSuccess = Hex("00 00 00 00");
+const Bytes kFailure = Hex("01 00 00 00");
+/// Two arguments: a text that is ignored, of odd length so that padding follows it, and no map file.
+const Bytes kReadAll =
+    Hex("03 00 00 00  00 00 00 00  03 00 00 00  61 00 62 00 00 00  00 00"
+        "01 00 00 00  00 00 00 00  01 00 00 00  00 00");
+const Bytes kDefaultProfile = Hex("01 00 00 00  00 00 00 00  01 00 00 00  00 00");
+
+/// The document of a callback, whose stub holds this one text and nothing else.
+std::wstring Document(const CallPdu& call) {
+    EXPECT_EQ(call.procedure, kMAPISendBackOneContact);
+    ByteReader reader(call.stub);
+    const WireString text = ReadString(reader);
+    EXPECT_TRUE(reader.AtEnd());
+    EXPECT_EQ(text.maximum, text.units.size());
+    EXPECT_EQ(text.offset, 0U);
+    EXPECT_EQ(text.units.find(u'\0'), text.units.size() - 1);
+    return {text.units.begin(), text.units.end() - 1};
+}
+
+std::wstring SurnameElement(const std::wstring& surname) {
+    return L"\t<LastName>" + surname + L"</LastName>";
+}
+
+void LogOn(CommandConnection& connection) {
+    ASSERT_EQ(connection.Call(2, kDefaultProfile).stub, kSuccess);
+}
+
+TEST(Reading, ContactsArriveOneACall) {
+    const AgentProcess agent({L"Alpha", L"Beta", L"Gamma"});
+    const CallbackEndpoint endpoint;
+    CommandConnection connection;
+    LogOn(connection);
+    EXPECT_EQ(connection.Call(5).stub, Hex("03 00 00 00  00 00 00 00"));
+    EXPECT_EQ(connection.Call(15, kReadAll).stub, kSuccess);
+
+    EXPECT_THAT(endpoint.ProposedInterfaces(), Each(CallbackSyntax()));
+    const std::vector<CallPdu> calls = endpoint.Calls();
+    ASSERT_THAT(calls, SizeIs(3));
+    const wchar_t* const surnames[] = {L"Alpha", L"Beta", L"Gamma"};
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        const std::wstring document = Document(calls[i]);
+        EXPECT_THAT(document, StartsWith(L"<?xml version="));
+        EXPECT_THAT(document, HasSubstr(SurnameElement(surnames[i])));
+        EXPECT_THAT(document, HasSubstr(L"</Contact>"));
+    }
+}
+
+TEST(Reading, ALongDocumentArrivesWhole) {
+    const std::wstring body(100000, L'x');
+    const AgentProcess agent({L"Alpha"}, body);
+    const CallbackEndpoint endpoint;
+    CommandConnection connection;
+    LogOn(connection);
+    EXPECT_EQ(connection.Call(15, kReadAll).stub, kSuccess);
+    const std::vector<CallPdu> calls = endpoint.Calls();
+    ASSERT_THAT(calls, SizeIs(1));
+    EXPECT_NE(Document(calls.front()).find(L"<SP-BODY>" + body + L"</SP-BODY>"), std::wstring::npos);
+}
+
+TEST(Reading, StopOnASecondConnectionEndsTheReadAfterTheItem) {
+    const AgentProcess agent({L"Alpha", L"Beta", L"Gamma"});
+    bool stop = true;
+    const CallbackEndpoint endpoint([&stop](const CallPdu&) {
+        if (std::exchange(stop, false)) {
+            CommandConnection second;
+            EXPECT_EQ(second.Call(1).type, PduType::kResponse);
+        }
+    });
+    CommandConnection connection;
+    LogOn(connection);
+    EXPECT_EQ(connection.Call(15, kReadAll).stub, kFailure);
+    EXPECT_THAT(endpoint.Calls(), SizeIs(1));
+    EXPECT_EQ(connection.Call(15, kReadAll).stub, kSuccess);
+    EXPECT_THAT(endpoint.Calls(), SizeIs(1 + 3));
+}
+
+TEST(Reading, StopWithNoReadRunningEndsTheNextOne) {
+    const AgentProcess agent({L"Alpha"});
+    const CallbackEndpoint endpoint;
+    CommandConnection connection;
+    LogOn(connection);
+    EXPECT_EQ(connection.Call(1).type, PduType::kResponse);
+    EXPECT_EQ(connection.Call(15, kReadAll).stub, kFailure);
+    EXPECT_THAT(endpoint.Calls(), SizeIs(0));
+    EXPECT_EQ(connection.Call(15, kReadAll).stub, kSuccess);
+    EXPECT_THAT(endpoint.Calls(), SizeIs(1));
+}
+
+TEST(Reading, ShutdownIsAnnouncedToTheEndpoint) {
+    const AgentProcess agent;
+    const CallbackEndpoint endpoint;
+    CommandConnection connection;
+    LogOn(connection);
+    EXPECT_EQ(connection.Call(0).type, PduType::kResponse);
+    ASSERT_TRUE(endpoint.WaitForCalls(1));
+    EXPECT_EQ(agent.WaitForExit(), 0U);
+    const std::vector<CallPdu> calls = endpoint.Calls();
+    ASSERT_THAT(calls, SizeIs(1));
+    EXPECT_EQ(calls.front().procedure, kMAPIServerShutdown);
+    EXPECT_EQ(calls.front().stub, Bytes());
+}
+
+}  // namespace
