@@ -250,6 +250,7 @@ STDMETHODIMP Message::CreateAttach(LPCIID iid, ULONG flags, ULONG* number, LPATT
         PartContent part;
         part.number = m_nextAttachment;
         part.header = Bytes(kAttachmentHeader);
+        part.properties.Set(LongProperty(PR_ATTACH_NUM, static_cast<LONG>(part.number)));
         auto object = MakeObject<Attachment>(this, std::move(part), true);
         RequireInterface(*object.Get(), iid);
         *number = m_nextAttachment++;
