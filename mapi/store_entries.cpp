@@ -63,6 +63,10 @@ ComPtr<IUnknown> OpenStoreEntry(IMsgStore* store, ULONG cb, const ENTRYID* entry
     return store == nullptr ? nullptr : OpenEntry(store, cb, entryId, MAPI_BEST_ACCESS);
 }
 
+ComPtr<IMAPIFolder> OpenStoreFolder(IMsgStore* store, ULONG cb, const ENTRYID* entryId) {
+    return As<IMAPIFolder>(OpenStoreEntry(store, cb, entryId));
+}
+
 ComPtr<IMAPIFolder> GetDefaultFolder(IMsgStore* store, ULONG tag) {
     if (store == nullptr) {
         return nullptr;
@@ -75,7 +79,7 @@ ComPtr<IMAPIFolder> GetDefaultFolder(IMsgStore* store, ULONG tag) {
         return nullptr;
     }
     const SBinary& id = value->Value.bin;
-    return As<IMAPIFolder>(OpenStoreEntry(store, id.cb, reinterpret_cast<const ENTRYID*>(id.lpb)));
+    return OpenStoreFolder(store, id.cb, reinterpret_cast<const ENTRYID*>(id.lpb));
 }
 
 void LoadDefaultFolderIds(IMsgStore* store, CArray<CString>& ids) {

@@ -117,9 +117,14 @@ def parse(document):
     return root
 
 
+def normal(text):
+    """A text with one kind of line end: which one a document has is its service's choice."""
+    return text.replace("\r\n", "\n").replace("\r", "\n")
+
+
 def fields(document):
     """The texts of a document's elements by their names."""
-    return {element.tag: element.text or "" for element in parse(document)}
+    return {element.tag: normal(element.text or "") for element in parse(document)}
 
 
 def local_time(filetime, zone):

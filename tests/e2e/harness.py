@@ -50,7 +50,7 @@ class Place:
         self.root = self.path / "root"
         self.log_file = self.path / "agent.log"
         self._agents = []
-        self._clients = 0
+        self._processes = 0
         self._desktops = 0
         self.bin.mkdir()
         for file in BIN.glob("*.*"):
@@ -82,15 +82,24 @@ class Place:
         return values
 
     def start(self, program, *arguments, runner="run-wine.sh", **more):
-        """Starts a Windows program; `more` are variables of its environment."""
-        return subprocess.Popen([str(ROOT / "tools" / runner), windows_path(program), *map(str, arguments)],
-                                env=self.environment(**more), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                stderr=subprocess.PIPE)
+        """Starts a Windows program; `more` are variables of its environment.
+
+        It writes to files: under Wine an agent that it starts keeps what it writes to open, so a pipe would not end.
+        """
+        self._processes += 1
+        streams = [self.path / f"{self._processes}{name}" for name in (".out", ".err")]
+        with open(streams[0], "wb") as output, open(streams[1], "wb") as errors:
+            process = subprocess.Popen([str(ROOT / "tools" / runner), windows_path(program), *map(str, arguments)],
+                                       env=self.environment(**more), stdin=subprocess.DEVNULL, stdout=output,
+                                       stderr=errors)
+        process.streams = streams
+        return process
 
     def finish(self, process):
         """Waits for the end of a program. Gives its exit status, output and error output."""
-        output, errors = process.communicate(timeout=PATIENCE)
-        return process.returncode, output.decode(), errors.decode()
+        status = process.wait(PATIENCE)
+        output, errors = (stream.read_bytes().decode() for stream in process.streams)
+        return status, output, errors
 
     def start_agent(self, **more):
         agent = self.start(self.bin / AGENT, **more)
@@ -107,8 +116,7 @@ class Place:
 
     def client(self, *arguments, **more):
         """Starts the test client, whose documents go to a folder of their own."""
-        self._clients += 1
-        documents = self.path / f"documents{self._clients}"
+        documents = self.path / f"documents{self._processes}"
         documents.mkdir()
         process = self.start(TEST_BIN / "reader_client.exe", "--out", windows_path(documents), *arguments, **more)
         process.documents = documents
@@ -145,6 +153,17 @@ class Place:
         status, output, errors = self.finish(process)
         if status != 0:
             raise AssertionError(f"no contacts were made: {output}{errors}")
+
+    def multiply_contact(self, text, texts):
+        """Makes copies of the one contact that is there, each with another text of the same length in place of `text`."""
+        [file] = self.contacts.glob("*.msg")
+        content = file.read_bytes()
+        file.unlink()
+        old = text.encode("utf-16-le")
+        assert content.count(old) == 1, f"{text} is not where it can be replaced"
+        for number, new in enumerate(texts):
+            assert len(new) == len(text), new
+            (self.contacts / f"{number:04}.msg").write_bytes(content.replace(old, new.encode("utf-16-le")))
 
 
 def received(process):

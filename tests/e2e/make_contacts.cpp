@@ -107,18 +107,18 @@ class Mail {
         return ComPtr<Interface>(static_cast<Interface*>(object.Get()));
     }
 
+    /// The folder's identifier stands on the Inbox, or on the root of a store without one.
     void OpenContacts() {
         constexpr ULONG kContactFolder = 0x36D10102;  // PR_IPM_CONTACT_ENTRYID
         SBinary inbox{};
-        Require(m_store->GetReceiveFolder(nullptr, 0, &inbox.cb, reinterpret_cast<LPENTRYID*>(&inbox.lpb),
-                                          nullptr),
-                "GetReceiveFolder");
+        const HRESULT found = m_store->GetReceiveFolder(nullptr, 0, &inbox.cb,
+                                                        reinterpret_cast<LPENTRYID*>(&inbox.lpb), nullptr);
         const MapiBuffer<BYTE> owner(inbox.lpb);
-        ComPtr<IMAPIFolder> holder = Open<IMAPIFolder>(inbox);
         MapiBuffer<SPropValue> id;
-        if (pfnHrGetOneProp(holder.Get(), kContactFolder, id.Put()) != S_OK) {
-            holder = Open<IMAPIFolder>(SBinary{});
-            Require(pfnHrGetOneProp(holder.Get(), kContactFolder, id.Put()), "HrGetOneProp");
+        if (found != S_OK ||
+            pfnHrGetOneProp(Open<IMAPIFolder>(inbox).Get(), kContactFolder, id.Put()) != S_OK) {
+            Require(pfnHrGetOneProp(Open<IMAPIFolder>(SBinary{}).Get(), kContactFolder, id.Put()),
+                    "HrGetOneProp");
         }
         m_contacts = Open<IMAPIFolder>(id->Value.bin);
     }

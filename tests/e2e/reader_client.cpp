@@ -105,7 +105,8 @@ void BindToAgent() {
 
 /// The agent may have been started a moment ago.
 void WaitForAgent() {
-    for (DWORD waited = 0; WaitNamedPipeW(kCommandPipe, kPatienceMilliseconds) == 0; waited += kPollMilliseconds) {
+    for (DWORD waited = 0; WaitNamedPipeW(kCommandPipe, kPatienceMilliseconds) == 0;
+         waited += kPollMilliseconds) {
         if (waited >= kPatienceMilliseconds) {
             throw std::runtime_error("there is no agent");
         }

@@ -116,13 +116,10 @@ class Whereabouts(harness.Case):
 
     def make_sub_folders(self):
         """Three contacts, each one folder deeper than the one before."""
-        self.place.make_contacts([surname("top"), surname("middle"), surname("bottom")])
-        middle = self.place.folder("Work/Mail/Contacts/Friends")
-        bottom = self.place.folder("Work/Mail/Contacts/Friends/Close")
-        for file in list(self.place.contacts.glob("*.msg")):
-            for name, folder in ((b"middle", middle), (b"bottom", bottom)):
-                if name.decode().encode("utf-16-le") in file.read_bytes():
-                    file.rename(folder / file.name)
+        for name, path in (("bottom", "Contacts/Friends/Close"), ("middle", "Contacts/Friends"), ("top", "Contacts")):
+            self.place.make_contacts([surname(name)])
+            [file] = self.place.contacts.glob("*.msg")
+            file.rename(self.place.folder(f"Work/Mail/{path}") / file.name)
 
     def test_sub_folders_are_left_alone_without_the_setting(self):
         self.make_sub_folders()

@@ -1,5 +1,7 @@
 """The log of one whole session, character by character."""
 
+import re
+
 import harness
 from contact_fields import tag_line
 
@@ -76,6 +78,8 @@ class Log(harness.Case):
         return self.place.log()
 
     def assert_log(self, log, *lines):
+        # Uninitialising has no result; the line shows the last error of the thread, whatever that was about.
+        log = re.sub(r"(pfnMAPIUninitialize\(0X)[0-9A-F]{8}\)", r"\g<1>00000000)", log)
         # As lists, so that a difference shows its line.
         self.assertEqual(log.splitlines(keepends=True), "".join(lines).splitlines(keepends=True))
 

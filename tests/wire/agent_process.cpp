@@ -20,14 +20,14 @@ std::filesystem::path AgentPath() {
     return std::filesystem::path(value[0] == L'/' ? L"Z:" + std::wstring(value) : value).make_preferred();
 }
 
-std::filesystem::path MakeStore(const std::vector<std::wstring>& surnames) {
+std::filesystem::path MakeStore(const std::vector<std::wstring>& surnames, const std::wstring& body) {
     const std::filesystem::path root =
         std::filesystem::temp_directory_path() / ("zeb-wire-" + std::to_string(GetCurrentProcessId()));
     const std::filesystem::path folder = root / "Work" / "Mail" / "Contacts";
     std::filesystem::create_directories(folder);
     int number = 0;
     for (const std::wstring& surname : surnames) {
-        WriteContactFile(folder / (std::to_string(1000 + ++number) + ".msg"), surname);
+        WriteContactFile(folder / (std::to_string(1000 + ++number) + ".msg"), surname, body);
     }
     return root;
 }
@@ -43,8 +43,8 @@ Handle MakeJob() {
 
 }  // namespace
 
-AgentProcess::AgentProcess(const std::vector<std::wstring>& surnames)
-    : m_program(AgentPath()), m_folder(MakeStore(surnames)), m_job(MakeJob()) {
+AgentProcess::AgentProcess(const std::vector<std::wstring>& surnames, const std::wstring& body)
+    : m_program(AgentPath()), m_folder(MakeStore(surnames, body)), m_job(MakeJob()) {
     SetEnvironmentVariableW(L"LOCALSTORE_ROOT", m_folder.c_str());
     SetEnvironmentVariableW(L"FENNIC64_LOG", (m_folder / kLogName).c_str());
     SetEnvironmentVariableW(L"FENNIC64_LEVEL", L"1");

@@ -13,8 +13,8 @@
 /// object goes. Its local store and its log lie in a temporary folder, which goes as well.
 class AgentProcess {
   public:
-    /// A store with one contact a surname, in this order.
-    explicit AgentProcess(const std::vector<std::wstring>& surnames = {});
+    /// A store with one contact a surname, in this order, all with the same body.
+    explicit AgentProcess(const std::vector<std::wstring>& surnames = {}, const std::wstring& body = {});
     AgentProcess(const AgentProcess&) = delete;
     AgentProcess& operator=(const AgentProcess&) = delete;
     ~AgentProcess();

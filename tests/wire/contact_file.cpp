@@ -12,6 +12,7 @@ namespace {
 constexpr DWORD kAccess = STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
 constexpr std::uint32_t kMessageClass = 0x001A001F;
 constexpr std::uint32_t kSurname = 0x3A11001F;
+constexpr std::uint32_t kBody = 0x1000001F;
 /// Readable and writable.
 constexpr std::uint32_t kPropertyFlags = 6;
 
@@ -44,13 +45,15 @@ void AddText(IStorage* storage, ByteWriter& entries, std::uint32_t tag, const st
 
 }  // namespace
 
-void WriteContactFile(const std::filesystem::path& path, const std::wstring& surname) {
+void WriteContactFile(const std::filesystem::path& path, const std::wstring& surname,
+                      const std::wstring& body) {
     ComPtr<IStorage> storage;
     Require(StgCreateDocfile(path.c_str(), kAccess, 0, storage.GetAddressOf()));
     ByteWriter entries;
     entries.Raw(Bytes(32));  // the header: no recipients, no attachments
     AddText(storage.Get(), entries, kMessageClass, L"IPM.Contact");
     AddText(storage.Get(), entries, kSurname, surname);
+    AddText(storage.Get(), entries, kBody, body);
     WriteStream(storage.Get(), L"__properties_version1.0", entries.Written());
 
     // Every message has the table of named properties, even if it names none.
