@@ -8,5 +8,5 @@ function(zeb_install DESTINATION)
   endforeach()
 endfunction()
 
-zeb_install(. ZebAgentForOutlook64 fennic64 dunmere64bit zebdesk)
+zeb_install(. ZebAgentForOutlook64 fennic64 dunmere64bit zebdesk zebdesk32)
 zeb_install(localstore mapi32)
