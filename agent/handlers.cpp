@@ -38,6 +38,22 @@ void MAPILogOff() {
     g_MAPIObject.MAPILogOff();
 }
 
+void GetAppProfile(wchar_t* profiles, long* status) {
+    *status = g_MAPIObject.GetAppProfile(profiles);
+}
+
+void GetAppFolder(wchar_t* folders, long* status) {
+    *status = g_MAPIObject.GetAppFolder(folders);
+}
+
+void SetContactFolder(wchar_t* selection, long* status) {
+    *status = g_MAPIObject.SetContactFolder(selection);
+}
+
+void SetCalendarFolder(wchar_t* selection, long* status) {
+    *status = g_MAPIObject.SetCalendarFolder(selection);
+}
+
 void GetContactCount(long* count, long* status) {
     *count = g_MAPIObject.GetContactCount();
     *status = kStatusSuccess;
@@ -62,22 +78,6 @@ void ReadContacts(wchar_t* /*ignored*/, wchar_t* lParam1, long* status) {
 }
 
 // Procedures that are not served: each fails, with outputs that carry nothing.
-
-void GetAppProfile(wchar_t* /*profiles*/, long* status) {
-    *status = kStatusFailure;
-}
-
-void GetAppFolder(wchar_t* /*folders*/, long* status) {
-    *status = kStatusFailure;
-}
-
-void SetContactFolder(wchar_t* /*selection*/, long* status) {
-    *status = kStatusFailure;
-}
-
-void SetCalendarFolder(wchar_t* /*selection*/, long* status) {
-    *status = kStatusFailure;
-}
 
 void WriteContacts(wchar_t* /*xml*/, wchar_t* id, wchar_t* time, long* status) {
     ReturnNothing(id, time, status);

@@ -7,6 +7,7 @@
 #include "command.h"
 #include "support/application.h"
 #include "support/log.h"
+#include "support/log_file.h"
 #include "support/mapi_entry_points.h"
 #include "support/settings.h"
 #include "support/user_folders.h"
@@ -14,6 +15,8 @@
 HMODULE g_hMAPI32 = nullptr;
 
 namespace {
+
+constexpr int kDefaultLogLevel = 4;
 
 RPC_WSTR RpcText(wchar_t* text) {
     return reinterpret_cast<RPC_WSTR>(text);
@@ -50,6 +53,7 @@ int RunAgent(HINSTANCE instance) {
 
 int InitAgent() {
     g_hOutlookBinding = nullptr;
+    CLogFile::Init(L"ZebAgentOutlook64", false, kDefaultLogLevel);
     g_hMAPI32 = LoadLibraryA("MAPI32.dll");
     if (g_hMAPI32 == nullptr) {
         Log(kLogFailure, L"unable open MAPI32.dll failed\n");

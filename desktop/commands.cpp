@@ -132,6 +132,19 @@ void RunCommand(const std::vector<CString>& words) {
     RequireCommand(arguments).run(arguments);
 }
 
+/// What the user can do about a failure, behind its message.
+WideView HintFor(ExitCode code) {
+    switch (code) {
+        case ExitCode::kUsage:
+            return L"; \"zebdesk --help\" tells more";
+        case ExitCode::kLogonRefused:
+        case ExitCode::kReadFailed:
+            return L"; the agent's log, in the folder Logs beside it, may tell why";
+        default:
+            return {};
+    }
+}
+
 }  // namespace
 
 ExitCode RunDesktop(const std::vector<CString>& arguments) {
@@ -140,8 +153,8 @@ ExitCode RunDesktop(const std::vector<CString>& arguments) {
         RunCommand(arguments);
         return ExitCode::kOk;
     } catch (const Failure& failure) {
-        const CString hint = failure.Code() == ExitCode::kUsage ? L"; \"zebdesk --help\" tells more" : L"";
-        OutputStream(STD_ERROR_HANDLE).Write((L"zebdesk: " + failure.Message() + hint + L"\n").c_str());
+        const CString line = L"zebdesk: " + failure.Message() + CString(HintFor(failure.Code())) + L"\n";
+        OutputStream(STD_ERROR_HANDLE).Write(line.View());
         return failure.Code();
     }
 }

@@ -28,7 +28,7 @@ std::optional<Failure> CallRead(const AgentConnection& agent, const ItemKind& ki
     if (status != 0 && Interrupted()) {
         return Failure(ExitCode::kInterrupted, L"interrupted");
     }
-    return status != 0 ? std::optional(Failure(ExitCode::kReadFailed, L"the agent ended the read"))
+    return status != 0 ? std::optional(Failure(ExitCode::kReadFailed, L"the agent could not finish the read"))
                        : std::nullopt;
 }
 
@@ -38,12 +38,12 @@ void Judge(const ItemReader& reader, const ItemKind& kind, std::size_t expected,
     if (reader.OutputFailure()) {
         throw Failure(*reader.OutputFailure());
     }
-    const CString share = CString::Format(L"%Iu of %Iu %s", reader.Received(), expected, kind.word);
+    const CString share = CString::Format(L"%Iu of %Iu %s", reader.Taken(), expected, kind.word);
     if (readFailure) {
         throw Failure(readFailure->Code(), readFailure->Message() + L" after " + share);
     }
-    if (reader.Received() < expected) {
-        throw Failure(ExitCode::kReadFailed, L"only " + share + L" arrived");
+    if (reader.Taken() < expected) {
+        throw Failure(ExitCode::kReadFailed, L"the agent sent only " + share);
     }
     if (reader.Invalid() != 0) {
         throw Failure(ExitCode::kReadFailed, CString::Format(L"%Iu documents are damaged", reader.Invalid()));
@@ -53,7 +53,7 @@ void Judge(const ItemReader& reader, const ItemKind& kind, std::size_t expected,
 void PrintSummary(const ItemReader& reader, const ItemKind& kind, const Arguments& arguments) {
     if (!arguments.Has(kOptionQuiet)) {
         const CString where = arguments.Has(kOptionOut) ? L" written to " + arguments.out : CString(L" read");
-        const CString line = CString::Format(L"%Iu %s%s\n", reader.Received(), kind.word, where.c_str());
+        const CString line = CString::Format(L"%Iu %s%s\n", reader.Taken(), kind.word, where.c_str());
         OutputStream(STD_ERROR_HANDLE).Write(line.View());
     }
 }
@@ -82,6 +82,7 @@ void ReadItems(const ItemKind& kind, const Arguments& arguments) {
     ProgressBar progress(expected, drawBar);
     ItemReader reader(kind, *output, progress);
     const std::optional<Failure> readFailure = CallRead(agent, kind, reader);
+    reader.Finish();
     progress.Clear();
     if (!reader.OutputFailure()) {
         output->Finish();

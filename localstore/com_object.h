@@ -90,9 +90,7 @@ class ComObject : public Refusing {
 /// Makes an object and gives the one reference to it to its owner.
 template<class Object, class... Arguments>
 ComPtr<Object> MakeObject(Arguments&&... arguments) {
-    ComPtr<Object> object;
-    object.Attach(new Object(std::forward<Arguments>(arguments)...));
-    return object;
+    return Adopt(new Object(std::forward<Arguments>(arguments)...));
 }
 
 /// What the recorder calls an object; empty for one that is not the store's.

@@ -16,7 +16,7 @@ template<class Object>
 Opened Handed(ComPtr<Object> object, ULONG type, LPCIID iid) {
     RequireInterface(*object.Get(), iid);
     Opened opened;
-    opened.object.Attach(object.Detach());
+    opened.object = Adopt<IUnknown>(object.Detach());
     opened.type = type;
     return opened;
 }

@@ -190,9 +190,7 @@ ComPtr<IStream> OpenStreamOf(const PropertySource& source, IUnknown* owner, Prop
         RequireSuccess(
             target->SetOne(IsString(asked) ? Property::OfText(typed, {}) : Property::OfBytes(typed, {})));
     }
-    ComPtr<IStream> result;
-    result.Attach(stream.Detach());
-    return result;
+    return Adopt<IStream>(stream.Detach());
 }
 
 }  // namespace localstore

@@ -6,41 +6,13 @@
 
 #include <functional>
 
-#include "mapi/table_rows.h"
+#include "mapi/folder_tables.h"
 
 /// A kind of item and the words that its log lines use.
 struct ItemKind {
     const wchar_t* messageClass;    ///< items of exactly this class are read
     const wchar_t* containerClass;  ///< sub-folders of exactly this class are entered
     const wchar_t* folderMember;    ///< the name of the chosen folder in the log
-};
-
-/// Opens folders and reads tables for one operation, and logs each result in its name.
-class FolderWalk {
-  public:
-    FolderWalk(const ItemKind& kind, const wchar_t* operation) : m_kind(kind), m_operation(operation) {}
-
-    /// Opens a folder through the chosen one. Null on failure.
-    [[nodiscard]] ComPtr<IMAPIFolder> Open(IMAPIFolder* chosen, const SBinary& entryId) const;
-    /// The folder's items of the kind. Without rows on failure.
-    [[nodiscard]] TableRows Contents(IMAPIFolder* folder, const SPropTagArray* columns) const;
-    /// The folder's sub-folders of the kind, with the columns of SubFolderColumn. Without rows on failure.
-    [[nodiscard]] TableRows SubFolders(IMAPIFolder* folder) const;
-
-  private:
-    [[nodiscard]] RowSet Query(IMAPITable* table, const SPropTagArray* columns, ULONG restrictedTag,
-                               const wchar_t* value) const;
-
-    const ItemKind& m_kind;
-    const wchar_t* m_operation;
-};
-
-/// The columns of a table of sub-folders, in order.
-enum SubFolderColumn : unsigned {
-    kSubFolderClass,
-    kSubFolderName,
-    kSubFolderEntryId,
-    kSubFolderHasSubFolders
 };
 
 /// The name and the identifier of the chosen folder, read from the folder itself.

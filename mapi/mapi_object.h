@@ -9,6 +9,7 @@
 #include "support/containers.h"
 #include "support/owners.h"
 #include "support/text.h"
+#include "support/xml_parser.h"
 
 struct FolderIdentity;
 
@@ -41,6 +42,33 @@ class CMAPIObject {
     /// Interrupts the running read; without one, the next read that has items.
     void Stop();
 
+    // profile_document.cpp and folder_document.cpp: what there is to choose from.
+
+    /// Writes the list of profiles to its file. Works without a logon too. Returns 0 for success and 1 for
+    /// failure.
+    int GetAppProfile(wchar_t* lpszProfiles);
+    /// Writes the folder trees of all stores to their file. Returns 0 for success and 1 for failure.
+    int GetAppFolder(wchar_t* lpszFolders);
+    /// Appends one store of the store table with its folders. Returns 1 or 0; a store that does not open is
+    /// no failure.
+    int GetAppFolderFromStore(const SRow* row, CXMLParser& document, IXMLDOMNode* parent, int depth);
+    /// Appends the sub-folders of a folder, with theirs. Returns 1 or 0.
+    int GetAppFolderFromFolder(IMsgStore* store, const SBinary& entryId, CXMLParser& document,
+                               IXMLDOMNode* parent, int depth);
+
+    // folder_choice.cpp: the folders to work on.
+
+    /// Makes a folder the one that contacts are read from and written to. Returns 0, or 1 with the earlier
+    /// one kept.
+    int SetContactFolder(const wchar_t* selection);
+    /// The same for calendar items; the folder stands in an event element of the selection.
+    int SetCalendarFolder(const wchar_t* selection);
+    /// The folder of a selection, or for an empty one the default folder that a property names. Null if there
+    /// is none.
+    ComPtr<IMAPIFolder> GetOutlookFolder(const CString& selection, ULONG defaultTag);
+    /// The folder of an identifier as text, searched for in all stores. Null if no store accepts it.
+    ComPtr<IMAPIFolder> GetOutlookFolderFromEntryID(const CString& hexId);
+
     // contacts/contact_reading.cpp.
 
     /// The number of contacts that a full read sends; 0 without a contact folder.
@@ -68,9 +96,18 @@ class CMAPIObject {
     CArray<CString> m_arrDefaultFolderIds;  ///< hexadecimal, by folder type number
 
   private:
-    void InitializeMAPI();
+    bool InitializeMAPI();
     bool OpenSession(const wchar_t* profile);
     bool OpenDefaultStore();
+    void WriteProfileDocument(CXMLParser& document, const wchar_t* lpszProfiles);
+    void OpenProfileAdministration();
+    void WriteFolderDocument(CXMLParser& document, const wchar_t* lpszFolders);
+    bool AppendStoreFolders(const SRow& row, CXMLParser& document, IXMLDOMNode* node, int depth);
+    bool AppendSubFolders(IMsgStore* store, const SBinary& entryId, CXMLParser& document, IXMLDOMNode* parent,
+                          int depth);
+    bool AppendFolder(IMsgStore* store, const SRow& row, CXMLParser& document, IXMLDOMNode* parent,
+                      int depth);
+    ComPtr<IMAPIFolder> SearchStores(const CString& hexId);
     bool ReadChosenContacts(const CString& lParam1);
     bool ReadAllContacts(const FolderIdentity& identity);
     void SendContactRow(const SRow& row, const CString& path);

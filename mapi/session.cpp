@@ -49,8 +49,7 @@ int CMAPIObject::MAPILogOn(ULONG /*reserved*/, const wchar_t* profile) {
     Log(kLogTrace, L"CMAPIObject::MAPILogOn - Begin ---------ProfileName(%s)\r\n", profile);
     bool loggedOn = false;
     try {
-        InitializeMAPI();
-        loggedOn = m_bMAPIInitialized != 0 && OpenSession(profile) && OpenDefaultStore();
+        loggedOn = InitializeMAPI() && OpenSession(profile) && OpenDefaultStore();
     } catch (...) {
         Log(kLogFailure, L"CMAPIObject::MAPILogOn - Failed\r\n");
         loggedOn = false;
@@ -63,15 +62,15 @@ int CMAPIObject::MAPILogOn(ULONG /*reserved*/, const wchar_t* profile) {
     return m_bLoggedOn;
 }
 
-void CMAPIObject::InitializeMAPI() {
-    // The table is filled front to back, so its last member tells whether the mail system is there at all.
-    if (pfnHrQueryAllRows == nullptr) {
+bool CMAPIObject::InitializeMAPI() {
+    if (!IsMAPILoaded()) {
         AfxThrowUserException();
     }
     if (m_bMAPIInitialized == 0) {
         MAPIINIT_0 init{MAPI_INIT_VERSION, 0};
         m_bMAPIInitialized = pfnMAPIInitialize(&init) == S_OK ? 1 : 0;
     }
+    return m_bMAPIInitialized != 0;
 }
 
 bool CMAPIObject::OpenSession(const wchar_t* profile) {

@@ -13,9 +13,7 @@ constexpr ULONG kModifyAccess = MAPI_BEST_ACCESS | MAPI_MODIFY;
 /// out the object's own one.
 template<class Interface>
 ComPtr<Interface> As(ComPtr<IUnknown> object) {
-    ComPtr<Interface> typed;
-    typed.Attach(static_cast<Interface*>(object.Detach()));
-    return typed;
+    return Adopt(static_cast<Interface*>(object.Detach()));
 }
 
 template<class Container>
@@ -65,6 +63,10 @@ ComPtr<IUnknown> OpenStoreEntry(IMsgStore* store, ULONG cb, const ENTRYID* entry
     return store == nullptr ? nullptr : OpenEntry(store, cb, entryId, MAPI_BEST_ACCESS);
 }
 
+ComPtr<IMAPIFolder> OpenStoreFolder(IMsgStore* store, ULONG cb, const ENTRYID* entryId) {
+    return As<IMAPIFolder>(OpenStoreEntry(store, cb, entryId));
+}
+
 ComPtr<IMAPIFolder> GetDefaultFolder(IMsgStore* store, ULONG tag) {
     if (store == nullptr) {
         return nullptr;
@@ -77,7 +79,7 @@ ComPtr<IMAPIFolder> GetDefaultFolder(IMsgStore* store, ULONG tag) {
         return nullptr;
     }
     const SBinary& id = value->Value.bin;
-    return As<IMAPIFolder>(OpenStoreEntry(store, id.cb, reinterpret_cast<const ENTRYID*>(id.lpb)));
+    return OpenStoreFolder(store, id.cb, reinterpret_cast<const ENTRYID*>(id.lpb));
 }
 
 void LoadDefaultFolderIds(IMsgStore* store, CArray<CString>& ids) {

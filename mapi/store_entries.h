@@ -11,6 +11,9 @@
 /// Opens a message or folder of a store with the best access there is. Null for a null store.
 ComPtr<IUnknown> OpenStoreEntry(IMsgStore* store, ULONG cb, const ENTRYID* entryId);
 
+/// The same for an entry that is a folder.
+ComPtr<IMAPIFolder> OpenStoreFolder(IMsgStore* store, ULONG cb, const ENTRYID* entryId);
+
 /// The default folder that a property names, such as PR_IPM_CONTACT_ENTRYID: looked for on the Inbox, then on
 /// the root of the store. Null if neither has it as a binary value, and for a null store.
 ComPtr<IMAPIFolder> GetDefaultFolder(IMsgStore* store, ULONG tag);

@@ -22,3 +22,8 @@ extern decltype(&HrQueryAllRows) pfnHrQueryAllRows;
 /// Fills the table from a loaded MAPI library, in the order above, and stops at the first function that is
 /// missing: the members behind it stay null. Returns 1 if all ten were found and 0 otherwise.
 int FillMAPIEntryPoints(HMODULE library);
+
+/// True if the table is complete: it is filled front to back.
+inline bool IsMAPILoaded() {
+    return pfnHrQueryAllRows != nullptr;
+}

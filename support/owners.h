@@ -13,6 +13,15 @@
 template<class Interface>
 using ComPtr = Microsoft::WRL::ComPtr<Interface>;
 
+/// Takes over the one reference that the caller has. ComPtr::Attach is not that everywhere: the one of MinGW-w64 adds a
+/// reference.
+template<class Interface>
+ComPtr<Interface> Adopt(Interface* object) noexcept {
+    ComPtr<Interface> owner;
+    *owner.GetAddressOf() = object;
+    return owner;
+}
+
 /// Owns one resource of a kind that `Traits` describes: its `Type`, its `Empty` value and how to `Close` it.
 template<class Traits>
 class Owner {

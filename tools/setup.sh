@@ -13,8 +13,9 @@ required=(
 # These serve lint, the sanitized and fuzzed builds, the independent reader of .msg files and the 32-bit Wine.
 wanted=(clang clang-format clang-tidy libclang-rt-14-dev python3 python3-olefile libc6-i386)
 
-# What the 32-bit Wine loads besides itself. Without FreeType every program begins with a complaint.
-wine32_libraries=(libfreetype6 libpng16-16 zlib1g libbrotli1 libbz2-1.0)
+# What the 32-bit Wine loads besides itself. Without FreeType every program begins with a complaint, and with FreeType but
+# without Fontconfig it hangs when it makes its first window.
+wine32_libraries=(libfreetype6 libpng16-16 zlib1g libbrotli1 libbz2-1.0 libfontconfig1 libexpat1)
 
 wine64_loader=/usr/lib/wine/wine64
 wine32_root=$here/build/wine32/root

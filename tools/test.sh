@@ -21,32 +21,39 @@ count_results() {
   passed=$((passed + all - bad - off - left_out))
 }
 
+fail() {
+  printf 'test: %s\n' "$1" >&2
+  failed=$((failed + 1))
+}
+
 # Runs the tests of one preset: run_tests PRESET [ARGUMENT of ctest...]
 run_tests() {
-  local preset=$1 results=$PWD/build/$1/test-results.xml
+  local preset=$1 results=$PWD/build/$1/test-results.xml status=0 failed_before=$failed
   shift
   printf '== test: %s\n' "$preset"
   rm -f "$results"
-  ctest --preset "$preset" --no-tests=error --output-junit "$results" "$@" || true
-  if [ -s "$results" ]; then
-    count_results "$results"
-  else
-    printf 'test: NO RESULTS of %s\n' "$preset" >&2
-    failed=$((failed + 1))
+  ctest --preset "$preset" --no-tests=error --output-junit "$results" "$@" || status=$?
+  [ ! -s "$results" ] || count_results "$results"
+  # A program that could not be started at all stands in the file as one that was left out.
+  if [ "$status" -ne 0 ] && [ "$failed" -eq "$failed_before" ]; then
+    fail "ctest of $preset ended with $status"
   fi
 }
 
-tools/build.sh release desktop32
-tools/check_products.sh
-keep_wine_server
-run_tests release
-
-if command -v clang++ >/dev/null; then
-  tools/build.sh sanitize
-  run_tests sanitize -j "$(nproc)"
+if tools/build.sh release desktop32 && tools/check_products.sh; then
+  keep_wine_server
+  run_tests release
 else
+  fail "THE PROGRAMS WERE NOT BUILT"
+fi
+
+if ! command -v clang++ >/dev/null; then
   printf 'test: NO CLANG ON THIS MACHINE, so nothing was tested with the sanitizers\n'
   skipped=$((skipped + 1))
+elif tools/build.sh sanitize; then
+  run_tests sanitize -j "$(nproc)"
+else
+  fail "THE SANITIZED BUILD FAILED"
 fi
 
 printf '%d passed, %d failed, %d skipped\n' "$passed" "$failed" "$skipped"

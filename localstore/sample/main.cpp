@@ -1,6 +1,6 @@
-// zebsample ROOT [COUNT]: makes a sample of profiles, stores and contacts below ROOT, which a local store
-// serves from then on, and COUNT plain contacts more. All messages are written through the MAPI interface of
-// the MAPI32.dll that is found first: run it where that is the local store's.
+// zebsample ROOT [COUNT]: makes profiles with stores and contacts below ROOT, which the local store serves
+// from then on, and in the second profile COUNT plain contacts. All messages are written through the MAPI
+// interface, as any program would.
 
 #include <windows.h>
 
@@ -24,10 +24,8 @@ ComPtr<IMAPIFolder> OpenFolderOf(sample::SampleSession& session, IMAPIFolder* co
                                            : session.OpenSubFolder(contacts, name);
 }
 
-void MakeSample(const std::wstring& root, unsigned furtherContacts) {
-    sample::MakeSampleTree(root);
-    sample::RequireTrue(SetEnvironmentVariableW(L"LOCALSTORE_ROOT", root.c_str()) != FALSE, L"name the root");
-    sample::SampleSession session;
+unsigned WriteSampleItems() {
+    sample::SampleSession session(sample::kSampleProfile);
     sample::NamedTags tags;
     const ComPtr<IMAPIFolder> contacts = session.OpenContacts();
     unsigned written = 0;
@@ -35,11 +33,27 @@ void MakeSample(const std::wstring& root, unsigned furtherContacts) {
         sample::WriteItem(OpenFolderOf(session, contacts.Get(), item.folder).Get(), item, tags);
         ++written;
     }
-    for (unsigned number = 0; number < furtherContacts; ++number) {
+    return written;
+}
+
+void WriteFurtherContacts(unsigned count) {
+    sample::SampleSession session(sample::kSecondProfile);
+    sample::NamedTags tags;
+    const ComPtr<IMAPIFolder> contacts = session.OpenContacts();
+    for (unsigned number = 0; number < count; ++number) {
         sample::WriteItem(contacts.Get(), sample::FurtherContact(number), tags);
-        ++written;
     }
-    std::printf("%u items written\n", written);
+}
+
+void MakeSample(const std::wstring& root, unsigned furtherContacts) {
+    sample::MakeSampleTree(root);
+    sample::RequireTrue(SetEnvironmentVariableW(L"LOCALSTORE_ROOT", root.c_str()) != FALSE, L"name the root");
+    sample::Require(CoInitializeEx(nullptr, COINIT_MULTITHREADED), L"begin with COM");
+    sample::LoadMapi();
+    const unsigned written = WriteSampleItems();
+    WriteFurtherContacts(furtherContacts);
+    std::printf("%u items in profile %ls, %u in profile %ls\n", written, sample::kSampleProfile,
+                furtherContacts, sample::kSecondProfile);
 }
 
 /// A number of the command line; false for anything else.

@@ -27,8 +27,7 @@ struct SampleItem {
 /// All items, in the order in which they are written.
 std::span<const SampleItem> SampleItems();
 
-/// The item number `number` of a large sample: a plain contact of the default contact folder, put together
-/// from lists.
+/// One of any number of plain contacts of the default contact folder, put together from lists.
 SampleItem FurtherContact(unsigned number);
 
 }  // namespace sample

@@ -10,15 +10,6 @@ namespace {
 
 constexpr ULONG kContactFolderTag = 0x36D10102;  // PR_IPM_CONTACT_ENTRYID
 
-/// The library stays loaded until the process ends: what it made may be asked for its last reference late.
-void LoadMapi() {
-    const HMODULE library = LoadLibraryW(L"MAPI32.dll");
-    RequireTrue(library != nullptr, L"load MAPI32.dll");
-    if (FillMAPIEntryPoints(library) == 0) {
-        throw SampleError{L"find the functions of MAPI32.dll", E_NOINTERFACE};
-    }
-}
-
 /// The one row in which a property has a value.
 RowSet QueryRow(IMAPITable* table, const SPropTagArray* columns, SPropValue& value, const wchar_t* doing) {
     SRestriction restriction{};
@@ -53,15 +44,22 @@ ComPtr<IMAPIFolder> OpenFolder(Container* container, const SBinary& id, const wc
 
 }  // namespace
 
-SampleSession::SampleSession() {
-    Require(CoInitializeEx(nullptr, COINIT_MULTITHREADED), L"begin with COM");
-    LoadMapi();
+void LoadMapi() {
+    const HMODULE library = LoadLibraryW(L"MAPI32.dll");
+    RequireTrue(library != nullptr, L"load MAPI32.dll");
+    if (FillMAPIEntryPoints(library) == 0) {
+        throw SampleError{L"find the functions of MAPI32.dll", E_NOINTERFACE};
+    }
+}
+
+SampleSession::SampleSession(const wchar_t* profile) {
     MAPIINIT_0 init{MAPI_INIT_VERSION, 0};
     Require(pfnMAPIInitialize(&init), L"begin with MAPI");
-    Require(pfnMAPILogonEx(0, nullptr, nullptr,
-                           MAPI_UNICODE | MAPI_EXTENDED | MAPI_NEW_SESSION | MAPI_USE_DEFAULT,
+    std::wstring name = profile;
+    Require(pfnMAPILogonEx(0, reinterpret_cast<LPTSTR>(name.data()), nullptr,
+                           MAPI_UNICODE | MAPI_EXTENDED | MAPI_EXPLICIT_PROFILE | MAPI_NEW_SESSION,
                            m_session.GetAddressOf()),
-            L"log on to the default profile");
+            L"log on");
     OpenDefaultStore();
 }
 
@@ -72,7 +70,6 @@ SampleSession::~SampleSession() {
     }
     m_session.Reset();
     pfnMAPIUninitialize();
-    CoUninitialize();
 }
 
 void SampleSession::OpenDefaultStore() {

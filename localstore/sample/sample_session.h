@@ -6,11 +6,15 @@
 
 namespace sample {
 
-/// A session with the default store of the default profile, for as long as the object lives. COM and MAPI are
-/// initialised with it.
+/// Loads MAPI32.dll, which stays until the process ends: what it made may be asked for its last reference
+/// late.
+void LoadMapi();
+
+/// A session with the default store of a profile, for as long as the object lives. MAPI must be loaded, and
+/// COM initialised on the thread.
 class SampleSession {
   public:
-    SampleSession();
+    explicit SampleSession(const wchar_t* profile);
     SampleSession(const SampleSession&) = delete;
     SampleSession& operator=(const SampleSession&) = delete;
     ~SampleSession();

@@ -65,6 +65,9 @@ void MakeDirectory(const std::wstring& path) {
 
 void MakeSampleTree(const std::wstring& root) {
     MakeDirectory(root);
+    if (GetFileAttributesW((root + L"\\" + kSampleProfile).c_str()) != INVALID_FILE_ATTRIBUTES) {
+        throw SampleError{L"make a sample where there is one", HRESULT_FROM_WIN32(ERROR_ALREADY_EXISTS)};
+    }
     for (const SampleDirectory& directory : kDirectories) {
         const std::wstring path = root + L"\\" + directory.path;
         MakeDirectory(path);

@@ -266,8 +266,8 @@ TEST_F(Session, MessageOpensByItsIdentifierForChanges) {
     ASSERT_EQ(g_MAPIObject.ReadContacts(L""), 0);
     const std::vector<std::string> opens = CallsOf("IMAPIFolder::OpenEntry");
     ASSERT_EQ(opens.size(), 3U);  // the folder to count, the folder to read, the message
-    EXPECT_NE(opens[0].find("0x10"), std::string::npos) << opens[0];
-    EXPECT_NE(opens[2].find("0x11"), std::string::npos) << opens[2];
+    EXPECT_NE(opens[0].find("flags=0x00000010"), std::string::npos) << opens[0];
+    EXPECT_NE(opens[2].find("flags=0x00000011"), std::string::npos) << opens[2];
     TakeSent();
 }
 

@@ -72,14 +72,15 @@ ComPtr<IMAPIFolder> SubFolder(IMAPIFolder* folder, const std::wstring& name) {
     throw std::runtime_error("no such folder");
 }
 
-ComPtr<IMsgStore> DefaultStore(IMAPISession* session) {
-    SizedSPropTagArray(2, columns) = {2, {PR_DEFAULT_STORE, PR_ENTRYID}};
+/// The store of a name, or the default one for an empty name.
+ComPtr<IMsgStore> StoreOf(IMAPISession* session, const std::wstring& name) {
+    SizedSPropTagArray(3, columns) = {3, {PR_DEFAULT_STORE, PR_ENTRYID, PR_DISPLAY_NAME_W}};
     ComPtr<IMAPITable> stores;
     Require(session->GetMsgStoresTable(0, stores.GetAddressOf()), "stores");
     const RowSet rows = AllRows(stores.Get(), reinterpret_cast<const SPropTagArray*>(&columns));
     for (ULONG i = 0; i < rows->cRows; ++i) {
         const SPropValue* values = rows->aRow[i].lpProps;
-        if (values[0].Value.b != 0) {
+        if (name.empty() ? values[0].Value.b != 0 : name == values[2].Value.lpszW) {
             ComPtr<IMsgStore> store;
             Require(session->OpenMsgStore(0, values[1].Value.bin.cb,
                                           reinterpret_cast<LPENTRYID>(values[1].Value.bin.lpb), nullptr,
@@ -88,7 +89,7 @@ ComPtr<IMsgStore> DefaultStore(IMAPISession* session) {
             return store;
         }
     }
-    throw std::runtime_error("no default store");
+    throw std::runtime_error("no such store");
 }
 
 }  // namespace
@@ -159,14 +160,15 @@ void PropertyValues::SetOn(IMAPIProp* object) const {
     }
 }
 
-FolderWriter::FolderWriter(const std::wstring& profile, const std::wstring& folderPath) {
+FolderWriter::FolderWriter(const std::wstring& profile, const std::wstring& folderPath,
+                           const std::wstring& storeName) {
     MAPIINIT_0 init{MAPI_INIT_VERSION, 0};
     Require(pfnMAPIInitialize(&init), "MAPIInitialize");
     Require(pfnMAPILogonEx(0, reinterpret_cast<LPTSTR>(const_cast<wchar_t*>(profile.c_str())), nullptr,
                            MAPI_UNICODE | MAPI_EXTENDED | MAPI_EXPLICIT_PROFILE | MAPI_NEW_SESSION,
                            m_session.GetAddressOf()),
             "MAPILogonEx");
-    const ComPtr<IMsgStore> store = DefaultStore(m_session.Get());
+    const ComPtr<IMsgStore> store = StoreOf(m_session.Get(), storeName);
     MapiBuffer<SPropValue> top;
     Require(pfnHrGetOneProp(store.Get(), PR_IPM_SUBTREE_ENTRYID, top.Put()), "top of the tree");
     ULONG type = 0;
@@ -185,6 +187,12 @@ FolderWriter::~FolderWriter() {
         m_session.Reset();
     }
     pfnMAPIUninitialize();
+}
+
+CString FolderWriter::FolderId() const {
+    MapiBuffer<SPropValue> id;
+    Require(pfnHrGetOneProp(m_folder.Get(), PR_ENTRYID, id.Put()), "PR_ENTRYID");
+    return BinaryToHexString(id->Value.bin.lpb, id->Value.bin.cb);
 }
 
 ComPtr<IMessage> FolderWriter::NewMessage(const wchar_t* messageClass, const PropertyValues& values) {

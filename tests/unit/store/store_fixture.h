@@ -32,12 +32,15 @@ class PropertyValues {
 /// Writes what a test needs into one folder of a store, as a mail program would.
 class FolderWriter {
   public:
-    /// Logs on to a profile of the store under the root and opens a folder of its default store, such as
-    /// L"Contacts\\Private".
-    FolderWriter(const std::wstring& profile, const std::wstring& folderPath);
+    /// Logs on to a profile under the root and opens a folder, such as L"Contacts\\Private", of its default
+    /// store or of the one that is named.
+    FolderWriter(const std::wstring& profile, const std::wstring& folderPath, const std::wstring& store = {});
     FolderWriter(const FolderWriter&) = delete;
     FolderWriter& operator=(const FolderWriter&) = delete;
     ~FolderWriter();
+
+    /// The identifier of the folder as the agent writes it.
+    [[nodiscard]] CString FolderId() const;
 
     /// A new message of a class with some properties; not saved yet.
     ComPtr<IMessage> NewMessage(const wchar_t* messageClass, const PropertyValues& values = {});
@@ -65,6 +68,9 @@ class StoreTest : public ::testing::Test {
 
     void MakeFolder(const std::wstring& path) const;
     void WriteFile(const std::wstring& path, const std::string& text) const;
+
+    /// The identifier of a folder of the default store of profile Work.
+    static CString FolderId(const std::wstring& path) { return FolderWriter(L"Work", path).FolderId(); }
 
     /// Logs the agent on and forgets the lines and calls that it took.
     static void LogOn(const wchar_t* profile = L"Work");

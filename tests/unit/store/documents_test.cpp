@@ -1,0 +1,356 @@
+// The profile document and the folder document, character for character, with their lines as whole sequences.
+
+#include <mapitags.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "localstore/recorder.h"
+#include "mapi/hex_text.h"
+#include "support/settings.h"
+#include "tests/unit/store/store_fixture.h"
+#include "tests/unit/text_printer.h"
+
+namespace {
+
+namespace recorder = localstore::recorder;
+
+constexpr const char* kDeclaration = "<?xml version='1.0' encoding='utf-8'?>\n";
+
+std::string Narrow(const CString& text) {
+    std::string narrow;
+    for (const wchar_t unit : text) {
+        narrow += static_cast<char>(unit);
+    }
+    return narrow;
+}
+
+class Documents : public StoreTest {
+  protected:
+    void SetUp() override {
+        StoreTest::SetUp();
+        m_documents = m_root + L"-documents";
+        std::filesystem::create_directories(m_documents);
+        g_strOutlookXml = CString((m_documents + L"\\Outlook.xml").c_str());
+        g_strProfileXml = CString((m_documents + L"\\Profile.xml").c_str());
+    }
+    void TearDown() override {
+        g_strOutlookXml.clear();
+        g_strProfileXml.clear();
+        StoreTest::TearDown();
+        std::error_code ignored;
+        std::filesystem::remove_all(m_documents, ignored);
+    }
+
+    /// A saved document behind its declaration, with the line ends as they are in the file.
+    static std::string Saved(const CString& path) {
+        std::ifstream file(std::filesystem::path(path.c_str()), std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(file), {}};
+        EXPECT_TRUE(text.starts_with(kDeclaration)) << text;
+        // Behind the root element the platform's service may write a line end of its own.
+        return text.substr(std::min(text.size(), std::string(kDeclaration).size()),
+                           text.find_last_of('>') - std::string(kDeclaration).size() + 1);
+    }
+    /// A folder of the document without sub-folders, at a depth.
+    static std::string Node(const char* attributes, const std::string& name, const std::string& id,
+                            int depth) {
+        const std::string tabs(static_cast<std::size_t>(depth), '\t');
+        return "\n" + tabs + "<node " + attributes + ">\n" + tabs + "\t<fname>" + name + "</fname>\n" + tabs +
+               "\t<id>" + id + "</id>\n" + tabs + "</node>";
+    }
+    static std::string StoreId() {
+        MapiBuffer<SPropValue> id;
+        EXPECT_EQ(pfnHrGetOneProp(g_MAPIObject.m_lpMsgStore.Get(), PR_ENTRYID, id.Put()), S_OK);
+        return Narrow(BinaryToHexString(id->Value.bin.lpb, id->Value.bin.cb));
+    }
+    static std::ptrdiff_t LinesOf(const LogLines& log, const wchar_t* text) {
+        return std::count(log.begin(), log.end(), LogLine{1, text});
+    }
+
+    std::wstring m_documents;
+    wchar_t m_buffer[2] = L"x";
+};
+
+TEST_F(Documents, ProfilesAreListedWithTheDefaultOneMarked) {
+    MakeFolder(L"Zoo & Co");
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    EXPECT_EQ(Saved(g_strProfileXml),
+              "<profiles name=\"outlook\">"
+              "\n\t<node default=\"true\">\n\t\t<pname>Work</pname>\n\t</node>"
+              "\n\t<node default=\"false\">\n\t\t<pname>Zoo &amp; Co</pname>\n\t</node>"
+              "\n</profiles>");
+    m_expectedBuffers = 4;  // the values and the name of each row: the rows are freed as one buffer
+}
+
+TEST_F(Documents, NoProfilesGiveAnEmptyElement) {
+    recorder::SetRoot(m_documents);
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    EXPECT_EQ(Saved(g_strProfileXml), "<profiles name=\"outlook\">\n</profiles>");
+}
+
+TEST_F(Documents, ProfilesBeforeLogonInitializeMapiAndLeaveItAgain) {
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    LogLines log = TakeLog();
+    ASSERT_EQ(log.size(), 8U);
+    EXPECT_TRUE(log[5].text.starts_with(L"CMAPIObject::MAPIUninitialize - pfnMAPIUninitialize(0X"));
+    log.erase(log.begin() + 5);
+    EXPECT_EQ(log, (LogLines{{1, L"CMAPIObject::GetAppProfile : Begin\r\n"},
+                             {1, L"CMAPIObject::GetAppProfile - pfnHrQueryAllRows(0X00000000)\r\n"},
+                             {1, L"CMAPIObject::MAPIRelease : Begin\r\n"},
+                             {1, L"CMAPIObject::MAPIRelease : Finish\r\n"},
+                             {1, L"CMAPIObject::MAPIUninitialize : Begin\r\n"},
+                             {1, L"CMAPIObject::MAPIUninitialize : Finish\r\n"},
+                             {1, L"CMAPIObject::GetAppProfile : Finish(0)\r\n"}}));
+    EXPECT_EQ(g_MAPIObject.m_bMAPIInitialized, 0);
+    EXPECT_FALSE(g_MAPIObject.m_lpProfAdmin);
+    m_expectedBuffers = 2;
+}
+
+TEST_F(Documents, ProfilesWhileLoggedOnLeaveTheSessionAlone) {
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetAppProfile : Begin\r\n"},
+                                   {1, L"CMAPIObject::GetAppProfile - pfnHrQueryAllRows(0X00000000)\r\n"},
+                                   {1, L"CMAPIObject::GetAppProfile : Finish(0)\r\n"}}));
+    EXPECT_TRUE(g_MAPIObject.m_lpMAPISession);
+    EXPECT_TRUE(g_MAPIObject.m_lpProfAdmin);
+    m_expectedBuffers = 2;
+}
+
+TEST_F(Documents, FailedInitializeShowsAsMissingProfileAdministration) {
+    recorder::FailMethod("MAPIInitialize", {}, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 1);
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetAppProfile : Begin\r\n"},
+                                   {3, L"CMAPIObject::GetAppProfile : NULL lpProfAdmin\r\n"},
+                                   {1, L"CMAPIObject::MAPIRelease : Begin\r\n"},
+                                   {1, L"CMAPIObject::MAPIRelease : Finish\r\n"},
+                                   {1, L"CMAPIObject::MAPIUninitialize : Begin\r\n"},
+                                   {1, L"CMAPIObject::MAPIUninitialize : Finish\r\n"},
+                                   {1, L"CMAPIObject::GetAppProfile : Finish(1)\r\n"}}));
+}
+
+TEST_F(Documents, ProfileTableThatFailsGivesAnEmptyDocument) {
+    recorder::FailMethod("IProfAdmin::GetProfileTable", {}, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    EXPECT_EQ(Saved(g_strProfileXml), "<profiles name=\"outlook\">\n</profiles>");
+}
+
+TEST_F(Documents, ProfilesWithoutAPathGoNowhereAndOverwriteNothing) {
+    g_strProfileXml.clear();
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    EXPECT_EQ(m_buffer[0], L'x');
+    EXPECT_EQ(m_buffer[1], L'\0');
+    m_expectedBuffers = 2;
+}
+
+TEST_F(Documents, ProfilesThatCannotBeSavedFailWithTheirLine) {
+    g_strProfileXml = CString((m_documents + L"\\missing\\Profile.xml").c_str());
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 1);
+    const LogLines log = TakeLog();
+    EXPECT_EQ(log[2], (LogLine{3, L"CMAPIObject::GetAppProfile : Failed to Save Profiles\r\n"}));
+    EXPECT_EQ(log.back(), (LogLine{1, L"CMAPIObject::GetAppProfile : Finish(1)\r\n"}));
+    m_expectedBuffers = 2;
+}
+
+TEST_F(Documents, ProfilesWithANullBufferFail) {
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(nullptr), 1);
+    EXPECT_EQ(TakeLog()[1], (LogLine{3, L"CMAPIObject::GetAppProfile : NULL lpszProfiles\r\n"}));
+}
+
+TEST_F(Documents, FolderTreeStandsCharacterForCharacter) {
+    MakeFolder(L"Work\\Mail\\Contacts\\Private");
+    MakeFolder(L"Work\\Mail\\Drafts");
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    const std::string contacts = Narrow(FolderId(L"Contacts"));
+    std::string nested = Node("class=\"IPF.Contact\" type=\"2\" default=\"true\"", "Contacts", contacts, 2);
+    nested.insert(nested.rfind("\n"), Node("class=\"IPF.Contact\" type=\"2\" default=\"false\"", "Private",
+                                           Narrow(FolderId(L"Contacts\\Private")), 3));
+    std::string store = Node("class=\"IPF.Post\" type=\"6\" default=\"true\"", "Mail", StoreId(), 1);
+    store.insert(
+        store.rfind("\n"),
+        Node("class=\"IPF.Appointment\" type=\"1\" default=\"true\"", "Calendar",
+             Narrow(FolderId(L"Calendar")), 2) +
+            nested +
+            Node("class=\"IPF.Note\" type=\"0\" default=\"true\"", "Drafts", Narrow(FolderId(L"Drafts")), 2) +
+            Node("class=\"IPF.Note\" type=\"0\" default=\"false\"", "Inbox", Narrow(FolderId(L"Inbox")), 2));
+    EXPECT_EQ(Saved(g_strOutlookXml), "<folders name=\"outlook\">" + store + "\n</folders>");
+}
+
+TEST_F(Documents, FolderExportWritesItsLinesInOrder) {
+    std::filesystem::remove(m_root + L"\\Work\\Mail\\Inbox");
+    std::filesystem::remove(m_root + L"\\Work\\Mail\\Calendar");
+    recorder::SetRoot(m_root);
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_EQ(
+        TakeLog(),
+        (LogLines{
+            {1, L"CMAPIObject::GetAppFolder : Begin\r\n"},
+            {1, L"CMAPIObject::GetAppFolder - m_lpMAPISession->GetMsgStoresTable(0X00000000)\r\n"},
+            {1, L"CMAPIObject::GetAppFolder - pfnHrQueryAllRows(0X00000000)\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromStore - Begin\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromStore - m_lpMAPISession->OpenMsgStore(0X00000000)\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromFolder - Begin\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromFolder - lpMsgStore->OpenEntry(0X00000000)\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromFolder - lpContainer->GetHierarchyTable(0X00000000)\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromFolder - pfnHrQueryAllRows(0X00000000)\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromFolder - Begin\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromFolder - lpMsgStore->OpenEntry(0X00000000)\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromFolder - lpContainer->GetHierarchyTable(0X00000000)\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromFolder - pfnHrQueryAllRows(0X00000000)\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromFolder - Finish(Succeeded)\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromFolder - Finish(Succeeded)\r\n"},
+            {1, L"CMAPIObject::GetAppFolderFromStore - Finish(Succeeded)\r\n"},
+            {1, L"CMAPIObject::GetAppFolder : Finish(0)\r\n"}}));
+}
+
+TEST_F(Documents, FoldersAskForTheirColumnsAndNoRestriction) {
+    LogOn();
+    ASSERT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    std::vector<std::string> queries;
+    for (const recorder::Call& call : recorder::Calls()) {
+        if (call.method == "HrQueryAllRows") {
+            queries.push_back(call.arguments);
+        }
+    }
+    ASSERT_EQ(queries.size(), 5U);  // the stores, the top of the tree, three folders
+    EXPECT_EQ(queries[0].substr(0, 32), "0x3400000B,0x0FFF0102,0x3001001F");
+    EXPECT_EQ(queries[1].substr(0, 43), "0x3613001F,0x3001001F,0x0FFF0102,0x360A000B");
+    for (const std::string& query : queries) {
+        EXPECT_EQ(query.find("property("), std::string::npos) << query;
+    }
+}
+
+TEST_F(Documents, StoreThatDoesNotOpenHasNoFoldersAndEndsNothing) {
+    MakeFolder(L"Work\\Archive\\Contacts");
+    WriteFile(L"Work\\Archive\\folder.ini", "[Store]\r\nRefuse=1\r\n");
+    WriteFile(L"Work\\Mail\\folder.ini", "[Store]\r\nDefault=1\r\n");
+    recorder::SetRoot(m_root);
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    const std::string document = Saved(g_strOutlookXml);
+    EXPECT_NE(document.find("<fname>Archive</fname>"), std::string::npos);
+    EXPECT_NE(document.find("<fname>Calendar</fname>"), std::string::npos);
+    EXPECT_NE(document.find("</id>\n\t</node>\n\t<node"), std::string::npos);
+}
+
+TEST_F(Documents, FolderWhoseTableFailsKeepsTheTreeAroundIt) {
+    MakeFolder(L"Work\\Mail\\Contacts\\A\\Deep");
+    LogOn();
+    recorder::FailMethod("IMAPIFolder::GetHierarchyTable", "Contacts", E_FAIL);
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    const std::string document = Saved(g_strOutlookXml);
+    EXPECT_EQ(document.find("Deep"), std::string::npos);
+    EXPECT_NE(document.find("<fname>Inbox</fname>"), std::string::npos);
+    EXPECT_EQ(LinesOf(TakeLog(), L"CMAPIObject::GetAppFolderFromFolder - Finish(Failed)\r\n"), 0);
+}
+
+TEST_F(Documents, FolderThatDoesNotOpenShowsInTheLogAlone) {
+    LogOn();
+    recorder::FailMethod("IMsgStore::OpenEntry", {}, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 1);
+    const LogLines log = TakeLog();
+    EXPECT_NE(
+        std::ranges::find(log, LogLine{3,
+                                       L"CMAPIObject::GetAppFolderFromFolder - OpenEntry Failed or NULL "
+                                       L"lpContainer\r\n"}),
+        log.end());
+}
+
+TEST_F(Documents, NoStoresGiveAnEmptyElement) {
+    LogOn();
+    recorder::FailMethod("HrQueryAllRows", {}, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_EQ(Saved(g_strOutlookXml), "<folders name=\"outlook\">\n</folders>");
+}
+
+TEST_F(Documents, MissingStoreTableEndsWithoutAFile) {
+    LogOn();
+    recorder::FailMethod("IMAPISession::GetMsgStoresTable", {}, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_FALSE(std::filesystem::exists(g_strOutlookXml.c_str()));
+    EXPECT_EQ(
+        TakeLog(),
+        (LogLines{{1, L"CMAPIObject::GetAppFolder : Begin\r\n"},
+                  {1, L"CMAPIObject::GetAppFolder - m_lpMAPISession->GetMsgStoresTable(0X80004005)\r\n"},
+                  {1, L"CMAPIObject::GetAppFolder : Finish(0)\r\n"}}));
+}
+
+TEST_F(Documents, FolderWithoutAClassCountsAsAMailFolder) {
+    MakeFolder(L"Work\\Mail\\Plain");
+    WriteFile(L"Work\\Mail\\Plain\\folder.ini", "[Folder]\r\nClass=\r\n");
+    recorder::SetRoot(m_root);
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_NE(Saved(g_strOutlookXml)
+                  .find(Node("class=\"IPF.Note\" type=\"0\" default=\"false\"", "Plain",
+                             Narrow(FolderId(L"Plain")), 2)),
+              std::string::npos);
+}
+
+TEST_F(Documents, ClassWithASuffixIsOfTheOtherType) {
+    MakeFolder(L"Work\\Mail\\Quick");
+    WriteFile(L"Work\\Mail\\Quick\\folder.ini", "[Folder]\r\nClass=IPF.Contact.MOC.QuickContacts\r\n");
+    recorder::SetRoot(m_root);
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_NE(Saved(g_strOutlookXml)
+                  .find("<node class=\"IPF.Contact.MOC.QuickContacts\" type=\"6\" default=\"false\">"),
+              std::string::npos);
+}
+
+TEST_F(Documents, FolderDocumentIsRewrittenAtEachCall) {
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    const std::string first = Saved(g_strOutlookXml);
+    std::ofstream(std::filesystem::path(g_strOutlookXml.c_str())) << std::string(100000, 'x');
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_EQ(Saved(g_strOutlookXml), first);
+}
+
+TEST_F(Documents, FoldersWithoutAPathGoNowhereAndOverwriteNothing) {
+    g_strOutlookXml.clear();
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_EQ(m_buffer[0], L'x');
+}
+
+TEST_F(Documents, FoldersThatCannotBeSavedFailAndTheAgentGoesOn) {
+    LogOn();
+    const CString path = g_strOutlookXml;
+    FileHandle held(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+    ASSERT_TRUE(held);
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 1);
+    const LogLines log = TakeLog();
+    EXPECT_EQ(log[log.size() - 2], (LogLine{3, L"CMAPIObject::GetAppFolder : Failed to Save Folders\r\n"}));
+    EXPECT_EQ(log.back(), (LogLine{1, L"CMAPIObject::GetAppFolder : Finish(1)\r\n"}));
+    held.Reset();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+}
+
+TEST_F(Documents, FolderNamesWithMarkupAndControlCharactersStandEscaped) {
+    MakeFolder(L"Work\\Mail\\Odd");
+    WriteFile(L"Work\\Mail\\Odd\\folder.ini", "[Folder]\r\nName=<a>&\"b\"\x01 c\r\n");
+    recorder::SetRoot(m_root);
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_NE(Saved(g_strOutlookXml).find("<fname>&lt;a&gt;&amp;\"b\" c</fname>"), std::string::npos)
+        << Saved(g_strOutlookXml);
+}
+
+TEST_F(Documents, FoldersBeforeLogonFail) {
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 1);
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetAppFolder : Begin\r\n"},
+                                   {3, L"CMAPIObject::GetAppFolder : NULL m_lpMAPISession\r\n"},
+                                   {1, L"CMAPIObject::GetAppFolder : Finish(1)\r\n"}}));
+}
+
+TEST_F(Documents, FoldersWithANullBufferFail) {
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(nullptr), 1);
+    EXPECT_EQ(TakeLog()[1], (LogLine{3, L"CMAPIObject::GetAppFolder : NULL lpszFolders\r\n"}));
+}
+
+}  // namespace

@@ -1,0 +1,83 @@
+#!/usr/bin/env bash
+# Shows the agent at work: makes a sample store, counts and reads its contacts through the desktop program, and ends the
+# agent. Everything that it makes is in build/demo. DEMO_CONTACTS sets how many contacts the timed read has.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+source tools/wine-server.sh
+
+many=${DEMO_CONTACTS:-1000}
+demo=$PWD/build/demo
+export LANG=C.UTF-8
+# The local store of the demo, and the lines of the log that carry telephone numbers too: here they are made up.
+export LOCALSTORE_ROOT="Z:${demo//\//\\}\\store"
+export FENNIC64_LEVEL=1
+
+say() { printf '\n\e[1m%s\e[0m\n' "$*"; }
+# Shows a command as a user would give it, and runs it.
+show() {
+  printf '$ zebdesk %s\n' "$*"
+  zebdesk "$@"
+}
+zebdesk() { (cd "$demo" && exec "$OLDPWD/tools/run-wine.sh" bin/zebdesk.exe "$@"); }
+# The number of agents of the demo that run; the pattern does not match its own command line.
+agents() { { grep -las "${demo//\//.}.bin.[Z]ebAgentForOutlook64" /proc/[0-9]*/cmdline || true; } | wc -l; }
+
+# Also after a failure: the agent would wait for the next desktop program for ever.
+on_exit() {
+  [ -e "$demo/bin/zebdesk.exe" ] || return 0
+  printf 'agents running: %d\n$ zebdesk shutdown\n' "$(agents)"
+  zebdesk shutdown
+  local tries=100
+  while [ "$(agents)" -gt 0 ] && [ $((tries -= 1)) -gt 0 ]; do sleep 0.1; done
+  printf 'agents running: %d\n' "$(agents)"
+  [ "$(agents)" -eq 0 ]
+}
+
+rm -rf "$demo"
+mkdir -p "$demo/bin"
+# Programs of the demo's own, so that its settings and its log are not those of build/bin.
+cp build/bin/*.exe build/bin/*.dll "$demo/bin/"
+printf '[Outlook]\r\nsubfolder=true\r\n' >"$demo/bin/PIMProfile.ini"
+keep_wine_server
+
+say "A store with people of many scripts in one profile, and $many plain contacts in another"
+tools/run-wine.sh build/release/tools/zebsample.exe "$LOCALSTORE_ROOT" "$many"
+
+say "The desktop program counts them. It starts the agent"
+show count
+
+say "The agent sends each contact as a document; the desktop program makes a table"
+show read contacts --quiet
+
+say "The same as files, one a contact"
+show read contacts --out documents
+ls "$demo/documents" | head -n 3
+printf '...\n'
+document=$(grep -l '<LastName>山田' "$demo"/documents/*.xml)
+printf '$ cat documents/%s\n' "$(basename "$document")"
+cat "$document"
+
+say "The pictures are files of their own, and whoever receives the documents owns them"
+mkdir "$demo/pictures"
+for document in "$demo"/documents/*.xml; do
+  picture=$(sed -n 's:.*<PICPath>\(.*\)</PICPath>.*:\1:p' "$document")
+  [ -z "$picture" ] || mv "$WINEPREFIX/drive_c/$(tail -c +4 <<<"${picture//\\//}")" "$demo/pictures/"
+done
+for picture in "$demo"/pictures/*; do
+  [ "$(head -c 3 "$picture" | od -An -tx1)" = ' ff d8 ff' ] || { printf 'demo: %s is no JPEG\n' "$picture" >&2; exit 1; }
+  printf '%6d bytes  pictures/%s\n' "$(stat -c %s "$picture")" "$(basename "$picture")"
+done
+
+say "The last lines of the log that the agent wrote"
+tail -n 10 "$demo/bin/Logs/ZebAgentOutlook64.log" | tr -d '\r'
+
+say "A read of $many contacts"
+begin=$(date +%s%N)
+show read contacts --profile Second --quiet --xml >"$demo/many.xml"
+milliseconds=$((($(date +%s%N) - begin) / 1000000))
+read_items=$(grep -c '</Contact>' "$demo/many.xml")
+printf '%d contacts in %d ms, logon and logoff included: %d a second\n' \
+  "$read_items" "$milliseconds" "$((read_items * 1000 / (milliseconds + 1)))"
+[ "$read_items" -eq "$many" ] || { printf 'demo: %d contacts were expected\n' "$many" >&2; exit 1; }
+
+say "The agent is told to end"
