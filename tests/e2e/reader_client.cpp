@@ -5,8 +5,7 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <cstring>
-#include <functional>
+#include <cwchar>
 #include <stdexcept>
 #include <string>
 
@@ -32,6 +31,7 @@ constexpr const char* kUsage =
     "  --no-endpoint      do not serve the callback interface\n"
     "  --out FOLDER       write each document to a file there, in UTF-16\n"
     "  --stop-after N     call Stop while the Nth document is being received\n"
+    "  --fail-at N        raise an exception while the Nth document is being received\n"
     "  --crash-after N    end without a word while the Nth document is being received\n"
     "commands:\n"
     "  logon[=PROFILE] count read stop logoff shutdown\n"
@@ -41,6 +41,7 @@ constexpr const char* kUsage =
 struct Reception {
     std::wstring folder;
     unsigned long stopAfter = 0;
+    unsigned long failAt = 0;
     unsigned long crashAfter = 0;
     unsigned long documents = 0;
     Handle shutdown{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
@@ -80,6 +81,9 @@ void ReceiveDocument(const wchar_t* xml) {
     }
     if (g_reception.documents == g_reception.stopAfter) {
         GuardedRpc([] { Stop(); });
+    }
+    if (g_reception.documents == g_reception.failAt) {
+        RpcRaiseException(RPC_S_CALL_FAILED);
     }
 }
 
@@ -189,6 +193,8 @@ wchar_t** ReadOptions(wchar_t** argument) {
             g_reception.folder = value;
         } else if (option == L"--stop-after") {
             g_reception.stopAfter = std::wcstoul(value, nullptr, 10);
+        } else if (option == L"--fail-at") {
+            g_reception.failAt = std::wcstoul(value, nullptr, 10);
         } else if (option == L"--crash-after") {
             g_reception.crashAfter = std::wcstoul(value, nullptr, 10);
         } else {

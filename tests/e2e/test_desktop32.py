@@ -3,11 +3,12 @@
 import unittest
 
 import harness
-from contact_fields import fields, tag_line
+from contact_fields import BODY, fields, tag_line
 
 RUNNER = "run-wine32.sh"
 PROGRAM = "zebdesk32.exe"
-TEXTS = ["plain", "\u65e5\u672c\u8a9e \U0001F600", "x" * 20000]
+LONG = "y" * 100000
+TEXTS = ["plain", "\u65e5\u672c\u8a9e \U0001F600", "x" * 2000]
 
 
 class Desktop32(harness.Case):
@@ -20,7 +21,7 @@ class Desktop32(harness.Case):
         if status == harness.SKIPPED:
             raise unittest.SkipTest(errors.strip())
         self.assertEqual(status, 0, output + errors)
-        self.place.make_contacts([[tag_line("3A11001F", text)] for text in TEXTS])
+        self.place.make_contacts([[tag_line("3A11001F", text), tag_line(BODY, LONG)] for text in TEXTS])
 
     def read32(self):
         return self.place.read_with_desktop(program=PROGRAM, runner=RUNNER)
@@ -30,6 +31,8 @@ class Desktop32(harness.Case):
         documents = self.read32()
         self.assertEqual(sorted(fields(document.decode())["LastName"] for document in documents.values()),
                          sorted(TEXTS))
+        for document in documents.values():
+            self.assertEqual(fields(document.decode())["SP-BODY"], LONG)
         self.assertEqual(documents, self.place.read_with_desktop())
 
     def test_it_starts_the_agent_and_ends_it(self):

@@ -51,6 +51,14 @@ class Interruption(harness.Case):
         self.assert_all(self.place.run_client("logon", "read", "logoff")[1], 20)
         self.assertEqual(self.place.log().count(FAILED_SEND), 20)
 
+    def test_a_client_that_refuses_one_contact_gets_the_others(self):
+        self.make(5)
+        lines, documents = self.place.run_client("--fail-at", "2", "logon", "read", "read", "logoff")
+        self.assertEqual(lines, ["logon 0", "read 0 5", "read 0 5"])
+        self.assertEqual(self.place.log().count(FAILED_SEND), 1)
+        self.assert_all(documents[:5], 5)
+        self.assertEqual(documents[:5], documents[5:])
+
     def test_a_client_that_dies_does_not_take_the_agent_along(self):
         self.make(20)
         crashed = self.place.client("--crash-after", "5", "logon", "read", "logoff")

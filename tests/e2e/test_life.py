@@ -75,6 +75,13 @@ class End(harness.Case):
         self.assert_exit(agent)
         self.assertNotIn("MAPILogOff", self.place.log())
 
+    def test_shutdown_with_nobody_left_to_tell_ends_the_process_unwell(self):
+        agent = self.place.start_agent()
+        lines, _ = self.place.run_client("--no-endpoint", "logon", "shutdown", "await-end")
+        self.assertEqual(lines, ["logon 0", "end not announced"])
+        self.assertNotEqual(self.place.finish(agent)[0], 0)
+        self.assertNotIn(STOPPING[0], self.place.log())
+
 
 class Desktop(harness.Case):
     def test_it_starts_the_agent_and_ends_it(self):
