@@ -11,8 +11,8 @@
 extern "C" handle_t g_hOutlookBinding;
 
 /// Makes a binding to "\pipe\OutlookServer32" without contacting it, and keeps it in place of an earlier one,
-/// which stays open: calls may still be running on it. Returns 1, or 0 on failure. A binding text that cannot
-/// be composed ends the process with the status.
+/// which stays open: that is how many logons the process has served. Returns 1, or 0 on failure. A binding
+/// text that cannot be composed ends the process with the status.
 int BindOutlookServer();
 
 /// Tells the desktop program that the agent is going away. A failed call raises the RPC runtime's structured

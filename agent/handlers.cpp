@@ -74,7 +74,7 @@ void GetCalendarFolder(wchar_t* /*folder*/, long* status) {
 void Reserved10(wchar_t* /*text*/, long* /*status*/) {}
 
 void ReadContacts(wchar_t* /*ignored*/, wchar_t* lParam1, long* status) {
-    *status = g_MAPIObject.ReadContacts(CString(lParam1));
+    *status = g_MAPIObject.ReadContacts(lParam1);
 }
 
 // Procedures that are not served: each fails, with outputs that carry nothing.

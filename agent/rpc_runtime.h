@@ -18,6 +18,8 @@ struct RpcRuntime {
     decltype(&::RpcStringBindingComposeW) stringBindingCompose = &::RpcStringBindingComposeW;
     decltype(&::RpcBindingFromStringBindingW) bindingFromStringBinding = &::RpcBindingFromStringBindingW;
     decltype(&::RpcStringFreeW) stringFree = &::RpcStringFreeW;
+    decltype(&::CreateThread) createThread = &::CreateThread;
+    decltype(&::Sleep) sleep = &::Sleep;
     void (*exitProcess)(int status) = &::exit;
 };
 

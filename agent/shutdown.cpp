@@ -3,7 +3,6 @@
 #include "agent/callback_client.h"
 #include "agent/rpc_runtime.h"
 #include "support/log.h"
-#include "support/owners.h"
 
 namespace {
 
@@ -12,11 +11,12 @@ constexpr DWORD kDelayMilliseconds = 500;
 }  // namespace
 
 void RequestShutdown() {
-    const Handle thread(CreateThread(nullptr, 0, ShutdownThreadProc, nullptr, 0, nullptr));
+    // The handle stays open on purpose: nobody waits for the thread, and the process ends with it.
+    g_rpc.createThread(nullptr, 0, ShutdownThreadProc, nullptr, 0, nullptr);
 }
 
 DWORD WINAPI ShutdownThreadProc(void* /*unused*/) {
-    Sleep(kDelayMilliseconds);
+    g_rpc.sleep(kDelayMilliseconds);
     if (g_hOutlookBinding != nullptr) {
         // Unguarded: a desktop program that is gone by now ends this process here.
         SendServerShutdown();

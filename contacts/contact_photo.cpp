@@ -5,6 +5,7 @@
 #include <array>
 
 #include "mapi/property_tags.h"
+#include "mapi/table_rows.h"
 #include "support/errors.h"
 #include "support/user_folders.h"
 
@@ -70,11 +71,14 @@ void CopyAttachment(IMessage* message, ULONG number, HANDLE file) {
 }
 
 void WritePhoto(IMessage* message, const SRow& row, HANDLE file) {
-    const SPropValue& data = row.lpProps[kAttachData];
-    if (PROP_TYPE(data.ulPropTag) == PT_ERROR && data.Value.err == MAPI_E_NOT_ENOUGH_MEMORY) {
-        CopyAttachment(message, static_cast<ULONG>(row.lpProps[kAttachNumber].Value.l), file);
-    } else if (PROP_TYPE(data.ulPropTag) == PT_BINARY) {
-        WriteBytes(file, data.Value.bin.lpb, data.Value.bin.cb);
+    constexpr ULONG dataError = PROP_TAG(PT_ERROR, PROP_ID(PR_ATTACH_DATA_BIN));
+    const SPropValue* const error = ValueOfColumn(row, kAttachData, dataError);
+    const SPropValue* const number = ValueOfColumn(row, kAttachNumber, PR_ATTACH_NUM);
+    const SPropValue* const data = ValueOfColumn(row, kAttachData, PR_ATTACH_DATA_BIN);
+    if (error != nullptr && error->Value.err == MAPI_E_NOT_ENOUGH_MEMORY && number != nullptr) {
+        CopyAttachment(message, static_cast<ULONG>(number->Value.l), file);
+    } else if (data != nullptr) {
+        WriteBytes(file, data->Value.bin.lpb, data->Value.bin.cb);
     }
 }
 

@@ -55,7 +55,7 @@ ULONG CMAPIObject::GetContactCountFromFolder(const SBinary& entryId) {
     return CountFolderItems(kCount, chosen.Get(), entryId);
 }
 
-int CMAPIObject::ReadContacts(const CString& lParam1) {
+int CMAPIObject::ReadContacts(const wchar_t* lParam1) {
     Log(kLogTrace, L"CMAPIObject::ReadContacts - Begin\r\n");
     bool succeeded = false;
     try {
@@ -103,21 +103,23 @@ bool CMAPIObject::ReadAllContacts(const FolderIdentity& identity) {
 
 int CMAPIObject::ReadContactFromFolder(const SBinary& entryId, const CString& path) {
     const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
-    const FolderRead read{
-        kContacts, L"ReadContactFromFolder",
-        L"Begin",  kContactColumns,
-        m_bStop,   [this](const SRow& row, const CString& rowPath) { SendContactRow(row, rowPath); }};
+    const FolderRead read{kContacts,
+                          L"ReadContactFromFolder",
+                          L"Begin",
+                          kContactColumns,
+                          m_bStop,
+                          [&](const SRow& row, const CString& rowPath) { SendContactRow(chosen.Get(), row, rowPath); }};
     return ReadFolderItems(read, chosen.Get(), entryId, path);
 }
 
-void CMAPIObject::SendContactRow(const SRow& row, const CString& path) {
+void CMAPIObject::SendContactRow(IMAPIFolder* chosen, const SRow& row, const CString& path) {
     CXMLParser document;
     BeginContactDocument(document);
     AppendElement(document, L"CsFolder", path);
     CString id;
     AppendContactRowToXml(document, id, row.lpProps, row.cValues, nullptr);
     AppendElement(document, L"PIMID", id);
-    AppendContactMessageToXml(document, OpenMessageByHexId(m_lpContactFolder.Get(), id).Get());
+    AppendContactMessageToXml(document, OpenMessageByHexId(chosen, id).Get());
     const CString xml = document.GetDocumentText();
     ++m_nItemsSent;
     SendContact(xml);

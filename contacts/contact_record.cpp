@@ -10,7 +10,7 @@ void CContactInfoEx::Reset() {
 }
 
 void CContactEx::Reset() {
-    m_arrFields.clear();
+    m_arrFields.RemoveAll();
     m_lFlag = 0;
     m_arrReserved1.fill(-1);
     m_arrReserved2.fill(0);
@@ -34,7 +34,7 @@ int CContactEx::AddField(std::int32_t fieldId, const CString& value) {
 
 int CContactEx::AddFieldCopy(const CContactInfoEx& source) {
     try {
-        m_arrFields.push_back(std::make_unique<CContactInfoEx>(source));
+        m_arrFields.Add(std::make_unique<CContactInfoEx>(source));
         return 1;
     } catch (const std::bad_alloc&) {
         return 0;
@@ -42,19 +42,7 @@ int CContactEx::AddFieldCopy(const CContactInfoEx& source) {
 }
 
 void tagContactFields::Reset() {
-    // Assigned and not built anew: the constructor calls this function.
-    m_lFlag = 0;
-    for (const ContactField& field : kContactFields) {
-        if (field.member != nullptr) {
-            field.member(*this).clear();
-        }
-    }
-    m_strIMAddress.clear();
-    m_strPicPath.clear();
-    m_strPIMID.clear();
-    m_strCsFolder.clear();
-    m_dtStamp = COleDateTime::GetCurrentTime();
-    m_dtLastModified = COleDateTime::GetCurrentTime();
+    *this = tagContactFields();
 }
 
 namespace {

@@ -59,7 +59,7 @@ class CContactEx {
     std::int32_t m_lFlag = 0;  ///< 8 add, 4 update, 32 delete
     std::array<std::int32_t, 3> m_arrReserved1{-1, -1, -1};
     std::array<std::int32_t, 2> m_arrReserved2{};
-    std::vector<std::unique_ptr<CContactInfoEx>> m_arrFields;  ///< in order of insertion
+    CArray<std::unique_ptr<CContactInfoEx>> m_arrFields;  ///< in order of insertion
     std::vector<std::uint8_t> m_arrReserved3;
     std::int32_t m_nReserved4 = 0;
     CString m_strPIMID;     ///< entry identifier as hexadecimal text
@@ -81,8 +81,6 @@ struct tagContactAddress {
 
 /// A contact with one member a field. An empty text means that the field is absent.
 struct tagContactFields {
-    tagContactFields() { Reset(); }
-
     /// All texts empty, the flag 0, both dates the current local time.
     void Reset();
 
@@ -144,6 +142,6 @@ struct tagContactFields {
     CString m_strCategories;  ///< separated by ";"
     CString m_strPIMID;
     CString m_strCsFolder;
-    COleDateTime m_dtStamp;
-    COleDateTime m_dtLastModified;
+    COleDateTime m_dtStamp = COleDateTime::GetCurrentTime();
+    COleDateTime m_dtLastModified = COleDateTime::GetCurrentTime();
 };

@@ -14,7 +14,7 @@ constexpr DWORD kPollMilliseconds = 50;
 constexpr const wchar_t* kAgentProgram = L"ZebAgentForOutlook64.exe";
 
 CString FolderOf(const CString& path) {
-    return CString(path.View().substr(0, path.find_last_of(L"\\/") + 1));
+    return {path.View().substr(0, path.find_last_of(L"\\/") + 1)};
 }
 
 CString DefaultAgentPath() {

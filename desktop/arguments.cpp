@@ -85,5 +85,5 @@ CString OptionName(Option option) {
     const auto* rule =
         std::find_if(std::begin(kRules), std::end(kRules),
                      [option](const OptionRule& candidate) { return candidate.option == option; });
-    return CString(rule->name);
+    return {rule->name};
 }

@@ -26,5 +26,5 @@ CString ItemFileNames::Next(WideView identifier) {
     for (int number = 2; !m_given.insert(name).second; ++number) {
         name = stem + WIDE("-") + CString::FromNumber(number);
     }
-    return CString(name + WIDE(".xml"));
+    return {name + WIDE(".xml")};
 }

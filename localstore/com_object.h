@@ -87,7 +87,8 @@ class ComObject : public Refusing {
     std::atomic<ULONG> m_references = 1;
 };
 
-/// Makes an object and gives the one reference to it to its owner.
+/// Makes an object and gives the one reference to it to its owner. Not with Attach, which in some versions of
+/// the platform's header adds a reference of its own.
 template<class Object, class... Arguments>
 ComPtr<Object> MakeObject(Arguments&&... arguments) {
     return Adopt(new Object(std::forward<Arguments>(arguments)...));

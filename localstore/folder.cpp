@@ -132,7 +132,7 @@ STDMETHODIMP Folder::CreateMessage(LPCIID iid, ULONG flags, LPMESSAGE* message) 
 
 STDMETHODIMP Folder::DeleteMessages(LPENTRYLIST list, ULONG, LPMAPIPROGRESS, ULONG flags) {
     const auto describe = [&](CallText& text) {
-        for (ULONG i = 0; list != nullptr && i < list->cValues; ++i) {
+        for (ULONG i = 0; list != nullptr && list->lpbin != nullptr && i < list->cValues; ++i) {
             text.Identifier("id", list->lpbin[i].lpb, list->lpbin[i].cb);
         }
         text.Flags("flags", flags);

@@ -165,6 +165,7 @@ void Message::Save(ULONG flags) {
     }
     // The state changes only once it is on the disk.
     auto saved = std::make_shared<MessageContent>(m_source.Content());
+    saved->NoteNextAttachment(m_nextAttachment);
     PrepareForSaving(*saved, created, Now());
     const Bytes bytes = WriteStorage(WriteMessage(*saved));
     Text name = m_source.Name();
@@ -249,6 +250,7 @@ STDMETHODIMP Message::CreateAttach(LPCIID iid, ULONG flags, ULONG* number, LPATT
         PartContent part;
         part.number = m_nextAttachment;
         part.header = Bytes(kAttachmentHeader);
+        part.properties.Set(LongProperty(PR_ATTACH_NUM, static_cast<LONG>(part.number)));
         auto object = MakeObject<Attachment>(this, std::move(part), true);
         RequireInterface(*object.Get(), iid);
         *number = m_nextAttachment++;

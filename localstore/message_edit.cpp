@@ -67,6 +67,7 @@ std::optional<Property> InUnicode(const Property& property, UINT codePage) {
             return std::nullopt;
         }
         converted.data = std::make_shared<const Bytes>(std::move(*bytes));
+        converted.hasTerminator = false;
         converted.tag = MakeTag(property.Id(), kTypeUnicode);
         return converted;
     }

@@ -14,6 +14,8 @@ inline constexpr wide kRecipientPrefix[] = WIDE("__recip_version1.0_#");
 // The class of a message file (MS-OXMSG, section 2.2.3 of the compound file's root).
 constexpr ClassId kMessageClass = {0x0B, 0x0D, 0x02, 0x00, 0, 0, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46};
 
+constexpr std::uint32_t kHighestNumber = 0x3FFFFFFF;
+
 // Offsets in the header of the top-level property stream.
 constexpr std::size_t kNextRecipient = 8;
 constexpr std::size_t kNextAttachment = 12;
@@ -104,7 +106,13 @@ const PartContent* MessageContent::FindAttachment(std::uint32_t number) const {
 }
 
 std::uint32_t MessageContent::NextAttachment() const {
-    return std::max(ReadU32(header, kNextAttachment), NextNumber(attachments));
+    // A number that nobody can have reached is damage, and would leave none for new attachments.
+    const std::uint32_t noted = ReadU32(header, kNextAttachment);
+    return std::max(noted > kHighestNumber ? 0 : noted, NextNumber(attachments));
+}
+
+void MessageContent::NoteNextAttachment(std::uint32_t number) {
+    PutU32(header, kNextAttachment, number);
 }
 
 std::optional<PropertyId> MessageContent::AddName(const PropertyName& name) {

@@ -34,6 +34,8 @@ struct MessageContent {
     [[nodiscard]] const PartContent* FindAttachment(std::uint32_t number) const;
     /// The number that a new attachment gets.
     [[nodiscard]] std::uint32_t NextAttachment() const;
+    /// Notes in the file that all numbers below this one were given out.
+    void NoteNextAttachment(std::uint32_t number);
     /// The identifier in this file of a name, given to it now if need be; nothing when all are used up.
     std::optional<PropertyId> AddName(const PropertyName& name);
 };

@@ -48,7 +48,9 @@ bool TakeVariable(StorageTree& storage, Property& property, std::uint32_t claime
     if (property.Type() == kTypeGuid && (*stream)->size() != kGuidSize) {
         return false;
     }
+    const std::size_t whole = (*stream)->size();
     property.data = WithoutTerminator(std::move(*stream), property.Type());
+    property.hasTerminator = property.data->size() != whole;
     return true;
 }
 
@@ -102,9 +104,13 @@ bool TakeValue(StorageTree& storage, Property& property) {
 std::uint64_t AddValue(StorageTree& storage, const Property& property) {
     const std::size_t terminator = TerminatorSize(property.Type());
     switch (ShapeOf(property.Type())) {
-        case ValueShape::Variable:
-            storage.AddStream(ValueStreamName(property.tag), property.Data());
-            return property.Data().size() + terminator;
+        case ValueShape::Variable: {
+            Bytes value = property.Data();
+            value.resize(value.size() + (property.hasTerminator ? terminator : 0));
+            const std::size_t size = value.size() + terminator;
+            storage.AddStream(ValueStreamName(property.tag), std::move(value));
+            return size;
+        }
         case ValueShape::MultipleFixed:
             storage.AddStream(ValueStreamName(property.tag), property.Data());
             return property.Data().size();

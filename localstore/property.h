@@ -85,6 +85,8 @@ struct Property {
     std::uint64_t fixed = 0;
     /// A variable value without a terminator, or all values of a multiple fixed type. Null counts as empty.
     SharedBytes data;
+    /// The stream of a string had a terminator, as some writers leave it there, and gets it back.
+    bool hasTerminator = false;
     /// The values of a multiple variable type, without terminators.
     std::vector<SharedBytes> items;
 

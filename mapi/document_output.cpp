@@ -27,8 +27,13 @@ void EndElement(CXMLParser& document, IXMLDOMNode* parent, int depth) {
     document.CreateChildElement(L"", nullptr, parent, true, depth);
 }
 
-void SaveOutlookDocument(CXMLParser& document, const CString& path, const wchar_t* failureLine) {
-    if (!path.empty() && !document.SaveToFile(path.c_str())) {
+void SaveOutlookDocument(CXMLParser& document, const CString& path, wchar_t* buffer,
+                         const wchar_t* failureLine) {
+    if (path.empty()) {
+        return;
+    }
+    *buffer = L'\0';
+    if (!document.SaveToFile(path.c_str())) {
         Log(kLogFailure, failureLine);
         AfxThrowUserException();
     }

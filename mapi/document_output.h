@@ -12,10 +12,11 @@ void BeginOutlookDocument(CXMLParser& document, const wchar_t* root, const wchar
 /// parent means the root.
 void EndElement(CXMLParser& document, IXMLDOMNode* parent, int depth);
 
-/// Saves the document. Without a path it goes nowhere: the parameter
-/// that would take it has room for one character. A failure to save is logged with the given line and ends
-/// the operation.
-void SaveOutlookDocument(CXMLParser& document, const CString& path, const wchar_t* failureLine);
+/// Empties the caller's buffer and saves the document. Without a path the document goes nowhere, and the
+/// buffer stays as it is: what a desktop program hands over has no room for a document. A failure to save is
+/// logged with the given line and ends the operation.
+void SaveOutlookDocument(CXMLParser& document, const CString& path, wchar_t* buffer,
+                         const wchar_t* failureLine);
 
 /// The words of an attribute that is true or false.
 constexpr const wchar_t* BooleanText(bool value) {

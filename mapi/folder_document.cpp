@@ -38,18 +38,14 @@ CString HexId(const SBinary& id) {
     return BinaryToHexString(id.lpb, id.cb);
 }
 
-bool IsDefaultStore(const SRow& row) {
-    const SPropValue& value = row.lpProps[kStoreIsDefault];
-    return value.ulPropTag == PR_DEFAULT_STORE && value.Value.b != 0;
-}
-
 /// The class of a folder in a hierarchy row; a folder without one counts as a mail folder.
 CString ContainerClass(const SRow& row) {
-    const SPropValue& value = row.lpProps[kSubFolderClass];
-    if (PROP_TYPE(value.ulPropTag) == PT_ERROR && value.Value.err == MAPI_E_NOT_FOUND) {
+    const SPropValue* const error =
+        ValueOfColumn(row, kSubFolderClass, PROP_TAG(PT_ERROR, PROP_ID(PR_CONTAINER_CLASS_W)));
+    if (error != nullptr && error->Value.err == MAPI_E_NOT_FOUND) {
         return {L"IPF.Note"};
     }
-    return TextOfColumn(row, kSubFolderClass);
+    return TextOfColumn(row, kSubFolderClass, PR_CONTAINER_CLASS_W);
 }
 
 }  // namespace
@@ -69,7 +65,7 @@ int CMAPIObject::GetAppFolder(wchar_t* lpszFolders) {
     return result;
 }
 
-void CMAPIObject::WriteFolderDocument(CXMLParser& document, const wchar_t* lpszFolders) {
+void CMAPIObject::WriteFolderDocument(CXMLParser& document, wchar_t* lpszFolders) {
     if (!m_lpMAPISession) {
         Log(kLogFailure, L"CMAPIObject::GetAppFolder : NULL m_lpMAPISession\r\n");
         AfxThrowUserException();
@@ -92,7 +88,8 @@ void CMAPIObject::WriteFolderDocument(CXMLParser& document, const wchar_t* lpszF
         }
     }
     EndElement(document, nullptr, 0);
-    SaveOutlookDocument(document, g_strOutlookXml, L"CMAPIObject::GetAppFolder : Failed to Save Folders\r\n");
+    SaveOutlookDocument(document, g_strOutlookXml, lpszFolders,
+                        L"CMAPIObject::GetAppFolder : Failed to Save Folders\r\n");
 }
 
 int CMAPIObject::GetAppFolderFromStore(const SRow* row, CXMLParser& document, IXMLDOMNode* parent,
@@ -110,8 +107,9 @@ int CMAPIObject::GetAppFolderFromStore(const SRow* row, CXMLParser& document, IX
             AfxThrowUserException();
         }
         SetClass(document, node.Get(), L"IPF.Post");
-        document.SetAttribute(L"default", BooleanText(IsDefaultStore(*row)), node.Get());
-        AppendNameAndId(document, node.Get(), depth + 1, TextOfColumn(*row, kStoreName),
+        document.SetAttribute(L"default", BooleanText(FlagOfColumn(*row, kStoreIsDefault, PR_DEFAULT_STORE)),
+                              node.Get());
+        AppendNameAndId(document, node.Get(), depth + 1, TextOfColumn(*row, kStoreName, PR_DISPLAY_NAME_W),
                         HexId(EntryIdOfColumn(*row, kStoreEntryId)));
         succeeded = AppendStoreFolders(*row, document, node.Get(), depth + 1);
         EndElement(document, node.Get(), depth);
@@ -177,7 +175,8 @@ bool CMAPIObject::AppendFolder(IMsgStore* store, const SRow& row, CXMLParser& do
     SetClass(document, node.Get(), containerClass);
     const SBinary entryId = EntryIdOfColumn(row, kSubFolderEntryId);
     const CString id = HexId(entryId);
-    AppendNameAndId(document, node.Get(), depth + 1, TextOfColumn(row, kSubFolderName), id);
+    AppendNameAndId(document, node.Get(), depth + 1, TextOfColumn(row, kSubFolderName, PR_DISPLAY_NAME_W),
+                    id);
     const auto type = static_cast<std::size_t>(FolderClassToType(containerClass));
     const bool isDefault = !id.empty() && m_arrDefaultFolderIds[type] == id;
     document.SetAttribute(L"default", BooleanText(isDefault), node.Get());

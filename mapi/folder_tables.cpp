@@ -17,7 +17,8 @@ ComPtr<IMAPIFolder> OpenThrough(Opener* through, const wchar_t* name, const SBin
         through->OpenEntry(entryId.cb, reinterpret_cast<LPENTRYID>(entryId.lpb), nullptr, MAPI_BEST_ACCESS,
                            &type, reinterpret_cast<LPUNKNOWN*>(folder.GetAddressOf()));
     LogResult(operation, (CString(name) + L"->OpenEntry").c_str(), result);
-    if (result != S_OK) {
+    // What is no folder must not be taken for one.
+    if (result != S_OK || type != MAPI_FOLDER) {
         folder.Reset();
     }
     return folder;

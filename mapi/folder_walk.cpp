@@ -25,7 +25,8 @@ CString FolderIdentity::DisplayName() const {
 }
 
 SBinary FolderIdentity::EntryId() const {
-    return values.Get()[kFolderEntryId].Value.bin;
+    const SPropValue& id = values.Get()[kFolderEntryId];
+    return PROP_TYPE(id.ulPropTag) == PT_BINARY ? id.Value.bin : SBinary{0, nullptr};
 }
 
 FolderIdentity GetFolderIdentity(IMAPIFolder* folder) {
@@ -90,7 +91,7 @@ bool ReadSubFolders(const FolderRead& read, IMAPIFolder* chosen, IMAPIFolder* fo
     const TableRows subFolders = QuerySubFolders(folder, read.kind.containerClass, read.operation);
     for (ULONG i = 0; i < subFolders.Count(); ++i) {
         const SRow& row = subFolders.Row(i);
-        const CString subPath = CString(path + L"\\" + TextOfColumn(row, kSubFolderName));
+        const CString subPath = CString(path + L"\\" + TextOfColumn(row, kSubFolderName, PR_DISPLAY_NAME_W));
         if (ReadFolderItems(read, chosen, EntryIdOfColumn(row, kSubFolderEntryId), subPath) == 0) {
             return false;
         }

@@ -19,7 +19,7 @@ namespace NAMESPACE_MAPI {
 /// thread of the RPC runtime is running, without a lock: a desktop program makes one call at a time. `Stop`
 /// alone may come while a read runs, and sets a flag.
 ///
-/// Every operation begins and ends with a line in the log and turns all exceptions inside it into its failure
+/// Operations begin and end with a line in the log and turn all exceptions inside them into their failure
 /// result.
 class CMAPIObject {
   public:
@@ -44,8 +44,8 @@ class CMAPIObject {
 
     // profile_document.cpp and folder_document.cpp: what there is to choose from.
 
-    /// Writes the list of profiles to its file. Works without a logon too. Returns 0 for success and 1 for
-    /// failure.
+    /// Writes the list of profiles to its file; the buffer is only emptied. Works without a logon too.
+    /// Returns 0 for success and 1 for failure.
     int GetAppProfile(wchar_t* lpszProfiles);
     /// Writes the folder trees of all stores to their file. Returns 0 for success and 1 for failure.
     int GetAppFolder(wchar_t* lpszFolders);
@@ -73,9 +73,9 @@ class CMAPIObject {
 
     /// The number of contacts that a full read sends; 0 without a contact folder.
     long GetContactCount();
-    /// Sends the contacts of the chosen folder: all for an empty text, otherwise those that changed since the
-    /// map file of that name was written. Returns 0 for success and 1 for failure.
-    int ReadContacts(const CString& lParam1);
+    /// Sends all contacts of the chosen folder. Returns 0 for success and 1 for failure; a text that is not
+    /// empty asks for changes only, which fails.
+    int ReadContacts(const wchar_t* lParam1);
     /// Counts the contacts of a folder and, by setting, of its sub-folders. Failures count as 0.
     ULONG GetContactCountFromFolder(const SBinary& entryId);
     /// Sends the contacts of a folder, then those of its sub-folders. `path` names the folder in the
@@ -99,9 +99,9 @@ class CMAPIObject {
     bool InitializeMAPI();
     bool OpenSession(const wchar_t* profile);
     bool OpenDefaultStore();
-    void WriteProfileDocument(CXMLParser& document, const wchar_t* lpszProfiles);
+    void WriteProfileDocument(CXMLParser& document, wchar_t* lpszProfiles);
     void OpenProfileAdministration();
-    void WriteFolderDocument(CXMLParser& document, const wchar_t* lpszFolders);
+    void WriteFolderDocument(CXMLParser& document, wchar_t* lpszFolders);
     bool AppendStoreFolders(const SRow& row, CXMLParser& document, IXMLDOMNode* node, int depth);
     bool AppendSubFolders(IMsgStore* store, const SBinary& entryId, CXMLParser& document, IXMLDOMNode* parent,
                           int depth);
@@ -110,10 +110,11 @@ class CMAPIObject {
     ComPtr<IMAPIFolder> SearchStores(const CString& hexId);
     bool ReadChosenContacts(const CString& lParam1);
     bool ReadAllContacts(const FolderIdentity& identity);
-    void SendContactRow(const SRow& row, const CString& path);
+    void SendContactRow(IMAPIFolder* chosen, const SRow& row, const CString& path);
 };
 
 }  // namespace NAMESPACE_MAPI
 
-/// The one session object. Built before the entry function; its session is ended by MAPILogOff alone.
+/// The one session object. Built before the entry function; it does not end its session when the process
+/// ends.
 extern NAMESPACE_MAPI::CMAPIObject g_MAPIObject;

@@ -5,6 +5,7 @@
 #include "mapi/document_output.h"
 #include "mapi/mapi_object.h"
 #include "mapi/operation_log.h"
+#include "mapi/table_rows.h"
 #include "support/errors.h"
 #include "support/log.h"
 #include "support/settings.h"
@@ -36,12 +37,10 @@ bool AppendProfile(CXMLParser& document, const SRow& row) {
     if (!node) {
         return false;
     }
-    const SPropValue& isDefault = row.lpProps[kProfileIsDefault];
-    document.SetAttribute(L"default",
-                          BooleanText(isDefault.ulPropTag == PR_DEFAULT_PROFILE && isDefault.Value.b != 0),
-                          node.Get());
-    const SPropValue& name = row.lpProps[kProfileName];
-    const CString text = FromCodePage(PROP_TYPE(name.ulPropTag) == PT_STRING8 ? name.Value.lpszA : nullptr);
+    const bool isDefault = FlagOfColumn(row, kProfileIsDefault, PR_DEFAULT_PROFILE);
+    document.SetAttribute(L"default", BooleanText(isDefault), node.Get());
+    const SPropValue* const name = ValueOfColumn(row, kProfileName, PR_DISPLAY_NAME_A);
+    const CString text = FromCodePage(name == nullptr ? nullptr : name->Value.lpszA);
     document.CreateChildElement(L"pname", text.c_str(), node.Get(), true, kProfileDepth + 1);
     EndElement(document, node.Get(), kProfileDepth);
     return true;
@@ -87,7 +86,7 @@ int CMAPIObject::GetAppProfile(wchar_t* lpszProfiles) {
     return result;
 }
 
-void CMAPIObject::WriteProfileDocument(CXMLParser& document, const wchar_t* lpszProfiles) {
+void CMAPIObject::WriteProfileDocument(CXMLParser& document, wchar_t* lpszProfiles) {
     if (lpszProfiles == nullptr) {
         Log(kLogFailure, L"CMAPIObject::GetAppProfile : NULL lpszProfiles\r\n");
         AfxThrowUserException();
@@ -101,7 +100,7 @@ void CMAPIObject::WriteProfileDocument(CXMLParser& document, const wchar_t* lpsz
     }
     profiles.Reset();
     EndElement(document, nullptr, 0);
-    SaveOutlookDocument(document, g_strProfileXml,
+    SaveOutlookDocument(document, g_strProfileXml, lpszProfiles,
                         L"CMAPIObject::GetAppProfile : Failed to Save Profiles\r\n");
 }
 

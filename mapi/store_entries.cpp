@@ -9,23 +9,34 @@ namespace {
 
 constexpr ULONG kModifyAccess = MAPI_BEST_ACCESS | MAPI_MODIFY;
 
-/// Takes an object over as the interface that it was opened for: without an interface asked for, MAPI hands
-/// out the object's own one.
-template<class Interface>
-ComPtr<Interface> As(ComPtr<IUnknown> object) {
-    return Adopt(static_cast<Interface*>(object.Detach()));
+template<class Container>
+OpenedEntry OpenEntry(Container* container, ULONG cb, const ENTRYID* entryId, ULONG flags) {
+    OpenedEntry entry;
+    const HRESULT result = container->OpenEntry(cb, const_cast<LPENTRYID>(entryId), nullptr, flags,
+                                                &entry.type, entry.object.GetAddressOf());
+    if (result != S_OK) {
+        entry.object.Reset();
+    }
+    return entry;
 }
 
-template<class Container>
-ComPtr<IUnknown> OpenEntry(Container* container, ULONG cb, const ENTRYID* entryId, ULONG flags) {
-    ULONG type = 0;
-    ComPtr<IUnknown> object;
-    const HRESULT result = container->OpenEntry(cb, const_cast<LPENTRYID>(entryId), nullptr, flags, &type,
-                                                object.GetAddressOf());
-    if (result != S_OK) {
-        object.Reset();
+/// An entry as the interface that it was opened for. Without an interface asked for, MAPI hands out the
+/// object's own one, so an entry of another type than expected, such as a message for a folder, must not be
+/// taken for it.
+template<class Interface>
+ComPtr<Interface> As(OpenedEntry entry, ULONG type) {
+    if (entry.type != type) {
+        return nullptr;
     }
-    return object;
+    return Adopt(static_cast<Interface*>(entry.object.Detach()));
+}
+
+ComPtr<IMAPIFolder> AsFolder(OpenedEntry entry) {
+    return As<IMAPIFolder>(std::move(entry), MAPI_FOLDER);
+}
+
+ComPtr<IMessage> AsMessage(OpenedEntry entry) {
+    return As<IMessage>(std::move(entry), MAPI_MESSAGE);
 }
 
 ComPtr<IMAPIFolder> OpenInbox(IMsgStore* store) {
@@ -37,11 +48,11 @@ ComPtr<IMAPIFolder> OpenInbox(IMsgStore* store) {
     if (result != S_OK || !entryId) {
         return nullptr;
     }
-    return As<IMAPIFolder>(OpenEntry(store, cb, entryId.Get(), MAPI_BEST_ACCESS));
+    return AsFolder(OpenEntry(store, cb, entryId.Get(), MAPI_BEST_ACCESS));
 }
 
 ComPtr<IMAPIFolder> OpenRoot(IMsgStore* store) {
-    return As<IMAPIFolder>(OpenEntry(store, 0, nullptr, MAPI_BEST_ACCESS));
+    return AsFolder(OpenEntry(store, 0, nullptr, MAPI_BEST_ACCESS));
 }
 
 /// One property of a folder; empty without a folder or a value.
@@ -59,12 +70,12 @@ bool IsBinaryWithBytes(const MapiBuffer<SPropValue>& value) {
 
 }  // namespace
 
-ComPtr<IUnknown> OpenStoreEntry(IMsgStore* store, ULONG cb, const ENTRYID* entryId) {
-    return store == nullptr ? nullptr : OpenEntry(store, cb, entryId, MAPI_BEST_ACCESS);
+OpenedEntry OpenStoreEntry(IMsgStore* store, ULONG cb, const ENTRYID* entryId) {
+    return store == nullptr ? OpenedEntry() : OpenEntry(store, cb, entryId, MAPI_BEST_ACCESS);
 }
 
 ComPtr<IMAPIFolder> OpenStoreFolder(IMsgStore* store, ULONG cb, const ENTRYID* entryId) {
-    return As<IMAPIFolder>(OpenStoreEntry(store, cb, entryId));
+    return AsFolder(OpenStoreEntry(store, cb, entryId));
 }
 
 ComPtr<IMAPIFolder> GetDefaultFolder(IMsgStore* store, ULONG tag) {
@@ -96,7 +107,7 @@ void LoadDefaultFolderIds(IMsgStore* store, CArray<CString>& ids) {
     }
 }
 
-ComPtr<IUnknown> OpenFolderEntry(IMAPIFolder* folder, ULONG cb, const ENTRYID* entryId, ULONG flags) {
+OpenedEntry OpenFolderEntry(IMAPIFolder* folder, ULONG cb, const ENTRYID* entryId, ULONG flags) {
     return OpenEntry(folder, cb, entryId, flags);
 }
 
@@ -105,16 +116,16 @@ ComPtr<IMessage> OpenMessageByHexId(IMAPIFolder* folder, const CString& hexId) {
         return nullptr;
     }
     const auto id = HexStringToBinary(hexId);
-    return As<IMessage>(OpenFolderEntry(folder, static_cast<ULONG>(id.size()),
-                                        reinterpret_cast<const ENTRYID*>(id.empty() ? nullptr : id.data()),
-                                        kModifyAccess));
+    return AsMessage(OpenFolderEntry(folder, static_cast<ULONG>(id.size()),
+                                     reinterpret_cast<const ENTRYID*>(id.empty() ? nullptr : id.data()),
+                                     kModifyAccess));
 }
 
 ComPtr<IMAPIFolder> OpenParentFolderByEntryId(IMAPIFolder* folder, ULONG cb, const ENTRYID* entryId) {
     if (folder == nullptr || entryId == nullptr) {
         return nullptr;
     }
-    const ComPtr<IMessage> message = As<IMessage>(OpenFolderEntry(folder, cb, entryId, kModifyAccess));
+    const ComPtr<IMessage> message = AsMessage(OpenFolderEntry(folder, cb, entryId, kModifyAccess));
     if (!message) {
         return nullptr;
     }
@@ -122,11 +133,11 @@ ComPtr<IMAPIFolder> OpenParentFolderByEntryId(IMAPIFolder* folder, ULONG cb, con
     ULONG count = 0;
     MapiBuffer<SPropValue> parent;
     message->GetProps(reinterpret_cast<LPSPropTagArray>(&tags), MAPI_UNICODE, &count, parent.Put());
-    if (count == 0 || !parent || PROP_TYPE(parent->ulPropTag) == PT_ERROR) {
+    if (count == 0 || !parent || PROP_TYPE(parent->ulPropTag) != PT_BINARY) {
         return nullptr;
     }
     const SBinary& id = parent->Value.bin;
-    return As<IMAPIFolder>(
+    return AsFolder(
         OpenFolderEntry(folder, id.cb, reinterpret_cast<const ENTRYID*>(id.lpb), MAPI_BEST_ACCESS));
 }
 

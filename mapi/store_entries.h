@@ -8,10 +8,16 @@
 #include "support/owners.h"
 #include "support/text.h"
 
-/// Opens a message or folder of a store with the best access there is. Null for a null store.
-ComPtr<IUnknown> OpenStoreEntry(IMsgStore* store, ULONG cb, const ENTRYID* entryId);
+/// What was opened, and as what: MAPI_FOLDER or MAPI_MESSAGE. A null object if it could not be opened.
+struct OpenedEntry {
+    ComPtr<IUnknown> object;
+    ULONG type = 0;
+};
 
-/// The same for an entry that is a folder.
+/// Opens a message or folder of a store with the best access there is. Null for a null store.
+OpenedEntry OpenStoreEntry(IMsgStore* store, ULONG cb, const ENTRYID* entryId);
+
+/// The same for an entry that is a folder; null for any other.
 ComPtr<IMAPIFolder> OpenStoreFolder(IMsgStore* store, ULONG cb, const ENTRYID* entryId);
 
 /// The default folder that a property names, such as PR_IPM_CONTACT_ENTRYID: looked for on the Inbox, then on
@@ -23,9 +29,10 @@ ComPtr<IMAPIFolder> GetDefaultFolder(IMsgStore* store, ULONG tag);
 void LoadDefaultFolderIds(IMsgStore* store, CArray<CString>& ids);
 
 /// Opens anything through a folder, with the given access flags.
-ComPtr<IUnknown> OpenFolderEntry(IMAPIFolder* folder, ULONG cb, const ENTRYID* entryId, ULONG flags);
+OpenedEntry OpenFolderEntry(IMAPIFolder* folder, ULONG cb, const ENTRYID* entryId, ULONG flags);
 
-/// Opens a message for changes by its identifier as text. Null for a null folder or an empty text.
+/// Opens a message for changes by its identifier as text. Null for a null folder, an empty text and the
+/// identifier of anything but a message.
 ComPtr<IMessage> OpenMessageByHexId(IMAPIFolder* folder, const CString& hexId);
 
 /// The folder that a message lives in. Null for a null folder or identifier.

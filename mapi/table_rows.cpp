@@ -2,16 +2,24 @@
 
 #include <mapitags.h>
 
-SBinary EntryIdOfColumn(const SRow& row, unsigned column) {
-    if (column >= row.cValues || row.lpProps[column].ulPropTag != PR_ENTRYID) {
-        return {0, nullptr};
+const SPropValue* ValueOfColumn(const SRow& row, unsigned column, ULONG tag) {
+    if (row.lpProps == nullptr || column >= row.cValues || row.lpProps[column].ulPropTag != tag) {
+        return nullptr;
     }
-    return row.lpProps[column].Value.bin;
+    return &row.lpProps[column];
 }
 
-CString TextOfColumn(const SRow& row, unsigned column) {
-    if (column >= row.cValues || PROP_TYPE(row.lpProps[column].ulPropTag) != PT_UNICODE) {
-        return {};
-    }
-    return {row.lpProps[column].Value.lpszW};
+SBinary EntryIdOfColumn(const SRow& row, unsigned column) {
+    const SPropValue* const value = ValueOfColumn(row, column, PR_ENTRYID);
+    return value == nullptr ? SBinary{0, nullptr} : value->Value.bin;
+}
+
+bool FlagOfColumn(const SRow& row, unsigned column, ULONG tag) {
+    const SPropValue* const value = ValueOfColumn(row, column, tag);
+    return value != nullptr && value->Value.b != 0;
+}
+
+CString TextOfColumn(const SRow& row, unsigned column, ULONG tag) {
+    const SPropValue* const value = ValueOfColumn(row, column, tag);
+    return value == nullptr ? CString() : CString(value->Value.lpszW);
 }

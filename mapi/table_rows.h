@@ -15,5 +15,11 @@ struct TableRows {
 /// The entry identifier in a column; a null identifier if the row does not have it.
 SBinary EntryIdOfColumn(const SRow& row, unsigned column);
 
-/// The text in a column; empty if the row does not have it.
-CString TextOfColumn(const SRow& row, unsigned column);
+/// The value of a column that holds a property of the given tag; null if the row does not have it.
+const SPropValue* ValueOfColumn(const SRow& row, unsigned column, ULONG tag);
+
+/// The yes or no in a column; no if the row does not have it.
+bool FlagOfColumn(const SRow& row, unsigned column, ULONG tag);
+
+/// The text in a column of type PT_UNICODE; empty if the row does not have it.
+CString TextOfColumn(const SRow& row, unsigned column, ULONG tag);

@@ -19,6 +19,7 @@ class CArray {
     [[nodiscard]] bool IsEmpty() const noexcept { return m_items.empty(); }
     void SetSize(std::size_t size) { m_items.resize(size); }
     void Add(Argument item) { m_items.push_back(item); }
+    void Add(T&& item) { m_items.push_back(std::move(item)); }
     void RemoveAll() noexcept { m_items.clear(); }
 
     [[nodiscard]] T& operator[](std::size_t index) { return m_items[Checked(index)]; }

@@ -12,10 +12,14 @@ constexpr int kLogFailure = 3;
 /// Writes one text, which brings its own line end if it has one.
 void Log(int level, const wchar_t* text);
 
-/// Writes one text formatted as by wprintf.
+/// Writes one text formatted as by wprintf. A text for which there is no memory is lost: the log must not end
+/// what it tells of.
 template<class... Arguments>
-void Log(int level, const wchar_t* format, const Arguments&... arguments) {
-    Log(level, CString::Format(format, arguments...).c_str());
+void Log(int level, const wchar_t* format, const Arguments&... arguments) noexcept {
+    try {
+        Log(level, CString::Format(format, arguments...).c_str());
+    } catch (...) {
+    }
 }
 
 /// The word that ends the last line of an operation.

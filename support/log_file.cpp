@@ -60,7 +60,7 @@ void CLogFile::Init(const wchar_t* moduleName, bool isLibrary, int defaultLevel,
         const CString path = ModulePath(moduleName, isLibrary, calls);
         g_nLogLevel = LevelOf(path, calls);
         g_strLogFile = LogPath(path);
-    } catch (const CUserException&) {
+    } catch (...) {
         // The debug string is all that is left of it.
     }
 }

@@ -36,8 +36,8 @@ extern "C" long RpcGuardFilter(const EXCEPTION_POINTERS* exception, void* /*fram
 }
 
 // The two macros lay out the table of a structured handler around what stands between them, with labels of
-// their own. So they occur once in the program, in a function that is neither inlined nor copied.
-__attribute__((noinline, noclone)) unsigned long GuardRpcCall(RpcCall call, void* context) noexcept {
+// their own. So they occur once in the program, in a function that is never inlined.
+__attribute__((noinline)) unsigned long GuardRpcCall(RpcCall call, void* context) noexcept {
     volatile bool returned = false;
     __try1(RpcGuardFilter);
     call(context);
@@ -84,7 +84,7 @@ EXCEPTION_DISPOSITION __cdecl LeaveGuardedCall(EXCEPTION_RECORD* record, void* e
 
 // The macros for this processor move the stack pointer behind the compiler's back, and leave the way back to
 // the handler; so the chain's entry is made here by hand.
-__attribute__((noinline, noclone)) unsigned long GuardRpcCall(RpcCall call, void* context) noexcept {
+__attribute__((noinline)) unsigned long GuardRpcCall(RpcCall call, void* context) noexcept {
     volatile GuardFrame frame{TopOfChain(), LeaveGuardedCall, 0, {}};
     auto* entry = const_cast<GuardFrame*>(&frame);
     if (__builtin_setjmp(entry->resume) == 0) {

@@ -43,5 +43,5 @@ CString LogFileName(WideView module) {
     if (IsDeviceName(name)) {
         name.insert(name.begin(), kReplacement);
     }
-    return CString(name + WIDE(".log"));
+    return {name + WIDE(".log")};
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "agent/rpc_runtime.h"
 #include "command.h"
 #include "mapi/mapi_object.h"
 #include "tests/unit/recorded_log.h"
@@ -85,6 +86,16 @@ TEST_F(Handlers, LogonWithoutAMailSystemFails) {
     EXPECT_EQ(log[1], (LogLine{3, L"CMAPIObject::MAPILogOn - Failed\r\n"}));
     EXPECT_EQ(log[2], (LogLine{1, L"CMAPIObject::MAPILogOff : Begin\r\n"}));
     EXPECT_EQ(log[8], (LogLine{1, L"CMAPIObject::MAPILogOn - Finish(Failed)\r\n"}));
+}
+
+TEST_F(Handlers, LogonIsNotTriedWithoutABinding) {
+    g_rpc.bindingFromStringBinding = [](RPC_WSTR, RPC_BINDING_HANDLE*) -> RPC_STATUS { return 1702; };
+    wchar_t profile[] = L"Work";
+    long status = 77;
+    MAPILogOn(profile, &status);
+    g_rpc = RpcRuntime();
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(TakeLog(), (LogLines{{3, L"RpcBindingFromStringBinding return =000006a6 \r\n"}}));
 }
 
 TEST_F(Handlers, ReadBeforeLogonFailsWithItsLine) {

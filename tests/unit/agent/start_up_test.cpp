@@ -9,6 +9,7 @@
 #include "agent/shutdown.h"
 #include "support/application.h"
 #include "support/mapi_entry_points.h"
+#include "support/owners.h"
 #include "tests/unit/recorded_log.h"
 
 namespace {
@@ -103,6 +104,7 @@ class StartUp : public ::testing::Test {
         g_rpc.mgmtStopServerListening = &StopListening<RPC_S_OK>;
         g_rpc.serverUnregisterIf = &UnregisterIf<RPC_S_OK>;
         g_rpc.stringBindingCompose = &Compose<RPC_S_OK>;
+        g_rpc.sleep = [](DWORD milliseconds) { g_calls.push_back("sleep " + std::to_string(milliseconds)); };
         g_rpc.exitProcess = [](int status) { throw Exited{status}; };
         g_hOutlookBinding = nullptr;
         TakeLog();
@@ -212,17 +214,35 @@ TEST_F(StartUp, BindingTextThatCannotBeFreedFails) {
 
 TEST_F(StartUp, StopSequenceStopsListeningThenUnregisters) {
     EXPECT_EQ(ShutdownThreadProc(nullptr), 0U);
-    EXPECT_EQ(g_calls, (std::vector<std::string>{"stop", "unregister"}));
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"sleep 500", "stop", "unregister"}));
     EXPECT_EQ(TakeLog(), (LogLines{{1, L"Calling RpcMgmtStopServerListening\n"},
                                    {1, L"RpcMgmtStopServerListening returned: 0x%x\n"},
                                    {1, L"Calling RpcServerUnregisterIf\n"},
                                    {1, L"RpcServerUnregisterIf returned 0x%x\n"}}));
 }
 
+TEST_F(StartUp, ShutdownRunsTheStopSequenceOnAThreadWhoseHandleStaysOpen) {
+    static HANDLE kept = nullptr;
+    g_rpc.createThread = [](LPSECURITY_ATTRIBUTES attributes, SIZE_T stack, LPTHREAD_START_ROUTINE start,
+                            LPVOID argument, DWORD flags, LPDWORD id) -> HANDLE {
+        EXPECT_EQ(attributes, nullptr);
+        EXPECT_EQ(stack, 0U);
+        EXPECT_EQ(start, &ShutdownThreadProc);
+        EXPECT_EQ(argument, nullptr);
+        EXPECT_EQ(flags, 0U);
+        kept = CreateThread(attributes, stack, start, argument, flags, id);
+        return kept;
+    };
+    RequestShutdown();
+    ASSERT_EQ(WaitForSingleObject(kept, INFINITE), WAIT_OBJECT_0);
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"sleep 500", "stop", "unregister"}));
+    const Handle owned(kept);
+}
+
 TEST_F(StartUp, FailedStopEndsTheProcess) {
     g_rpc.mgmtStopServerListening = &StopListening<kFailure>;
     EXPECT_EQ(ExitStatusOf([] { ShutdownThreadProc(nullptr); }), kFailure);
-    EXPECT_EQ(g_calls, (std::vector<std::string>{"stop"}));
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"sleep 500", "stop"}));
     EXPECT_EQ(TakeLog().size(), 2U);
 }
 

@@ -23,7 +23,7 @@ std::map<std::int32_t, CString> Texts(tagContactFields& fields) {
 TEST(ContactRecord, AddFieldWithAnEmptyValueAddsNothing) {
     CContactEx contact;
     EXPECT_EQ(contact.AddField(1, L""), 0);
-    EXPECT_TRUE(contact.m_arrFields.empty());
+    EXPECT_TRUE(contact.m_arrFields.IsEmpty());
 }
 
 TEST(ContactRecord, AddFieldAppendsInOrderAndKeepsDuplicates) {
@@ -31,7 +31,7 @@ TEST(ContactRecord, AddFieldAppendsInOrderAndKeepsDuplicates) {
     EXPECT_EQ(contact.AddField(2, L"b"), 1);
     EXPECT_EQ(contact.AddField(1, L"a"), 1);
     EXPECT_EQ(contact.AddField(2, L"c"), 1);
-    ASSERT_EQ(contact.m_arrFields.size(), 3U);
+    ASSERT_EQ(contact.m_arrFields.GetSize(), 3U);
     EXPECT_EQ(contact.m_arrFields[0]->m_nFieldId, 2);
     EXPECT_EQ(contact.m_arrFields[1]->m_strValue, L"a");
     EXPECT_EQ(contact.m_arrFields[2]->m_strValue, L"c");
@@ -50,6 +50,12 @@ TEST(ContactRecord, AddFieldCopyCopiesEveryMemberDeeply) {
     EXPECT_TRUE(source.m_mapReserved7.empty());
     EXPECT_EQ(contact.m_arrFields[0]->m_strPicPath, L"C:\\a.jpg");
     EXPECT_EQ(contact.m_arrFields[0]->m_mapReserved7.at(3), L"three");
+}
+
+TEST(ContactRecord, IndexOutsideTheListRaises) {
+    CContactEx contact;
+    contact.AddField(1, L"a");
+    EXPECT_THROW((void)contact.m_arrFields[1], CInvalidArgException);
 }
 
 TEST(ContactRecord, DefaultsOfAnEntry) {
@@ -71,7 +77,7 @@ TEST(ContactRecord, ResetEmptiesTheListAndTakesTheCurrentLocalTime) {
     contact.m_dtLastModified = COleDateTime();
     const COleDateTime before = COleDateTime::GetCurrentTime();
     contact.Reset();
-    EXPECT_TRUE(contact.m_arrFields.empty());
+    EXPECT_TRUE(contact.m_arrFields.IsEmpty());
     EXPECT_EQ(contact.m_lFlag, 0);
     EXPECT_EQ(contact.m_strPIMID, L"");
     EXPECT_EQ(contact.m_strCsFolder, L"");
@@ -87,6 +93,8 @@ TEST(FlatContact, PrimaryNumberIsDropped) {
     contact.m_lFlag = 4;
     contact.m_strPIMID = L"00AB";
     contact.m_strCsFolder = L"Contacts";
+    contact.m_dtStamp.m_dt = 40000.5;
+    contact.m_dtLastModified.m_dt = 41000.25;
     tagContactFields fields;
     fields.CopyFrom(contact);
     EXPECT_TRUE(Texts(fields).empty());
@@ -94,8 +102,8 @@ TEST(FlatContact, PrimaryNumberIsDropped) {
     EXPECT_EQ(fields.m_lFlag, 4);
     EXPECT_EQ(fields.m_strPIMID, L"00AB");
     EXPECT_EQ(fields.m_strCsFolder, L"Contacts");
-    EXPECT_EQ(fields.m_dtStamp.m_dt, contact.m_dtStamp.m_dt);
-    EXPECT_EQ(fields.m_dtLastModified.m_dt, contact.m_dtLastModified.m_dt);
+    EXPECT_EQ(fields.m_dtStamp.m_dt, 40000.5);
+    EXPECT_EQ(fields.m_dtLastModified.m_dt, 41000.25);
 }
 
 TEST(FlatContact, LastMessagingAddressWinsWithItsPrefix) {
@@ -191,6 +199,68 @@ TEST(ContactFields, EachFieldFillsAMemberOfItsOwnButTheMessagingAddresses) {
         const auto texts = Texts(fields);
         EXPECT_EQ(texts.size(), field.id >= 4022 && field.id <= 4030 ? 9U : 1U) << field.id;
         EXPECT_TRUE(texts.contains(field.id)) << field.id;
+    }
+}
+
+TEST(ContactFields, EachNumberFillsTheMemberOfItsKind) {
+    const std::pair<std::int32_t, CString tagContactFields::*> members[] = {
+        {1, &tagContactFields::m_strFirstName},         {2, &tagContactFields::m_strLastName},
+        {3, &tagContactFields::m_strMiddleName},        {5, &tagContactFields::m_strFullName},
+        {100, &tagContactFields::m_strBusinessNumber1}, {101, &tagContactFields::m_strBusinessNumber2},
+        {102, &tagContactFields::m_strHomeNumber1},     {103, &tagContactFields::m_strHomeNumber2},
+        {104, &tagContactFields::m_strMobile},          {106, &tagContactFields::m_strPager},
+        {108, &tagContactFields::m_strOtherNumber},     {110, &tagContactFields::m_strOtherFax},
+        {111, &tagContactFields::m_strHomeFax},         {112, &tagContactFields::m_strBusinessFax},
+        {113, &tagContactFields::m_strCallBackNumber},  {114, &tagContactFields::m_strCarNumber},
+        {115, &tagContactFields::m_strIsdnNumber},      {116, &tagContactFields::m_strCompanyNumber},
+        {117, &tagContactFields::m_strAssistantNumber}, {119, &tagContactFields::m_strRadioNumber},
+        {120, &tagContactFields::m_strTelexNumber},     {121, &tagContactFields::m_strTtyTddNumber},
+        {1000, &tagContactFields::m_strEmail1},         {1001, &tagContactFields::m_strEmail2},
+        {1002, &tagContactFields::m_strEmail3},         {1500, &tagContactFields::m_strWeb1},
+        {1501, &tagContactFields::m_strWeb2},           {3002, &tagContactFields::m_strBody},
+        {3018, &tagContactFields::m_strCategories},     {4001, &tagContactFields::m_strPrefixName},
+        {4003, &tagContactFields::m_strBirthday},       {4004, &tagContactFields::m_strCompany},
+        {4005, &tagContactFields::m_strNickName},       {4011, &tagContactFields::m_strSuffixName},
+        {4015, &tagContactFields::m_strJobTitle},       {4019, &tagContactFields::m_strAnniversary},
+        {4037, &tagContactFields::m_strYomiFirstName},  {4038, &tagContactFields::m_strYomiLastName},
+    };
+    for (const auto& [fieldId, member] : members) {
+        CContactEx contact;
+        contact.AddField(fieldId, L"x");
+        tagContactFields fields;
+        fields.CopyFrom(contact);
+        EXPECT_EQ(fields.*member, L"x") << fieldId;
+    }
+}
+
+TEST(ContactFields, EachAddressFieldFillsTheMemberOfItsKind) {
+    const std::tuple<std::int32_t, tagContactAddress tagContactFields::*, CString tagContactAddress::*>
+        members[] = {
+            {2002, &tagContactFields::m_HomeAddress, &tagContactAddress::m_strStreet1},
+            {2004, &tagContactFields::m_HomeAddress, &tagContactAddress::m_strCity},
+            {2005, &tagContactFields::m_HomeAddress, &tagContactAddress::m_strState},
+            {2006, &tagContactFields::m_HomeAddress, &tagContactAddress::m_strZip},
+            {2008, &tagContactFields::m_HomeAddress, &tagContactAddress::m_strCountry},
+            {2019, &tagContactFields::m_HomeAddress, &tagContactAddress::m_strPobox},
+            {2010, &tagContactFields::m_BusinessAddress, &tagContactAddress::m_strStreet1},
+            {2012, &tagContactFields::m_BusinessAddress, &tagContactAddress::m_strCity},
+            {2013, &tagContactFields::m_BusinessAddress, &tagContactAddress::m_strState},
+            {2014, &tagContactFields::m_BusinessAddress, &tagContactAddress::m_strZip},
+            {2016, &tagContactFields::m_BusinessAddress, &tagContactAddress::m_strCountry},
+            {2021, &tagContactFields::m_BusinessAddress, &tagContactAddress::m_strPobox},
+            {2032, &tagContactFields::m_OtherAddress, &tagContactAddress::m_strStreet1},
+            {2034, &tagContactFields::m_OtherAddress, &tagContactAddress::m_strCity},
+            {2035, &tagContactFields::m_OtherAddress, &tagContactAddress::m_strState},
+            {2036, &tagContactFields::m_OtherAddress, &tagContactAddress::m_strZip},
+            {2038, &tagContactFields::m_OtherAddress, &tagContactAddress::m_strCountry},
+            {2030, &tagContactFields::m_OtherAddress, &tagContactAddress::m_strPobox},
+        };
+    for (const auto& [fieldId, address, member] : members) {
+        CContactEx contact;
+        contact.AddField(fieldId, L"x");
+        tagContactFields fields;
+        fields.CopyFrom(contact);
+        EXPECT_EQ(fields.*address.*member, L"x") << fieldId;
     }
 }
 

@@ -5,7 +5,9 @@
 #include <algorithm>
 
 #include "localstore/recorder.h"
+#include "mapi/hex_text.h"
 #include "mapi/property_tags.h"
+#include "mapi/store_entries.h"
 #include "support/settings.h"
 #include "tests/unit/store/store_fixture.h"
 #include "tests/unit/text_printer.h"
@@ -19,6 +21,37 @@ constexpr ULONG kFirstName = 0x3A06001F;
 bool Contains(const CString& text, const wchar_t* part) {
     return text.find(part) != CString::npos;
 }
+
+/// Takes the XML service's document class away as long as it lives: the registry names a library that is not
+/// there.
+class WithoutDocumentClass {
+  public:
+    WithoutDocumentClass() {
+        EXPECT_EQ(RegCreateKeyExW(HKEY_CLASSES_ROOT, kServer, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                                  m_key.Put(), nullptr),
+                  ERROR_SUCCESS);
+        DWORD size = sizeof(m_library);
+        EXPECT_EQ(RegQueryValueExW(m_key.Get(), nullptr, nullptr, nullptr, reinterpret_cast<BYTE*>(m_library),
+                                   &size),
+                  ERROR_SUCCESS);
+        Set(L"no-such-library.dll");
+    }
+    WithoutDocumentClass(const WithoutDocumentClass&) = delete;
+    WithoutDocumentClass& operator=(const WithoutDocumentClass&) = delete;
+    ~WithoutDocumentClass() { Set(m_library); }
+
+  private:
+    static constexpr const wchar_t* kServer =
+        L"CLSID\\{2933BF90-7B36-11D2-B20E-00C04F983E60}\\InprocServer32";
+
+    void Set(const wchar_t* library) {
+        RegSetValueExW(m_key.Get(), nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(library),
+                       static_cast<DWORD>((std::wcslen(library) + 1) * sizeof(wchar_t)));
+    }
+
+    RegistryKey m_key;
+    wchar_t m_library[MAX_PATH] = L"";
+};
 
 class ContactReading : public StoreTest {
   protected:
@@ -60,6 +93,16 @@ class ContactReading : public StoreTest {
         const auto last = std::find_if(calls.rbegin(), calls.rend(),
                                        [&](const recorder::Call& call) { return call.method == method; });
         return static_cast<std::size_t>(calls.rend() - last);
+    }
+    /// The number of the nth call of a method since logon, from 1 on.
+    static std::size_t NthCallOf(const std::string& method, std::size_t n) {
+        const std::vector<recorder::Call> calls = recorder::Calls();
+        for (std::size_t i = 0; i < calls.size(); ++i) {
+            if (calls[i].method == method && --n == 0) {
+                return i + 1;
+            }
+        }
+        return 0;
     }
     static void Append(LogLines& lines, const LogLines& more) {
         lines.insert(lines.end(), more.begin(), more.end());
@@ -305,6 +348,97 @@ TEST_F(ContactReading, SubFolderWhoseContentsCannotBeReadEndsTheWalk) {
                   {1, L"CMAPIObject::ReadContactFromFolder - Finish(Failed)\r\n"},
                   {3, L"CMAPIObject::ReadContacts - Failed to read contacts from folder\r\n"},
                   {1, L"CMAPIObject::ReadContacts - Finish\r\n"}}));
+}
+
+TEST_F(ContactReading, RowsThatCannotBeHadFailTheRead) {
+    AddContacts(L"Contacts", {L"Top"});
+    LogOn();
+    ASSERT_EQ(g_MAPIObject.ReadContacts(L""), 0);
+    TakeSent();
+    TakeLog();
+    // The first query counts; the second one reads.
+    recorder::FailCall(NthCallOf("HrQueryAllRows", 2), false, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.ReadContacts(L""), 1);
+    EXPECT_TRUE(TakeSent().empty());
+    const LogLines log = TakeLog();
+    EXPECT_EQ(LogLines(log.end() - 4, log.end()),
+              (LogLines{{1, L"CMAPIObject::ReadContactFromFolder - pfnHrQueryAllRows(0X80004005)\r\n"},
+                        {1, L"CMAPIObject::ReadContactFromFolder - Finish(Failed)\r\n"},
+                        {3, L"CMAPIObject::ReadContacts - Failed to read contacts from folder\r\n"},
+                        {1, L"CMAPIObject::ReadContacts - Finish\r\n"}}));
+}
+
+TEST_F(ContactReading, HierarchyThatCannotBeHadDoesNotFailTheRead) {
+    AddContacts(L"Contacts", {L"Top"});
+    LogOn();
+    g_bSubFolder = true;
+    recorder::FailMethod("IMAPIFolder::GetHierarchyTable", {}, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.ReadContacts(L""), 0);
+    EXPECT_EQ(TakeSent().size(), 1U);
+}
+
+TEST_F(ContactReading, FolderWithoutContentsStillCountsItsSubFolders) {
+    MakeFolder(L"Work\\Mail\\Contacts\\A");
+    AddContacts(L"Contacts", {L"Top"});
+    AddContacts(L"Contacts\\A", {L"InA"});
+    LogOn();
+    g_bSubFolder = true;
+    recorder::FailMethod("IMAPIFolder::GetContentsTable", "Contacts", E_FAIL);
+    EXPECT_EQ(g_MAPIObject.GetContactCount(), 1);
+}
+
+TEST_F(ContactReading, StopDuringTheLastContactOfAFolderLeavesItsSubFoldersOutWithSuccess) {
+    MakeFolder(L"Work\\Mail\\Contacts\\A");
+    AddContacts(L"Contacts", {L"Top"});
+    AddContacts(L"Contacts\\A", {L"InA"});
+    LogOn();
+    g_bSubFolder = true;
+    OnSend([] { g_MAPIObject.m_bStop = 1; });
+    EXPECT_EQ(g_MAPIObject.ReadContacts(L""), 0);
+    EXPECT_EQ(FirstNames(TakeSent()), (std::vector<CString>{L"Top"}));
+}
+
+TEST_F(ContactReading, StopDuringTheLastContactOfASubFolderEndsTheWalkAtTheNextOne) {
+    MakeFolder(L"Work\\Mail\\Contacts\\A");
+    MakeFolder(L"Work\\Mail\\Contacts\\B");
+    AddContacts(L"Contacts\\A", {L"InA"});
+    AddContacts(L"Contacts\\B", {L"InB"});
+    LogOn();
+    g_bSubFolder = true;
+    OnSend([] { g_MAPIObject.m_bStop = 1; });
+    EXPECT_EQ(g_MAPIObject.ReadContacts(L""), 1);
+    EXPECT_EQ(FirstNames(TakeSent()), (std::vector<CString>{L"InA"}));
+    const LogLines log = TakeLog();
+    EXPECT_EQ(log[log.size() - 5],
+              (LogLine{3, L"CMAPIObject::ReadContactFromFolder - Interrupted or INVALID Parameter\r\n"}));
+}
+
+TEST_F(ContactReading, DocumentThatCannotBeMadeEndsTheReadWithoutTheFoldersLastLine) {
+    AddContacts(L"Contacts", {L"One", L"Two"});
+    LogOn();
+    const WithoutDocumentClass broken;
+    EXPECT_EQ(g_MAPIObject.ReadContacts(L""), 1);
+    EXPECT_TRUE(TakeSent().empty());
+    const LogLines log = TakeLog();
+    EXPECT_EQ(LogLines(log.end() - 4, log.end()),
+              (LogLines{{1, L"CMAPIObject::ReadContactFromFolder - pfnHrQueryAllRows(0X00000000)\r\n"},
+                        {3, L"Xml to calnedaex - failed\r\n"},
+                        {3, L"CMAPIObject::ReadContacts - Failed to read contacts from folder\r\n"},
+                        {1, L"CMAPIObject::ReadContacts - Finish\r\n"}}));
+}
+
+TEST_F(ContactReading, IdentifierOfADocumentIsTheMessagesEntryIdentifier) {
+    AddContacts(L"Contacts", {L"One"});
+    LogOn();
+    ASSERT_EQ(g_MAPIObject.ReadContacts(L""), 0);
+    const CString document = TakeSent().at(0);
+    const std::size_t start = document.find(L"<PIMID>") + 7;
+    const CString id = document.substr(start, document.find(L"</PIMID>") - start);
+    const ComPtr<IMessage> message = OpenMessageByHexId(g_MAPIObject.m_lpContactFolder.Get(), id);
+    ASSERT_TRUE(message);
+    MapiBuffer<SPropValue> stored;
+    ASSERT_EQ(pfnHrGetOneProp(message.Get(), PR_ENTRYID, stored.Put()), S_OK);
+    EXPECT_EQ(id, BinaryToHexString(stored->Value.bin.lpb, stored->Value.bin.cb));
 }
 
 TEST_F(ContactReading, FolderThatDoesNotOpenFailsTheRead) {

@@ -288,6 +288,19 @@ TEST_F(ContactMessage, EmptyContactHasAllElementsOfTheMessagePartEmpty) {
         L"\n\t<SP-IMADRESS IMType=\"4022\"/>\n\t<SP-CATEGORIES/></Contact>");
 }
 
+TEST_F(ContactMessage, NamedPropertyThatIsNoTextIsNotTaken) {
+    const ComPtr<IMessage> message = m_writer->NewMessage(L"IPM.Contact");
+    PropertyValues().Number(FolderWriter::AddressTag(message.Get(), 0x8005, PT_LONG), 5).SetOn(message.Get());
+    EXPECT_EQ(Element(Append(message.Get()), L"FULLNAME"), L"");
+}
+
+TEST_F(ContactMessage, OfTwoPhotosThePathNamesTheSecond) {
+    const ComPtr<IMessage> message = m_writer->NewMessage(L"IPM.Contact");
+    FolderWriter::AddAttachment(message.Get(), "first", true);
+    FolderWriter::AddAttachment(message.Get(), "second", true);
+    EXPECT_EQ(ReadFile(Element(Append(message.Get()), L"PICPath")), "second");
+}
+
 TEST_F(ContactMessage, NullMessageAppendsNothing) {
     EXPECT_EQ(Append(nullptr), L"<Contact/>");
 }
@@ -477,8 +490,17 @@ TEST_F(ContactMessage, PropertiesAreAskedForByNameAndMade) {
             names.push_back(call.arguments);
         }
     }
-    // Nine texts, three address types, the messaging address, the categories.
-    EXPECT_EQ(names.size(), 14U);
+    // Of an address without a type only the type is asked for.
+    std::vector<std::string> expected;
+    for (const char* id : {"8005", "8049", "8046", "8047", "8045", "8048", "804A", "802C", "802D", "8082",
+                           "8092", "80A2", "8062"}) {
+        expected.push_back(std::string("{00062004}:") + id + " flags=0x00000002");
+    }
+    expected.emplace_back("{00020329}:\"Keywords\" flags=0x00000002");
+    ASSERT_EQ(names.size(), expected.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(names[i], expected[i]);
+    }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The profile document and the folder document, character for character, with their lines as whole sequences.
+// The profile document and the folder document, character for character, and their lines.
 
 #include <mapitags.h>
 
@@ -247,7 +247,7 @@ TEST_F(Documents, FolderWhoseTableFailsKeepsTheTreeAroundIt) {
     EXPECT_EQ(LinesOf(TakeLog(), L"CMAPIObject::GetAppFolderFromFolder - Finish(Failed)\r\n"), 0);
 }
 
-TEST_F(Documents, FolderThatDoesNotOpenShowsInTheLogAlone) {
+TEST_F(Documents, TopOfAStoreThatDoesNotOpenFailsTheExport) {
     LogOn();
     recorder::FailMethod("IMsgStore::OpenEntry", {}, E_FAIL);
     EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 1);
@@ -259,7 +259,134 @@ TEST_F(Documents, FolderThatDoesNotOpenShowsInTheLogAlone) {
         log.end());
 }
 
-TEST_F(Documents, NoStoresGiveAnEmptyElement) {
+TEST_F(Documents, SubFolderThatDoesNotOpenShowsInTheLogAlone) {
+    LogOn();
+    // The first opens the top of the tree, the second the first folder below it.
+    ASSERT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    std::size_t number = 0;
+    int opens = 0;
+    for (const recorder::Call& call : recorder::Calls()) {
+        ++number;
+        if (call.method == "IMsgStore::OpenEntry" && ++opens == 2) {
+            break;
+        }
+    }
+    TakeLog();
+    recorder::FailCall(number, false, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    const std::string document = Saved(g_strOutlookXml);
+    for (const char* name : {"Calendar", "Contacts", "Inbox"}) {
+        EXPECT_NE(document.find(std::string("<fname>") + name), std::string::npos) << name;
+    }
+    const LogLines log = TakeLog();
+    EXPECT_EQ(LinesOf(log, L"CMAPIObject::GetAppFolderFromFolder - Finish(Failed)\r\n"), 1);
+    EXPECT_EQ(log[log.size() - 3],
+              (LogLine{1, L"CMAPIObject::GetAppFolderFromFolder - Finish(Succeeded)\r\n"}));
+}
+
+TEST_F(Documents, StoreThatFailsStopsTheWalkAndWritesNoFile) {
+    MakeFolder(L"Work\\Second\\Contacts");
+    recorder::SetRoot(m_root);
+    LogOn();
+    recorder::FailMethod("IMsgStore::OpenEntry", {}, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 1);
+    EXPECT_EQ(LinesOf(TakeLog(), L"CMAPIObject::GetAppFolderFromStore - Begin\r\n"), 1);
+    EXPECT_FALSE(std::filesystem::exists(g_strOutlookXml.c_str()));
+}
+
+TEST_F(Documents, StoresStandInTableOrderAndOneIsTheDefault) {
+    MakeFolder(L"Work\\Second\\Contacts");
+    recorder::SetRoot(m_root);
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    const std::string document = Saved(g_strOutlookXml);
+    const std::size_t mail =
+        document.find("\n\t<node class=\"IPF.Post\" type=\"6\" default=\"true\">\n\t\t<fname>Mail</fname>");
+    const std::size_t second = document.find(
+        "\n\t<node class=\"IPF.Post\" type=\"6\" default=\"false\">\n\t\t<fname>Second</fname>");
+    EXPECT_NE(mail, std::string::npos);
+    EXPECT_NE(second, std::string::npos);
+    EXPECT_LT(mail, second);
+    // A default folder of another store than the one logged on to is not marked.
+    EXPECT_NE(document.find("<node class=\"IPF.Contact\" type=\"2\" default=\"false\">", second),
+              std::string::npos);
+}
+
+TEST_F(Documents, StoreWithoutATreeIsANodeWithoutChildren) {
+    LogOn();
+    recorder::FailMethod("HrGetOneProp", {}, MAPI_E_NOT_FOUND);
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    recorder::ClearFailures();
+    EXPECT_EQ(Saved(g_strOutlookXml),
+              "<folders name=\"outlook\">" +
+                  Node("class=\"IPF.Post\" type=\"6\" default=\"true\"", "Mail", StoreId(), 1) +
+                  "\n</folders>");
+}
+
+TEST_F(Documents, SessionWithoutStoresGivesAnEmptyElement) {
+    LogOn();
+    std::filesystem::remove_all(m_root + L"\\Work\\Mail");
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_EQ(Saved(g_strOutlookXml), "<folders name=\"outlook\">\n</folders>");
+}
+
+TEST_F(Documents, DirectCallsWithNothingToWorkOnFailWithTheirLines) {
+    CXMLParser document;
+    EXPECT_EQ(g_MAPIObject.GetAppFolderFromStore(nullptr, document, nullptr, 1), 0);
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetAppFolderFromStore - Begin\r\n"},
+                                   {3, L"CMAPIObject::GetAppFolderFromStore - NULL lpPropValue\r\n"},
+                                   {1, L"CMAPIObject::GetAppFolderFromStore - Finish(Failed)\r\n"}}));
+    EXPECT_EQ(g_MAPIObject.GetAppFolderFromFolder(nullptr, {0, nullptr}, document, nullptr, 1), 0);
+    EXPECT_EQ(TakeLog(),
+              (LogLines{{1, L"CMAPIObject::GetAppFolderFromFolder - Begin\r\n"},
+                        {3, L"CMAPIObject::GetAppFolderFromFolder - Interrupted or INVALID Parameter\r\n"},
+                        {1, L"CMAPIObject::GetAppFolderFromFolder - Finish(Failed)\r\n"}}));
+}
+
+TEST_F(Documents, ProfileAdministrationIsKeptForLaterCallsWhileLoggedOn) {
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    std::vector<std::string> methods;
+    for (const recorder::Call& call : recorder::Calls()) {
+        if (call.method == "MAPIAdminProfiles" || call.method == "MAPIInitialize") {
+            methods.push_back(call.method);
+        }
+    }
+    EXPECT_EQ(methods, (std::vector<std::string>{"MAPIAdminProfiles"}));
+    m_expectedBuffers = 4;
+}
+
+TEST_F(Documents, ProfileTableIsReadFromItsBeginning) {
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    std::vector<std::string> calls;
+    for (const recorder::Call& call : recorder::Calls()) {
+        if (call.method == "IMAPITable::SeekRow" || call.method == "HrQueryAllRows") {
+            calls.push_back(call.method + " " + call.arguments);
+        }
+    }
+    EXPECT_EQ(calls, (std::vector<std::string>{"IMAPITable::SeekRow origin=0 rows=0",
+                                               "HrQueryAllRows 0x3001001E,0x3D04000B unrestricted unsorted most=0"}));
+    m_expectedBuffers = 2;
+}
+
+TEST_F(Documents, ProfileRowsThatCannotBeHadGiveAnEmptyDocument) {
+    recorder::FailMethod("HrQueryAllRows", {}, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    EXPECT_EQ(Saved(g_strProfileXml), "<profiles name=\"outlook\">\n</profiles>");
+}
+
+TEST_F(Documents, SavedDocumentEmptiesTheBuffer) {
+    LogOn();
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_EQ(m_buffer[0], L'\0');
+    m_buffer[0] = L'x';
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    EXPECT_EQ(m_buffer[0], L'\0');
+    m_expectedBuffers = 2;
+}
+
+TEST_F(Documents, StoreRowsThatCannotBeHadGiveAnEmptyElement) {
     LogOn();
     recorder::FailMethod("HrQueryAllRows", {}, E_FAIL);
     EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);

@@ -1,4 +1,4 @@
-// The choice of the working folders, with its lines as whole sequences.
+// The choice of the working folders, and its lines.
 
 #include "localstore/recorder.h"
 #include "mapi/hex_text.h"
@@ -103,6 +103,19 @@ TEST_F(FolderChoice, IdentifierOfOneCharacterDecodesToNothingAndOpensTheRootOfTh
     EXPECT_EQ(IdOf(g_MAPIObject.m_lpContactFolder), IdOf(root));
 }
 
+TEST_F(FolderChoice, IdentifierOfAMessageIsRefusedAndKeepsTheFolder) {
+    {
+        FolderWriter writer(L"Work", L"Contacts");
+        writer.AddContact({});
+    }
+    ASSERT_EQ(g_MAPIObject.ReadContacts(L""), 0);
+    const CString xml = TakeSent().at(0);
+    const std::size_t start = xml.find(L"<PIMID>") + 7;
+    const CString id = xml.substr(start, xml.find(L"</PIMID>") - start);
+    EXPECT_EQ(g_MAPIObject.SetContactFolder(Selection(id).c_str()), 1);
+    EXPECT_EQ(g_MAPIObject.GetContactCount(), 1);
+}
+
 TEST_F(FolderChoice, ContactSelectionWithAnEventPartIsAcceptedByNoStore) {
     EXPECT_EQ(g_MAPIObject.SetContactFolder(EventSelection(FolderId(L"Contacts\\Private")).c_str()), 1);
 }
@@ -130,6 +143,16 @@ TEST_F(FolderChoice, CalendarIdentifierThatIsJunkFails) {
     EXPECT_EQ(log[log.size() - 2],
               (LogLine{3, L"CMAPIObject::SetCalendarFolder - Failed to get event folder\r\n"}));
     EXPECT_EQ(IdOf(g_MAPIObject.m_lpEventFolder), FolderId(L"Calendar"));
+}
+
+TEST_F(FolderChoice, BlanksAroundACalendarSelectionAreAccepted) {
+    const CString id = FolderId(L"Calendar\\Team");
+    EXPECT_EQ(g_MAPIObject.SetCalendarFolder(CString(L" \t" + EventSelection(id) + L"\r\n ").c_str()), 0);
+    EXPECT_EQ(IdOf(g_MAPIObject.m_lpEventFolder), id);
+}
+
+TEST_F(FolderChoice, BareEventPartHasNoWrapperAndFails) {
+    EXPECT_EQ(g_MAPIObject.SetCalendarFolder(L"<event>AB</event>"), 1);
 }
 
 TEST_F(FolderChoice, NullTextsFailWithTheirLines) {

@@ -1,5 +1,8 @@
 // The life of the session, with its lines and its calls as whole sequences.
 
+#include <algorithm>
+#include <regex>
+
 #include "localstore/recorder.h"
 #include "mapi/hex_text.h"
 #include "mapi/store_entries.h"
@@ -45,6 +48,12 @@ std::vector<std::string> CallsOf(const std::string& method) {
     return calls;
 }
 
+/// Arguments with "id=*" for every identifier, which depends on the folder of the test.
+std::string WithoutIdentifiers(const std::string& arguments) {
+    static const std::regex identifier("id=[0-9A-F]*");
+    return std::regex_replace(arguments, identifier, "id=*");
+}
+
 class Session : public StoreTest {};
 
 TEST_F(Session, LogonWritesItsLinesInOrder) {
@@ -70,22 +79,43 @@ TEST_F(Session, LogonWritesItsLinesInOrder) {
     EXPECT_EQ(g_MAPIObject.m_arrDefaultFolderIds[6], L"");
 }
 
-TEST_F(Session, LogonAsksTheSessionInOrder) {
+TEST_F(Session, LogonAsksTheMailSystemInOrder) {
     LogOn();
     g_MAPIObject.MAPILogOff();
     recorder::ClearCalls();
     ASSERT_EQ(g_MAPIObject.MAPILogOn(0, L"Work"), 1);
-    std::vector<std::string> methods;
+    std::vector<std::string> calls;
     for (const recorder::Call& call : recorder::Calls()) {
-        if (!call.method.starts_with("MAPIFreeBuffer") && call.method != "MAPIAllocateBuffer") {
-            methods.push_back(call.method);
+        if (call.method != "MAPIFreeBuffer" && call.method != "FreeProws") {
+            calls.push_back(call.method + " " + WithoutIdentifiers(call.arguments));
         }
     }
-    const std::vector<std::string> start{"MAPIInitialize", "MAPILogonEx", "IMAPISession::GetMsgStoresTable",
-                                         "HrQueryAllRows", "IMAPISession::OpenMsgStore"};
-    ASSERT_GE(methods.size(), start.size());
-    EXPECT_EQ(std::vector<std::string>(methods.begin(), methods.begin() + static_cast<long>(start.size())),
-              start);
+    const std::string readTag = "HrGetOneProp ";
+    std::vector<std::string> expected{
+        "MAPIInitialize version=0 flags=0x00000000",
+        "MAPILogonEx profile=\"Work\" flags=0x80100032",
+        "IMAPISession::GetMsgStoresTable flags=0x00000000",
+        "HrQueryAllRows 0x3400000B,0x0FFF0102,0x3001001F property(0x3400000B==0x3400000B=true) unsorted "
+        "most=0",
+        "IMAPISession::OpenMsgStore id=* flags=0x00000010",
+    };
+    const std::vector<std::string> inbox{"IMsgStore::GetReceiveFolder class=\"IPM.Note\" flags=0x80000000",
+                                         "IMsgStore::OpenEntry id=* flags=0x00000010"};
+    // The identifiers: Inbox and root opened once. Drafts and the calendar stand on the Inbox or on the root.
+    expected.insert(expected.end(), inbox.begin(), inbox.end());
+    ASSERT_GE(calls.size(), expected.size());
+    EXPECT_EQ(
+        std::vector<std::string>(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(expected.size())),
+        expected);
+    std::vector<std::string> tags;
+    for (const std::string& call : calls) {
+        if (call.starts_with(readTag)) {
+            tags.push_back(call.substr(readTag.size()));
+        }
+    }
+    tags.erase(std::unique(tags.begin(), tags.end()), tags.end());
+    EXPECT_EQ(tags, (std::vector<std::string>{"0x36D70102", "0x36D00102", "0x36D10102", "0x36D40102",
+                                              "0x36D20102", "0x36D30102", "0x36D10102", "0x36D00102"}));
 }
 
 TEST_F(Session, NamedProfileIsLoggedOnWithItsFlags) {
@@ -208,6 +238,12 @@ TEST_F(Session, LogOffEndsTheSessionWithItsLines) {
     EXPECT_NE(g_MAPIObject.m_arrDefaultFolderIds[2], L"");
 }
 
+TEST_F(Session, SessionIsLoggedOffWithItsFlag) {
+    LogOn();
+    g_MAPIObject.MAPILogOff();
+    EXPECT_EQ(CallsOf("IMAPISession::Logoff"), (std::vector<std::string>{"flags=0x00000002"}));
+}
+
 TEST_F(Session, FailedLogoffOfTheSessionChangesNothing) {
     LogOn();
     recorder::FailMethod("IMAPISession::Logoff", {}, E_FAIL);
@@ -282,6 +318,13 @@ TEST_F(Session, OneCharacterIdentifierAsksWithAZeroCount) {
     LogOn();
     OpenMessageByHexId(g_MAPIObject.m_lpContactFolder.Get(), L"A");
     EXPECT_EQ(CallsOf("IMAPIFolder::OpenEntry").size(), 1U);
+}
+
+TEST_F(Session, IdentifierOfAFolderOpensNoMessage) {
+    LogOn();
+    const CString folder = FolderId(L"Contacts");
+    EXPECT_FALSE(OpenMessageByHexId(g_MAPIObject.m_lpContactFolder.Get(), folder));
+    EXPECT_FALSE(OpenMessageByHexId(g_MAPIObject.m_lpContactFolder.Get(), L"A"));
 }
 
 TEST_F(Session, ParentFolderOfAMessageOpens) {

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Checks what no compiler does: the form of the sources, the rules between the rooms, and what clang-tidy says. Ends with 1
+# if there is anything to say.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bad=0
+
+for tool in clang-format clang-tidy python3 clang++; do
+  command -v "$tool" >/dev/null || { printf 'lint: NO %s ON THIS MACHINE\n' "$tool" >&2; exit 1; }
+done
+
+printf '== lint: format\n'
+mapfile -t sources < <(git ls-files --cached --others --exclude-standard '*.cpp' '*.h' | xargs ls -d 2>/dev/null)
+if clang-format --dry-run -Werror "${sources[@]}"; then
+  printf '%d files\n' "${#sources[@]}"
+else
+  bad=1
+fi
+
+printf '== lint: rooms\n'
+tools/check_rooms.py || bad=1
+
+# clang-tidy reads headers that the build makes, and how each file is compiled.
+tools/build.sh release sanitize
+printf '== lint: clang-tidy\n'
+tools/run_clang_tidy.py || bad=1
+
+[ "$bad" -eq 0 ] && printf 'lint: nothing to say\n' || printf 'lint: see above\n'
+exit "$bad"
