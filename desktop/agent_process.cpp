@@ -75,8 +75,12 @@ bool AgentIsRunning() {
     return WaitNamedPipeW(kCommandPipe, 1) != 0 || GetLastError() == ERROR_SEM_TIMEOUT;
 }
 
+CString AgentProgram(const CString& path) {
+    return FullPath(path.empty() ? DefaultAgentPath() : path);
+}
+
 void EnsureAgent(const AgentConnection& connection, const CString& path) {
-    const CString program = FullPath(path.empty() ? DefaultAgentPath() : path);
+    const CString program = AgentProgram(path);
     const ULONGLONG deadline = GetTickCount64() + kLongestStartMilliseconds;
     Handle agent;
     while (!AgentIsRunning() || !connection.Answers()) {

@@ -24,6 +24,7 @@ constexpr OptionRule kRules[] = {
     {WIDE("--out"), kOptionOut, &Arguments::out},
     {WIDE("--xml"), kOptionXml, nullptr},
     {WIDE("--tabs"), kOptionTabs, nullptr},
+    {WIDE("--folder"), kOptionFolder, &Arguments::folder},
 };
 
 [[noreturn]] void ThrowUsage(const CString& message) {
@@ -37,6 +38,13 @@ const OptionRule& FindRule(WideView name) {
         ThrowUsage(CString(WIDE("there is no option ")) + CString(name));
     }
     return *rule;
+}
+
+/// True for whole bytes in hexadecimal. Anything else the agent would decode to something else all the same,
+/// and nothing at all stands for the root folder of a store.
+bool IsIdentifier(WideView text) {
+    return !text.empty() && text.size() % 2 == 0 &&
+           text.find_first_not_of(WIDE("0123456789ABCDEFabcdef")) == WideView::npos;
 }
 
 /// Takes in the option at `position`, and its value if that is the next argument. Returns the position of the
@@ -77,6 +85,9 @@ Arguments ParseArguments(const std::vector<CString>& arguments) {
     }
     if (result.Has(kOptionOut) && result.out.empty()) {
         ThrowUsage(WIDE("--out needs the name of a folder"));
+    }
+    if (result.Has(kOptionFolder) && !IsIdentifier(result.folder.View())) {
+        ThrowUsage(WIDE("--folder needs an identifier as \"zebdesk folders\" shows it"));
     }
     return result;
 }

@@ -13,6 +13,7 @@ enum Option : unsigned {
     kOptionOut = 16,
     kOptionXml = 32,
     kOptionTabs = 64,
+    kOptionFolder = 128,
 };
 
 /// The command line, taken apart but not yet judged by its command.
@@ -22,6 +23,8 @@ struct Arguments {
     CString profile;
     CString agent;
     CString out;
+    /// The identifier of a folder, in hexadecimal.
+    CString folder;
     /// The command and its operands.
     std::vector<CString> words;
 

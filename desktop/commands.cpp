@@ -9,11 +9,13 @@
 #include "desktop/agent_connection.h"
 #include "desktop/agent_process.h"
 #include "desktop/callback_service.h"
+#include "desktop/discovery_commands.h"
 #include "desktop/help.h"
 #include "desktop/interrupt.h"
 #include "desktop/item_kind.h"
 #include "desktop/output_stream.h"
 #include "desktop/read_command.h"
+#include "desktop/setup_command.h"
 #include "desktop/single_instance.h"
 
 extern "C" {
@@ -36,9 +38,7 @@ struct Command {
 };
 
 void Print(const CString& text) {
-    if (!OutputStream(STD_OUTPUT_HANDLE).Write(text.View())) {
-        throw Failure(ExitCode::kOutputFailed, L"standard output cannot be written");
-    }
+    PrintOutput(text.View());
 }
 
 /// The kind of item that an operand names.
@@ -62,6 +62,7 @@ void RunCount(const Arguments& arguments) {
     const AgentConnection agent;
     EnsureAgent(agent, arguments.agent);
     const AgentSession session(agent, arguments.profile);
+    ChooseFolder(agent, kind, arguments);
     Print(CString::Format(L"%s: %ld\n", kind.word, CountItems(agent, kind)));
 }
 
@@ -90,8 +91,11 @@ void RunShutdown(const Arguments& /*arguments*/) {
 
 constexpr Command kCommands[] = {
     {L"help", kOptionHelp, 0, 0, RunHelp},
-    {L"count", kSessionOptions, 0, 1, RunCount},
-    {L"read", kSessionOptions | kOptionOut | kOptionXml | kOptionTabs, 1, 1, RunRead},
+    {L"setup", kOptionHelp | kOptionAgent, 0, 0, SetUpAgent},
+    {L"profiles", kOptionHelp | kOptionAgent | kOptionQuiet | kOptionXml, 0, 0, PrintProfiles},
+    {L"folders", kSessionOptions | kOptionXml, 0, 0, PrintFolders},
+    {L"count", kSessionOptions | kOptionFolder, 0, 1, RunCount},
+    {L"read", kSessionOptions | kOptionFolder | kOptionOut | kOptionXml | kOptionTabs, 1, 1, RunRead},
     {L"shutdown", kOptionHelp | kOptionQuiet, 0, 0, RunShutdown},
 };
 
@@ -140,6 +144,8 @@ WideView HintFor(ExitCode code) {
         case ExitCode::kLogonRefused:
         case ExitCode::kReadFailed:
             return L"; the agent's log, in the folder Logs beside it, may tell why";
+        case ExitCode::kFolderRefused:
+            return L"; \"zebdesk folders\" shows the folders that are there";
         default:
             return {};
     }

@@ -14,6 +14,8 @@ enum class ExitCode : int {
     kInterrupted = 5,
     kOutputFailed = 6,
     kBusy = 7,
+    kFolderRefused = 8,
+    kNotSetUp = 9,
 };
 
 /// Ends the program with a message for the user and an exit status.

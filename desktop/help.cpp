@@ -7,6 +7,11 @@ USAGE
   zebdesk COMMAND [OPTION...]
 
 COMMANDS
+  setup              Gives the agent settings, PIMProfile.ini beside it, if it
+                     has none. It never changes a file that is there.
+  profiles           Prints the mail profiles; nobody has to log on for that.
+  folders            Prints the stores and folders of a profile as a tree, and
+                     the identifiers of the folders.
   count [contacts]   Prints how many items a read would deliver.
   read contacts      Reads all contacts: as a table on standard output, or as
                      --out, --xml or --tabs say.
@@ -16,13 +21,18 @@ COMMANDS
 OPTIONS
   --profile NAME     The mail profile to log on with. Without it: the default
                      profile.
+  --folder ID        The folder to count or to read, by the identifier that
+                     "folders" shows. Without it: the default one.
   --agent PATH       The agent to start if none is running. Without it:
-                     ZebAgentForOutlook64.exe beside this program.
+                     ZebAgentForOutlook64.exe beside this program. An agent that
+                     is running already has to be this one for "profiles" and
+                     "folders", which look into its settings.
   --out DIR          Writes one file an item to DIR, which is made if need be.
                      A file holds the item's document as it came, in UTF-8, and
                      its name depends on the item alone: reading again replaces
                      it. Other files in DIR are left alone.
-  --xml              Prints the documents one behind the other as they arrive.
+  --xml              Prints the documents one behind the other as they arrive;
+                     for "profiles" and "folders" the one that the agent wrote.
   --tabs             Prints the table for another program: a tab between the
                      cells, nothing cut.
   -q, --quiet        No progress bar and no summary; errors are still printed.
@@ -37,6 +47,14 @@ THE AGENT
   ends it. Each command logs on, does its work and logs off. The agent serves one
   desktop program at a time: a second one is turned away with exit status 7.
   The agent writes its log to the folder Logs beside it.
+
+PROFILES AND FOLDERS
+  The agent writes these lists to files, Profile.xml and Outlook.xml, in the
+  folder below the user's application data folder that XMLPath in PIMProfile.ini
+  names; "zebdesk setup" makes such settings. The agent reads them when it starts,
+  so one that is running has to be ended with "zebdesk shutdown" first. The file
+  of an earlier list is removed before a new one is asked for.
+  --folder is for one command: the next one has the default folder again.
 
 OUTPUT
   The table and the documents go to standard output, everything else to standard
@@ -54,12 +72,16 @@ EXIT STATUS
   1  the command line is wrong
   2  the agent could not be started, does not answer or went away
   3  the logon was refused
-  4  the read failed or was not complete
+  4  the read failed or was not complete, or a list could not be had
   5  interrupted
   6  the output could not be written
   7  another desktop program is at work
+  8  the folder is not there, or its store cannot be opened
+  9  the agent has no settings for "profiles" and "folders"; see "setup"
 
 EXAMPLES
+  zebdesk setup
+  zebdesk folders --profile "Second home"
   zebdesk count
   zebdesk read contacts --out contacts
   zebdesk read contacts --profile "Second home" --tabs > contacts.tsv

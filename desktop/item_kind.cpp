@@ -16,7 +16,8 @@ extern "C" {
 namespace {
 
 constexpr ItemKind kKinds[] = {
-    {L"contacts", L"contact", L"Contact", GetContactCount, ReadContacts, ContactHeadings, ContactRow},
+    {L"contacts", L"contact", L"Contact", GetContactCount, SetContactFolder, ReadContacts, ContactHeadings,
+     ContactRow},
 };
 
 }  // namespace

@@ -13,6 +13,7 @@ struct ItemKind {
     const wchar_t* root;
     /// The remote procedures.
     void (*count)(long* count, long* status);
+    void (*choose)(wchar_t* selection, long* status);
     void (*read)(wchar_t* ignored, wchar_t* mapFile, long* status);
     /// The headings of its table, and a document's row in it.
     TextTable::Row (*headings)();

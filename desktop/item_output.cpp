@@ -13,12 +13,6 @@
 
 namespace {
 
-void WriteToStandardOutput(WideView text) {
-    if (!OutputStream(STD_OUTPUT_HANDLE).Write(text)) {
-        throw Failure(ExitCode::kOutputFailed, L"standard output cannot be written");
-    }
-}
-
 class TableOutput : public ItemOutput {
   public:
     TableOutput(const ItemKind& kind, bool tabs) : m_kind(kind), m_tabs(tabs), m_table(kind.headings()) {}
@@ -26,7 +20,7 @@ class TableOutput : public ItemOutput {
     void Take(ItemDocument& document) override { m_table.Add(m_kind.row(document)); }
     void Finish() override {
         const std::size_t columns = OutputStream(STD_OUTPUT_HANDLE).Columns();
-        WriteToStandardOutput((m_tabs ? m_table.TabSeparated() : m_table.Aligned(columns)).View());
+        PrintOutput((m_tabs ? m_table.TabSeparated() : m_table.Aligned(columns)).View());
     }
 
   private:
@@ -37,7 +31,7 @@ class TableOutput : public ItemOutput {
 
 class DocumentOutput : public ItemOutput {
   public:
-    void Take(ItemDocument& document) override { WriteToStandardOutput(CString(document.Text()) + L"\n"); }
+    void Take(ItemDocument& document) override { PrintOutput((CString(document.Text()) + L"\n").View()); }
     [[nodiscard]] bool WritesAtOnce() const override { return true; }
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "desktop/failure.h"
 #include "support/utf8.h"
 
 OutputStream::OutputStream(DWORD which) : m_handle(GetStdHandle(which)) {
@@ -50,4 +51,10 @@ bool OutputStream::WriteBytes(WideView text) const {
         rest.remove_prefix(written);
     }
     return true;
+}
+
+void PrintOutput(WideView text) {
+    if (!OutputStream(STD_OUTPUT_HANDLE).Write(text)) {
+        throw Failure(ExitCode::kOutputFailed, L"standard output cannot be written");
+    }
 }

@@ -27,3 +27,6 @@ class OutputStream {
     HANDLE m_handle;
     bool m_isConsole;
 };
+
+/// Writes a text to standard output. Throws a Failure if it could not be written.
+void PrintOutput(WideView text);

@@ -60,6 +60,19 @@ void PrintSummary(const ItemReader& reader, const ItemKind& kind, const Argument
 
 }  // namespace
 
+void ChooseFolder(const AgentConnection& agent, const ItemKind& kind, const Arguments& arguments) {
+    if (!arguments.Has(kOptionFolder)) {
+        return;
+    }
+    CString selection = L"<id>" + arguments.folder + L"</id>";
+    long status = 1;
+    agent.Call([&] { kind.choose(selection.data(), &status); });
+    if (status != 0) {
+        throw Failure(ExitCode::kFolderRefused,
+                      L"no store that the profile can open has the folder " + arguments.folder);
+    }
+}
+
 long CountItems(const AgentConnection& agent, const ItemKind& kind) {
     long count = 0;
     long status = 1;
@@ -76,6 +89,7 @@ void ReadItems(const ItemKind& kind, const Arguments& arguments) {
     const AgentConnection agent;
     EnsureAgent(agent, arguments.agent);
     const AgentSession session(agent, arguments.profile);
+    ChooseFolder(agent, kind, arguments);
     const auto expected = static_cast<std::size_t>(std::max(CountItems(agent, kind), 0L));
     const bool drawBar = !arguments.Has(kOptionQuiet) &&
                          !(output->WritesAtOnce() && OutputStream(STD_OUTPUT_HANDLE).IsConsole());

@@ -4,6 +4,10 @@
 #include "desktop/arguments.h"
 #include "desktop/item_kind.h"
 
+/// Has the session work on the folder that the arguments name, if they name one. Throws a Failure if the
+/// agent refuses it.
+void ChooseFolder(const AgentConnection& agent, const ItemKind& kind, const Arguments& arguments);
+
 /// The number of items that a read would deliver. Throws a Failure.
 long CountItems(const AgentConnection& agent, const ItemKind& kind);
 

@@ -37,14 +37,24 @@ rm -rf "$demo"
 mkdir -p "$demo/bin"
 # Programs of the demo's own, so that its settings and its log are not those of build/bin.
 cp build/bin/*.exe build/bin/*.dll "$demo/bin/"
-printf '[Outlook]\r\nsubfolder=true\r\n' >"$demo/bin/PIMProfile.ini"
 keep_wine_server
 
 say "A store with people of many scripts in one profile, and $many plain contacts in another"
 tools/run-wine.sh build/release/tools/zebsample.exe "$LOCALSTORE_ROOT" "$many"
 
-say "The desktop program counts them. It starts the agent"
+say "Settings for the agent: where its lists go, and reads that go into sub-folders"
+show setup
+
+say "The mail profiles. The desktop program starts the agent"
+show profiles
+
+say "The stores and folders of the default profile. One store cannot be opened, and the others are there all the same"
+show folders
+
+say "How many contacts a read would send, from the default folder and from a folder of the list"
 show count
+family=$(zebdesk folders --xml | grep -A1 '<fname>Família<' | sed -n 's:.*<id>\(.*\)</id>.*:\1:p')
+show count --folder "$family"
 
 say "The agent sends each contact as a document; the desktop program makes a table"
 show read contacts --quiet
