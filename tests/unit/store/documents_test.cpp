@@ -365,8 +365,9 @@ TEST_F(Documents, ProfileTableIsReadFromItsBeginning) {
             calls.push_back(call.method + " " + call.arguments);
         }
     }
-    EXPECT_EQ(calls, (std::vector<std::string>{"IMAPITable::SeekRow origin=0 rows=0",
-                                               "HrQueryAllRows 0x3001001E,0x3D04000B unrestricted unsorted most=0"}));
+    EXPECT_EQ(calls, (std::vector<std::string>{
+                         "IMAPITable::SeekRow origin=0 rows=0",
+                         "HrQueryAllRows 0x3001001E,0x3D04000B unrestricted unsorted most=0"}));
     m_expectedBuffers = 2;
 }
 
