@@ -66,7 +66,7 @@ FileEntry EntryOf(const FILE_ID_BOTH_DIR_INFO& information, Text name) {
 }
 
 void WriteAll(const FileHandle& file, const Bytes& bytes) {
-    constexpr std::size_t piece = 16 * 1024 * 1024;
+    constexpr std::size_t piece = std::size_t{16} * 1024 * 1024;
     for (std::size_t offset = 0; offset < bytes.size();) {
         const auto size = static_cast<DWORD>(std::min(piece, bytes.size() - offset));
         DWORD written = 0;
@@ -176,7 +176,7 @@ std::vector<FileEntry> ListFolder(const Text& path) {
         Require(CodeOfFileError(GetLastError()) == MAPI_E_NOT_FOUND, CodeOfFileError(GetLastError()));
         return entries;
     }
-    constexpr std::size_t bufferSize = 64 * 1024;
+    constexpr std::size_t bufferSize = std::size_t{64} * 1024;
     std::vector<std::uint64_t> buffer(bufferSize / sizeof(std::uint64_t));
     while (GetFileInformationByHandleEx(folder.Get(), FileIdBothDirectoryInfo, buffer.data(), bufferSize) !=
            FALSE) {

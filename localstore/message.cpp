@@ -191,6 +191,7 @@ LPMAPITABLE Message::PartTable(const wchar_t* label, const std::vector<PartConte
     const auto content = m_own ? std::make_shared<const MessageContent>(*m_own) : m_source.SharedContent();
     const std::shared_ptr<StoreTree> tree = m_source.SharedTree();
     std::vector<TableRow> rows;
+    rows.reserve(parts.size());
     for (const PartContent& part : parts) {
         rows.push_back(std::make_shared<PartSource>(tree, content, part, kind));
     }

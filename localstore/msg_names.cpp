@@ -18,6 +18,7 @@ constexpr std::uint32_t kLookupStreams = 0x1F;
 constexpr std::size_t kEntrySize = 8;
 constexpr std::size_t kGuidSize = 16;
 constexpr std::uint16_t kFirstOwnSet = 3;
+constexpr std::uint64_t kWithoutSet = 0xFFFF0000FFFFFFFF;
 constexpr std::size_t kMostNames = 0x10000 - kFirstNamedId;
 
 Bytes StreamOf(const StorageTree& storage, PropertyTag tag) {
@@ -179,7 +180,9 @@ StorageTree NameMap::Build() const {
     std::array<Bytes, kLookupStreams> lookup;
     for (const Entry& entry : m_entries) {
         if (!entry.name) {
-            AppendNumber(entries, entry.raw, kEntrySize);
+            // Its set must stay one that does not exist: with a name added, the old one might come to mean
+            // something.
+            AppendNumber(entries, entry.raw & kWithoutSet, kEntrySize);
             continue;
         }
         const PropertyName& name = *entry.name;

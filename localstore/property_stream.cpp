@@ -11,7 +11,7 @@ namespace localstore {
 namespace {
 
 /// Longest value of one property.
-constexpr std::size_t kLongestStream = 256U * 1024 * 1024;
+constexpr std::size_t kLongestStream = std::size_t{256} * 1024 * 1024;
 
 /// The bytes of a property as a stream of the type asked for shows them.
 Bytes StreamBytes(const Property& property, PropertyType asked, UINT codePage) {

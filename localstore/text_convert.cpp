@@ -1,13 +1,35 @@
 #include "localstore/text_convert.h"
 
+#include <array>
+#include <atomic>
+
 #include "localstore/failure.h"
 
 namespace localstore {
 
+namespace {
+
+/// Whether the platform knows a code page. The platform searches its folders for each question, and a store
+/// asks it for every property.
+bool IsKnownCodePage(UINT codePage) {
+    enum Answer : char { kNotAsked, kKnown, kUnknown };
+    static std::array<std::atomic<char>, 65536> answers{};  // by code page, shared by all threads
+    if (codePage >= answers.size()) {
+        return false;
+    }
+    std::atomic<char>& answer = answers[codePage];
+    if (answer == kNotAsked) {
+        answer = IsValidCodePage(codePage) != FALSE ? kKnown : kUnknown;
+    }
+    return answer == kKnown;
+}
+
+}  // namespace
+
 UINT UsableCodePage(UINT codePage) {
     // 1200 and 1201 are Unicode itself and no code pages of 8-bit text.
     const bool isUnicode = codePage == 1200 || codePage == 1201;
-    return codePage != 0 && !isUnicode && IsValidCodePage(codePage) != FALSE ? codePage : CP_ACP;
+    return codePage != 0 && !isUnicode && IsKnownCodePage(codePage) ? codePage : CP_ACP;
 }
 
 Text DecodeText(const Bytes& bytes, UINT codePage) {

@@ -20,6 +20,13 @@ bool PutError(PropertyTag tag, SCODE code, SPropValue& value) {
     return false;
 }
 
+/// Whether a long value comes through a stream only: binaries and the body. Any other string comes whole, for
+/// a client that reads a row would take a missing name for a contact without one.
+bool IsStreamed(const Property& property) {
+    constexpr PropertyId body = PROP_ID(PR_BODY);
+    return !IsString(BaseType(property.Type())) || property.Id() == body;
+}
+
 /// The bytes of a string in the type that a client asked for, with a terminator behind them.
 Bytes StringBytes(const SharedBytes& stored, PropertyType storedType, PropertyType askedType, UINT codePage) {
     Bytes bytes = *stored;
@@ -195,7 +202,7 @@ bool PutValue(const Property* property, const ValueRequest& request, void* paren
         return PutError(request.tag, MAPI_E_NOT_FOUND, value);
     }
     const ValueShape shape = ShapeOf(stored);
-    if (SizeOf(*property) > request.longest) {
+    if (IsStreamed(*property) && SizeOf(*property) > request.longest) {
         return PutError(request.tag, MAPI_E_NOT_ENOUGH_MEMORY, value);
     }
     value.ulPropTag = CHANGE_PROP_TYPE(request.tag, asked);

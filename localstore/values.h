@@ -12,7 +12,8 @@
 
 namespace localstore {
 
-/// Longest string or binary, in bytes, that GetProps hands out; a longer one comes through a stream.
+/// Longest binary or body, in bytes, that GetProps hands out; a longer one comes through a stream. Other
+/// strings come whole.
 constexpr std::size_t kLongestValue = 32'768;
 /// The same for a row of a table.
 constexpr std::size_t kLongestRowValue = 4'096;

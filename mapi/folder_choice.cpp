@@ -106,7 +106,7 @@ ComPtr<IMAPIFolder> CMAPIObject::GetOutlookFolderFromEntryID(const CString& hexI
     return folder;
 }
 
-ComPtr<IMAPIFolder> CMAPIObject::SearchStores(const CString& hexId) {
+ComPtr<IMAPIFolder> CMAPIObject::SearchStores(const CString& hexId) const {
     const auto id = HexStringToBinary(hexId);
     if (!m_lpMAPISession) {
         AfxThrowUserException();

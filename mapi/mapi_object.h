@@ -107,7 +107,7 @@ class CMAPIObject {
                           int depth);
     bool AppendFolder(IMsgStore* store, const SRow& row, CXMLParser& document, IXMLDOMNode* parent,
                       int depth);
-    ComPtr<IMAPIFolder> SearchStores(const CString& hexId);
+    ComPtr<IMAPIFolder> SearchStores(const CString& hexId) const;
     bool ReadChosenContacts(const CString& lParam1);
     bool ReadAllContacts(const FolderIdentity& identity);
     void SendContactRow(IMAPIFolder* chosen, const SRow& row, const CString& path);

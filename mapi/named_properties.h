@@ -20,7 +20,7 @@ GUID PropertySet(ULONG firstBits);
 ULONG GetNamedPropertyTag(IMAPIProp* object, ULONG propertySet, LONG id);
 
 /// The same for a property whose name is a text.
-ULONG GetNamedPropertyTag(IMAPIProp* object, ULONG propertySet, const wchar_t* name);
+ULONG GetNamedPropertyTag(IMAPIProp* object, ULONG propertySet, const wchar_t* text);
 
 /// Reads one property by tag. Empty unless the call returned exactly 0: an absent property comes with a
 /// warning.

@@ -22,7 +22,7 @@ CString& CString::Trim() {
     const std::size_t last = find_last_not_of(kWhiteSpace);
     if (last == npos) {
         clear();
-        return *this;
+        return CString(View());
     }
     erase(last + 1);
     erase(0, find_first_not_of(kWhiteSpace));
@@ -43,9 +43,9 @@ CString CString::FromNumber(long long number) {
 
 #ifdef _WIN32
 CString CString::Format(const wide* format, ...) {
-    std::va_list arguments;
+    std::va_list arguments = nullptr;
     va_start(arguments, format);
-    std::va_list again;
+    std::va_list again = nullptr;
     va_copy(again, arguments);
     const int length = _vscwprintf(format, arguments);
     va_end(arguments);

@@ -57,6 +57,14 @@ class CheckRoomsTest(unittest.TestCase):
     def test_generated_header_outside_its_rooms(self):
         self.assertEqual(self.check({"mapi/a.cpp": '#include "command.h"\n'}), [("mapi/a.cpp", 1, "include")])
 
+    def test_header_beside_a_file(self):
+        fixture = {"tests/unit/fixture.h": "", "tests/unit/a_test.cpp": '#include "fixture.h"\n'}
+        self.assertEqual(self.check(fixture), [])
+        self.assertEqual(self.check({"mapi/fixture.h": "", "mapi/a.cpp": '#include "fixture.h"\n'}),
+                         [("mapi/a.cpp", 1, "include")])
+        self.assertEqual(self.check({"tests/unit/a_test.cpp": '#include "fixture.h"\n'}),
+                         [("tests/unit/a_test.cpp", 1, "include")])
+
     def test_include_of_what_is_not_there(self):
         self.assertEqual(self.check({"mapi/a.cpp": '#include "support/gone.h"\n'}), [("mapi/a.cpp", 1, "include")])
 

@@ -18,9 +18,16 @@ for target in "${targets[@]}"; do
   # The seeds of a target, if it has any, are only read.
   seeds=tests/fuzz/corpus/$name
   [ -d "$seeds" ] || seeds=
-  printf '== fuzz: %s, %s s\n' "$name" "$seconds"
-  "$target" -max_total_time="$seconds" -print_final_stats=1 -artifact_prefix="build/fuzz/found/$name-" \
-    "$corpus" ${seeds:+"$seeds"} 2>&1 | tail -n 12 || broken=$((broken + 1))
+  log=build/fuzz/$name.log
+  printf '%-24s ' "$name"
+  if "$target" -max_total_time="$seconds" -artifact_prefix="build/fuzz/found/$name-" \
+    "$corpus" ${seeds:+"$seeds"} >"$log" 2>&1; then
+    grep '^Done ' "$log"
+  else
+    broken=$((broken + 1))
+    printf 'A FIND, see build/fuzz/found and %s\n' "$log"
+    tail -n 40 "$log"
+  fi
 done
 printf '%d targets, %d with a find\n' "${#targets[@]}" "$broken"
 [ "$broken" -eq 0 ]

@@ -10,7 +10,7 @@ for tool in clang-format clang-tidy python3 clang++; do
 done
 
 printf '== lint: format\n'
-mapfile -t sources < <(git ls-files --cached --others --exclude-standard '*.cpp' '*.h' | xargs ls -d 2>/dev/null)
+mapfile -t sources < <(find . -path ./build -prune -o \( -name '*.cpp' -o -name '*.h' \) -print | sort)
 if clang-format --dry-run -Werror "${sources[@]}"; then
   printf '%d files\n' "${#sources[@]}"
 else

@@ -13,8 +13,8 @@
 #include <mapix.h>
 #include <windows.h>
 
-#include <cstdio>
 #include <fstream>
+#include <iostream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -26,9 +26,9 @@ namespace {
 
 void Require(HRESULT result, const char* what) {
     if (result != S_OK) {
-        char text[128];
-        std::snprintf(text, sizeof(text), "%s gives %08lX", what, static_cast<unsigned long>(result));
-        throw std::runtime_error(text);
+        std::ostringstream text;
+        text << what << " gives " << std::hex << static_cast<unsigned long>(result);
+        throw std::runtime_error(text.str());
     }
 }
 
@@ -181,6 +181,7 @@ void SetKeywords(IMessage* message, std::vector<std::wstring> texts) {
     name.ulKind = MNID_STRING;
     name.Kind.lpwstrName = keywords;
     std::vector<LPWSTR> pointers;
+    pointers.reserve(texts.size());
     for (std::wstring& text : texts) {
         pointers.push_back(text.data());
     }
@@ -242,7 +243,7 @@ int MakeContacts(const Mail& mail, std::istream& list) {
 
 int wmain(int count, wchar_t** arguments) {
     if (count != 3) {
-        std::fputs("make_contacts MAPI32.DLL LIST\n", stderr);
+        std::cerr << "make_contacts MAPI32.DLL LIST\n";
         return 2;
     }
     try {
@@ -251,10 +252,10 @@ int wmain(int count, wchar_t** arguments) {
             throw std::runtime_error("the list cannot be read");
         }
         const Mail mail(arguments[1]);
-        std::printf("%d contacts\n", MakeContacts(mail, list));
+        std::cout << MakeContacts(mail, list) << " contacts\n";
         return 0;
     } catch (const std::exception& failure) {
-        std::fprintf(stderr, "make_contacts: %s\n", failure.what());
+        std::cerr << "make_contacts: " << failure.what() << '\n';
         return 1;
     }
 }

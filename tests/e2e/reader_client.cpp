@@ -4,8 +4,8 @@
 
 #include <windows.h>
 
-#include <cstdio>
 #include <cwchar>
+#include <iostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -46,7 +46,8 @@ struct Reception {
     unsigned long failAt = 0;
     unsigned long crashAfter = 0;
     unsigned long documents = 0;
-    Handle shutdown{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    /// Set when the agent says that it goes away.
+    Handle shutdown;
 };
 Reception g_reception;
 
@@ -61,14 +62,16 @@ RPC_WSTR RpcText(wchar_t* text) {
 }
 
 void WriteDocument(const wchar_t* xml) {
-    wchar_t name[32];
-    swprintf(name, 32, L"\\%06lu.utf16", g_reception.documents);
-    const FileHandle file(CreateFileW((g_reception.folder + name).c_str(), GENERIC_WRITE, 0, nullptr,
-                                      CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    // Of one length, so that the names are in the order of the documents.
+    constexpr unsigned long kBase = 1000000;
+    const std::wstring path =
+        g_reception.folder + L"\\" + std::to_wstring(kBase + g_reception.documents) + L".utf16";
+    const FileHandle file(
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     const auto size = static_cast<DWORD>(wcslen(xml) * sizeof(wchar_t));
     DWORD written = 0;
     if (!file || WriteFile(file.Get(), xml, size, &written, nullptr) == 0 || written != size) {
-        std::fprintf(stderr, "reader_client: a document cannot be written\n");
+        std::cerr << "reader_client: a document cannot be written\n";
         TerminateProcess(GetCurrentProcess(), 1);
     }
 }
@@ -124,14 +127,14 @@ void DoLogOn(std::wstring profile) {
     long status = -1;
     wchar_t* const text = profile.data();
     GuardedRpc([text, &status] { MAPILogOn(text, &status); });
-    std::printf("logon %ld\n", status);
+    std::cout << "logon " << status << '\n';
 }
 
 void DoCount() {
     long count = -1;
     long status = -1;
     GuardedRpc([&count, &status] { GetContactCount(&count, &status); });
-    std::printf("count %ld %ld\n", count, status);
+    std::cout << "count " << count << ' ' << status << '\n';
 }
 
 void DoRead() {
@@ -140,7 +143,7 @@ void DoRead() {
     wchar_t nothing[] = L"";
     wchar_t* const text = nothing;
     GuardedRpc([text, &status] { ReadContacts(text, text, &status); });
-    std::printf("read %ld %lu\n", status, g_reception.documents - before);
+    std::cout << "read " << status << ' ' << g_reception.documents - before << '\n';
 }
 
 /// A procedure that takes a text and gives a status.
@@ -181,7 +184,7 @@ void AwaitEnd() {
         Sleep(kPollMilliseconds);
     }
     const bool announced = WaitForSingleObject(g_reception.shutdown.Get(), 0) == WAIT_OBJECT_0;
-    std::printf("end %s\n", announced ? "announced" : "not announced");
+    std::cout << "end " << (announced ? "announced" : "not announced") << '\n';
 }
 
 void Do(const std::wstring& command) {
@@ -204,7 +207,7 @@ void Do(const std::wstring& command) {
     } else if (!DoTextCommand(command)) {
         throw std::invalid_argument(kUsage);
     }
-    std::fflush(stdout);
+    std::cout.flush();
 }
 
 /// Takes the options off the front of the arguments and returns the first command.
@@ -254,6 +257,7 @@ void MAPISendBackOneCalenda(wchar_t* xml) {
 
 int wmain(int /*count*/, wchar_t** arguments) {
     try {
+        g_reception.shutdown.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
         wchar_t** command = ReadOptions(arguments + 1);
         BindToAgent();
         WaitForAgent();
@@ -262,9 +266,9 @@ int wmain(int /*count*/, wchar_t** arguments) {
         }
         return 0;
     } catch (const RpcFailure& failure) {
-        std::fprintf(stderr, "reader_client: a remote call failed, status %lu\n", failure.Status());
+        std::cerr << "reader_client: a remote call failed, status " << failure.Status() << '\n';
     } catch (const std::exception& failure) {
-        std::fprintf(stderr, "reader_client: %s\n", failure.what());
+        std::cerr << "reader_client: " << failure.what() << '\n';
     }
     return 1;
 }

@@ -21,7 +21,7 @@ std::filesystem::path AgentPath() {
 }
 
 std::filesystem::path MakeStore(const std::vector<std::wstring>& surnames, const std::wstring& body) {
-    const std::filesystem::path root =
+    std::filesystem::path root =
         std::filesystem::temp_directory_path() / ("zeb-wire-" + std::to_string(GetCurrentProcessId()));
     const std::filesystem::path folder = root / "Work" / "Mail" / "Contacts";
     std::filesystem::create_directories(folder);

@@ -7,10 +7,10 @@ namespace {
 constexpr const wchar_t* kName = L"\\\\.\\pipe\\OutlookServer32";
 constexpr DWORD kBufferSize = 65536;
 
-/// One more end of the pipe for one more client. Messages, because the platform's clients ask for them.
+/// One more end of the pipe for one more client. It carries messages, because the platform's
+/// clients ask for them, and is read as bytes.
 FileHandle CreatePipeEnd() {
-    return FileHandle(CreateNamedPipeW(kName, PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED,
-                                       PIPE_TYPE_MESSAGE | PIPE_READMODE_BYTE | PIPE_WAIT,
+    return FileHandle(CreateNamedPipeW(kName, PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED, PIPE_TYPE_MESSAGE,
                                        PIPE_UNLIMITED_INSTANCES, kBufferSize, kBufferSize, 0, nullptr));
 }
 

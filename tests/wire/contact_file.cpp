@@ -2,6 +2,8 @@
 
 #include <objbase.h>
 
+#include <iomanip>
+#include <sstream>
 #include <stdexcept>
 
 #include "support/owners.h"
@@ -33,13 +35,13 @@ void WriteStream(IStorage* storage, const wchar_t* name, const Bytes& bytes) {
 
 /// A text: its units in a stream of its own, and an entry whose size counts the terminator that is not there.
 void AddText(IStorage* storage, ByteWriter& entries, std::uint32_t tag, const std::wstring& text) {
-    wchar_t name[32];
-    swprintf(name, 32, L"__substg1.0_%08X", tag);
+    std::wostringstream name;
+    name << L"__substg1.0_" << std::hex << std::uppercase << std::setw(8) << std::setfill(L'0') << tag;
     ByteWriter units;
     for (const wchar_t unit : text) {
         units.U16(unit);
     }
-    WriteStream(storage, name, units.Written());
+    WriteStream(storage, name.str().c_str(), units.Written());
     entries.U32(tag).U32(kPropertyFlags).U32(static_cast<std::uint32_t>(2 * (text.size() + 1))).U32(0);
 }
 

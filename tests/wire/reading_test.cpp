@@ -16,13 +16,21 @@ using testing::StartsWith;
 constexpr std::uint16_t kMAPIServerShutdown = 0;
 constexpr std::uint16_t kMAPISendBackOneContact = 1;
 
-const Bytes kSuccess = Hex("00 00 00 00");
-const Bytes kFailure = Hex("01 00 00 00");
+Bytes Success() {
+    return Hex("00 00 00 00");
+}
+Bytes Failure() {
+    return Hex("01 00 00 00");
+}
 /// Two arguments: a text that is ignored, of odd length so that padding follows it, and no map file.
-const Bytes kReadAll =
-    Hex("03 00 00 00  00 00 00 00  03 00 00 00  61 00 62 00 00 00  00 00"
+Bytes ReadAll() {
+    return Hex(
+        "03 00 00 00  00 00 00 00  03 00 00 00  61 00 62 00 00 00  00 00"
         "01 00 00 00  00 00 00 00  01 00 00 00  00 00");
-const Bytes kDefaultProfile = Hex("01 00 00 00  00 00 00 00  01 00 00 00  00 00");
+}
+Bytes DefaultProfile() {
+    return Hex("01 00 00 00  00 00 00 00  01 00 00 00  00 00");
+}
 
 /// The document of a callback, whose stub holds this one text and nothing else.
 std::wstring Document(const CallPdu& call) {
@@ -41,7 +49,7 @@ std::wstring SurnameElement(const std::wstring& surname) {
 }
 
 void LogOn(CommandConnection& connection) {
-    ASSERT_EQ(connection.Call(2, kDefaultProfile).stub, kSuccess);
+    ASSERT_EQ(connection.Call(2, DefaultProfile()).stub, Success());
 }
 
 TEST(Reading, ContactsArriveOneACall) {
@@ -50,7 +58,7 @@ TEST(Reading, ContactsArriveOneACall) {
     CommandConnection connection;
     LogOn(connection);
     EXPECT_EQ(connection.Call(5).stub, Hex("03 00 00 00  00 00 00 00"));
-    EXPECT_EQ(connection.Call(15, kReadAll).stub, kSuccess);
+    EXPECT_EQ(connection.Call(15, ReadAll()).stub, Success());
 
     EXPECT_THAT(endpoint.ProposedInterfaces(), Each(CallbackSyntax()));
     const std::vector<CallPdu> calls = endpoint.Calls();
@@ -70,7 +78,7 @@ TEST(Reading, ALongDocumentArrivesWhole) {
     const CallbackEndpoint endpoint;
     CommandConnection connection;
     LogOn(connection);
-    EXPECT_EQ(connection.Call(15, kReadAll).stub, kSuccess);
+    EXPECT_EQ(connection.Call(15, ReadAll()).stub, Success());
     const std::vector<CallPdu> calls = endpoint.Calls();
     ASSERT_THAT(calls, SizeIs(1));
     EXPECT_NE(Document(calls.front()).find(L"<SP-BODY>" + body + L"</SP-BODY>"), std::wstring::npos);
@@ -87,9 +95,9 @@ TEST(Reading, StopOnASecondConnectionEndsTheReadAfterTheItem) {
     });
     CommandConnection connection;
     LogOn(connection);
-    EXPECT_EQ(connection.Call(15, kReadAll).stub, kFailure);
+    EXPECT_EQ(connection.Call(15, ReadAll()).stub, Failure());
     EXPECT_THAT(endpoint.Calls(), SizeIs(1));
-    EXPECT_EQ(connection.Call(15, kReadAll).stub, kSuccess);
+    EXPECT_EQ(connection.Call(15, ReadAll()).stub, Success());
     EXPECT_THAT(endpoint.Calls(), SizeIs(1 + 3));
 }
 
@@ -99,9 +107,9 @@ TEST(Reading, StopWithNoReadRunningEndsTheNextOne) {
     CommandConnection connection;
     LogOn(connection);
     EXPECT_EQ(connection.Call(1).type, PduType::kResponse);
-    EXPECT_EQ(connection.Call(15, kReadAll).stub, kFailure);
+    EXPECT_EQ(connection.Call(15, ReadAll()).stub, Failure());
     EXPECT_THAT(endpoint.Calls(), SizeIs(0));
-    EXPECT_EQ(connection.Call(15, kReadAll).stub, kSuccess);
+    EXPECT_EQ(connection.Call(15, ReadAll()).stub, Success());
     EXPECT_THAT(endpoint.Calls(), SizeIs(1));
 }
 

@@ -118,6 +118,17 @@ TEST(NameMap, KeepsIdentifiersWhenANameIsAdded) {
     EXPECT_EQ(read.IdOfName(Number(kAddress, 1)), 0x8003);
 }
 
+TEST(NameMap, GivesDamagedEntriesNoMeaningWhenANameIsAdded) {
+    // The third set and the first text are not there yet; the name that is added brings both.
+    StorageTree top = Raw({}, Entry(0, 7, 0), {});
+    NameMap names;
+    ASSERT_TRUE(names.Take(top));
+    const std::optional<PropertyId> id = names.Add(Word(kAddress, WIDE("added")), 0);
+    const NameMap read = Again(names);
+    EXPECT_EQ(read.NameOf(0x8000), nullptr);
+    EXPECT_EQ(read.IdOfName(Word(kAddress, WIDE("added"))), id);
+}
+
 TEST(NameMap, GivesNoIdentifierThatTheFileUsesWithoutAName) {
     NameMap names;
     EXPECT_EQ(names.Add(Number(kAddress, 1), 0x8123), 0x8123);

@@ -169,6 +169,17 @@ TEST_F(Tables, RefuseWhatMakesNoSense) {
     EXPECT_EQ(m_table->SortTable(reinterpret_cast<LPSSortOrderSet>(&order), 0), MAPI_E_TOO_COMPLEX);
 }
 
+TEST_F(Tables, BringALongStringWhole) {
+    const ComPtr<IMessage> message = OpenMessage(m_contacts.Get(), AddContact(m_contacts.Get(), L"z"));
+    const std::wstring text(100'000, L'x');
+    ASSERT_EQ(Set(message.Get(), {StringValue(PR_SURNAME_W, text.c_str())}), S_OK);
+    ASSERT_EQ(message->SaveChanges(0), S_OK);
+    const RowSet rows = ContentsOf(m_contacts.Get(), {PR_SURNAME_W});
+    const SPropValue& value = rows->aRow[3].lpProps[0];
+    ASSERT_EQ(value.ulPropTag, PR_SURNAME_W);
+    EXPECT_EQ(value.Value.lpszW, text);
+}
+
 TEST_F(Tables, ShowALongBinaryAsNotEnoughMemory) {
     const ComPtr<IMessage> message = OpenMessage(m_contacts.Get(), AddContact(m_contacts.Get(), L"z"));
     constexpr ULONG tag = 0x65000102;
