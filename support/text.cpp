@@ -22,7 +22,7 @@ CString& CString::Trim() {
     const std::size_t last = find_last_not_of(kWhiteSpace);
     if (last == npos) {
         clear();
-        return CString(View());
+        return *this;
     }
     erase(last + 1);
     erase(0, find_first_not_of(kWhiteSpace));
@@ -66,7 +66,7 @@ namespace NAMESPACE_COMMON {
 
 CString CStringEx::NextToken(WideView separator) {
     if (separator.empty()) {
-        return *this;
+        return CString(View());
     }
     const std::size_t position = find(separator);
     CString token = substr(0, position);
