@@ -31,7 +31,7 @@ class TableOutput : public ItemOutput {
 
 class DocumentOutput : public ItemOutput {
   public:
-    void Take(ItemDocument& document) override { PrintOutput(WideString(document.Text()) + L"\n"); }
+    void Take(ItemDocument& document) override { PrintOutput(CString(document.Text()) + L"\n"); }
     [[nodiscard]] bool WritesAtOnce() const override { return true; }
 };
 

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include <rpc.h>
 
@@ -34,7 +35,8 @@ constexpr const char* kUsage =
     "  --fail-at N        raise an exception while the Nth document is being received\n"
     "  --crash-after N    end without a word while the Nth document is being received\n"
     "commands:\n"
-    "  logon[=PROFILE] count read stop logoff shutdown\n"
+    "  logon[=PROFILE] count read stop logoff shutdown profiles folders\n"
+    "  contact-folder=SELECTION calendar-folder=SELECTION\n"
     "  await-end          wait until the agent is gone, and tell whether it said so before\n";
 
 /// What the callbacks do and have done. They come on the runtime's threads, one at a time.
@@ -144,6 +146,35 @@ void DoRead() {
     std::cout << "read " << status << ' ' << g_reception.documents - before << '\n';
 }
 
+/// A procedure that takes a text and gives a status.
+using TextProcedure = void (*)(wchar_t* text, long* status);
+
+void DoWithText(const wchar_t* word, TextProcedure procedure, std::wstring value) {
+    long status = -1;
+    wchar_t* const text = value.data();
+    GuardedRpc([text, &status, procedure] { procedure(text, &status); });
+    std::printf("%ls %ld\n", word, status);
+}
+
+/// True if the command was one of those with a text.
+bool DoTextCommand(const std::wstring& command) {
+    constexpr std::pair<const wchar_t*, TextProcedure> kCommands[] = {
+        {L"profiles", GetAppProfile},
+        {L"folders", GetAppFolder},
+        {L"contact-folder", SetContactFolder},
+        {L"calendar-folder", SetCalendarFolder},
+    };
+    const std::size_t equals = command.find(L'=');
+    for (const auto& [word, procedure] : kCommands) {
+        if (command.substr(0, equals) == word) {
+            DoWithText(word, procedure,
+                       equals == std::wstring::npos ? std::wstring() : command.substr(equals + 1));
+            return true;
+        }
+    }
+    return false;
+}
+
 void AwaitEnd() {
     for (DWORD waited = 0; WaitNamedPipeW(kCommandPipe, 1) != 0 || GetLastError() == ERROR_SEM_TIMEOUT;
          waited += kPollMilliseconds) {
@@ -173,7 +204,7 @@ void Do(const std::wstring& command) {
         GuardedRpc([] { Shutdown(); });
     } else if (command == L"await-end") {
         AwaitEnd();
-    } else {
+    } else if (!DoTextCommand(command)) {
         throw std::invalid_argument(kUsage);
     }
     std::cout.flush();

@@ -48,6 +48,11 @@ TEST(Arguments, AreRefusedIfTheyMakeNoSense) {
     EXPECT_EQ(UsageFailure({L"--nothing"}), L"there is no option --nothing");
     EXPECT_EQ(UsageFailure({L"--out"}), L"--out needs a value");
     EXPECT_EQ(UsageFailure({L"--out="}), L"--out needs the name of a folder");
+    for (const wchar_t* id : {L"", L"A", L"00AG", L"<id>00AB</id>", L"00 AB"}) {
+        EXPECT_EQ(UsageFailure({L"--folder", id}),
+                  L"--folder needs an identifier as \"zebdesk folders\" shows it");
+    }
+    EXPECT_EQ(UsageFailure({L"--folder=00aBF9"}), L"");
     EXPECT_EQ(UsageFailure({L"--xml=yes"}), L"--xml takes no value");
     EXPECT_EQ(UsageFailure({L"read", L"contacts"}), L"");
 }
