@@ -4,20 +4,13 @@
 #include "callback.h"
 #include "mapi/send_back.h"
 #include "support/log.h"
+#include "support/rpc_endpoints.h"
 #include "support/rpc_guard.h"
-
-namespace {
-
-RPC_WSTR RpcText(const wchar_t* text) {
-    return const_cast<RPC_WSTR>(reinterpret_cast<const unsigned short*>(text));
-}
-
-}  // namespace
 
 int BindOutlookServer() {
     RPC_WSTR text = nullptr;
-    RPC_STATUS status = g_rpc.stringBindingCompose(nullptr, RpcText(L"ncacn_np"), nullptr,
-                                                   RpcText(L"\\pipe\\OutlookServer32"), nullptr, &text);
+    RPC_STATUS status = g_rpc.stringBindingCompose(nullptr, RpcText(kProtocolSequence), nullptr,
+                                                   RpcText(kCallbackEndpoint), nullptr, &text);
     if (status != RPC_S_OK) {
         Log(kLogFailure, L"RpcStringBindingCompose return =%08x \r\n", status);
         g_rpc.exitProcess(static_cast<int>(status));

@@ -9,6 +9,7 @@
 #include "support/log.h"
 #include "support/log_file.h"
 #include "support/mapi_entry_points.h"
+#include "support/rpc_endpoints.h"
 #include "support/settings.h"
 #include "support/user_folders.h"
 
@@ -17,10 +18,6 @@ HMODULE g_hMAPI32 = nullptr;
 namespace {
 
 constexpr int kDefaultLogLevel = 4;
-
-RPC_WSTR RpcText(wchar_t* text) {
-    return reinterpret_cast<RPC_WSTR>(text);
-}
 
 /// Ends the process with a status of the RPC runtime unless it is 0. The format takes the status.
 void RequireOk(RPC_STATUS status, const wchar_t* format) {
@@ -38,10 +35,9 @@ int RunAgent(HINSTANCE instance) {
         return 1;
     }
     Log(kLogFailure, L"Begin  Rpc Intliaize-----------------------------------");
-    wchar_t protocol[] = L"ncacn_np";
-    wchar_t endpoint[] = L"\\pipe\\MapiServer64";
-    RequireOk(g_rpc.serverUseProtseqEp(RpcText(protocol), kMaxCalls, RpcText(endpoint), nullptr),
-              L"RpcServerUseProtseqEp return =%08x \r\n");
+    RequireOk(
+        g_rpc.serverUseProtseqEp(RpcText(kProtocolSequence), kMaxCalls, RpcText(kCommandEndpoint), nullptr),
+        L"RpcServerUseProtseqEp return =%08x \r\n");
     RequireOk(g_rpc.serverRegisterIf(ZebAgentCommand_v1_0_s_ifspec, nullptr, nullptr),
               L"RpcServerRegisterIf return =%08x \r\n");
     // Without MAPI the agent listens all the same, and its logons fail.

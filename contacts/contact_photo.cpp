@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "mapi/exact_restriction.h"
 #include "mapi/property_tags.h"
 #include "mapi/table_rows.h"
 #include "support/errors.h"
@@ -20,20 +21,9 @@ enum PhotoColumn : unsigned { kAttachNumber, kAttachData };
 
 RowSet QueryPhotos(IMAPITable* attachments) {
     SizedSPropTagArray(3, columns) = {3, {PR_ATTACH_NUM, PR_ATTACH_DATA_BIN, PR_ATTACH_SIZE}};
-    SPropValue isPhoto{};
-    isPhoto.ulPropTag = PR_ATTACHMENT_CONTACTPHOTO;
-    isPhoto.Value.b = TRUE;
-    SRestriction restriction{};
-    restriction.rt = RES_PROPERTY;
-    restriction.res.resProperty.relop = RELOP_EQ;
-    restriction.res.resProperty.ulPropTag = PR_ATTACHMENT_CONTACTPHOTO;
-    restriction.res.resProperty.lpProp = &isPhoto;
-
+    ExactRestriction isPhoto(PR_ATTACHMENT_CONTACTPHOTO, true);
     RowSet rows;
-    if (pfnHrQueryAllRows(attachments, reinterpret_cast<LPSPropTagArray>(&columns), &restriction, nullptr, 0,
-                          rows.Put()) != S_OK) {
-        rows.Reset();
-    }
+    QueryAllRows(attachments, reinterpret_cast<const SPropTagArray*>(&columns), isPhoto.Get(), rows);
     return rows;
 }
 

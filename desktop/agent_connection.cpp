@@ -1,6 +1,6 @@
 #include "desktop/agent_connection.h"
 
-#include "desktop/rpc_endpoint.h"
+#include "support/rpc_endpoints.h"
 
 extern "C" {
 #include "command.h"

@@ -3,8 +3,8 @@
 #include <windows.h>
 
 #include "desktop/interrupt.h"
-#include "desktop/rpc_endpoint.h"
 #include "support/owners.h"
+#include "support/rpc_endpoints.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <mutex>
 
 #include "desktop/failure.h"
-#include "desktop/rpc_endpoint.h"
+#include "support/rpc_endpoints.h"
 
 extern "C" {
 #include "callback.h"

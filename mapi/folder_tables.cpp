@@ -2,6 +2,7 @@
 
 #include <mapitags.h>
 
+#include "mapi/exact_restriction.h"
 #include "mapi/operation_log.h"
 
 namespace {
@@ -27,23 +28,10 @@ ComPtr<IMAPIFolder> OpenThrough(Opener* through, const wchar_t* name, const SBin
 /// All rows of which a text property is exactly a value; for a null value, all rows there are.
 RowSet QueryRows(IMAPITable* table, const SPropTagArray* columns, ULONG tag, const wchar_t* value,
                  const wchar_t* operation) {
-    SPropValue exact{};
-    exact.ulPropTag = tag;
-    exact.Value.lpszW = const_cast<LPWSTR>(value);
-    SRestriction restriction{};
-    restriction.rt = RES_PROPERTY;
-    restriction.res.resProperty.relop = RELOP_EQ;
-    restriction.res.resProperty.ulPropTag = tag;
-    restriction.res.resProperty.lpProp = &exact;
-
+    ExactRestriction exact(tag, value);
     RowSet rows;
-    const HRESULT result =
-        pfnHrQueryAllRows(table, const_cast<LPSPropTagArray>(columns),
-                          value == nullptr ? nullptr : &restriction, nullptr, 0, rows.Put());
+    const HRESULT result = QueryAllRows(table, columns, value == nullptr ? nullptr : exact.Get(), rows);
     LogResult(operation, L"pfnHrQueryAllRows", result);
-    if (result != S_OK) {
-        rows.Reset();
-    }
     return rows;
 }
 

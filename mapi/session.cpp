@@ -1,5 +1,6 @@
 #include <mapitags.h>
 
+#include "mapi/exact_restriction.h"
 #include "mapi/folder_types.h"
 #include "mapi/mapi_object.h"
 #include "mapi/store_entries.h"
@@ -18,15 +19,8 @@ constexpr FLAGS kLogonFlags =
 
 /// The store that is marked as the default, as the one row of a table.
 TableRows QueryDefaultStore(IMAPISession* session) {
-    SPropValue isDefault{};
-    isDefault.ulPropTag = PR_DEFAULT_STORE;
-    isDefault.Value.b = TRUE;
-    SRestriction restriction{};
-    restriction.rt = RES_PROPERTY;
-    restriction.res.resProperty.relop = RELOP_EQ;
-    restriction.res.resProperty.ulPropTag = PR_DEFAULT_STORE;
-    restriction.res.resProperty.lpProp = &isDefault;
-    return QueryStores(session, &restriction, L"MAPILogOn");
+    ExactRestriction isDefault(PR_DEFAULT_STORE, true);
+    return QueryStores(session, isDefault.Get(), L"MAPILogOn");
 }
 
 }  // namespace

@@ -22,13 +22,9 @@ TableRows QueryStores(IMAPISession* session, SRestriction* restriction, const wc
         stores.table.Reset();
         return stores;
     }
-    result = pfnHrQueryAllRows(stores.table.Get(),
-                               const_cast<LPSPropTagArray>(reinterpret_cast<const SPropTagArray*>(&kColumns)),
-                               restriction, nullptr, 0, stores.rows.Put());
+    result = QueryAllRows(stores.table.Get(), reinterpret_cast<const SPropTagArray*>(&kColumns), restriction,
+                          stores.rows);
     LogResult(operation, L"pfnHrQueryAllRows", result);
-    if (result != S_OK) {
-        stores.rows.Reset();
-    }
     return stores;
 }
 

@@ -2,6 +2,16 @@
 
 #include <mapitags.h>
 
+HRESULT QueryAllRows(IMAPITable* table, const SPropTagArray* columns, SRestriction* restriction,
+                     RowSet& rows) {
+    const HRESULT result =
+        pfnHrQueryAllRows(table, const_cast<LPSPropTagArray>(columns), restriction, nullptr, 0, rows.Put());
+    if (result != S_OK) {
+        rows.Reset();
+    }
+    return result;
+}
+
 const SPropValue* ValueOfColumn(const SRow& row, unsigned column, ULONG tag) {
     if (row.lpProps == nullptr || column >= row.cValues || row.lpProps[column].ulPropTag != tag) {
         return nullptr;

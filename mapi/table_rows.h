@@ -15,6 +15,11 @@ struct TableRows {
 /// The entry identifier in a column; a null identifier if the row does not have it.
 SBinary EntryIdOfColumn(const SRow& row, unsigned column);
 
+/// Reads all rows of a table, those of a restriction or, for null, all there are. Without rows unless the
+/// result is 0.
+HRESULT QueryAllRows(IMAPITable* table, const SPropTagArray* columns, SRestriction* restriction,
+                     RowSet& rows);
+
 /// The value of a column that holds a property of the given tag; null if the row does not have it.
 const SPropValue* ValueOfColumn(const SRow& row, unsigned column, ULONG tag);
 

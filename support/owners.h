@@ -13,8 +13,8 @@
 template<class Interface>
 using ComPtr = Microsoft::WRL::ComPtr<Interface>;
 
-/// Takes over the one reference that the caller has. ComPtr::Attach is not that everywhere: the one of MinGW-w64 adds a
-/// reference.
+/// Takes over the one reference that the caller has. ComPtr::Attach is not that everywhere: the one of
+/// MinGW-w64 adds a reference.
 template<class Interface>
 ComPtr<Interface> Adopt(Interface* object) noexcept {
     ComPtr<Interface> owner;

@@ -1,6 +1,7 @@
 #pragma once
 
-// The names of the two endpoints, in the type that the RPC runtime wants.
+// The names of the two endpoints, for the agent and for the desktop program, and the type that the RPC
+// runtime wants.
 
 #include <windows.h>
 
