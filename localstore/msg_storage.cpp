@@ -4,8 +4,11 @@
 
 #include <objbase.h>
 
+#include <algorithm>
 #include <cstring>
+#include <vector>
 
+#include "localstore/compound_file.h"
 #include "localstore/failure.h"
 #include "localstore/file_system.h"
 #include "support/owners.h"
@@ -90,25 +93,63 @@ StorageTree ReadTree(IStorage* storage, int depth, ReadState& state) {
     return tree;
 }
 
+void WriteTree(const StorageTree& tree, IStorage* storage);
+
+/// A stream or storage to be written, in the order in which directories keep names (MS-CFB, section 2.6.4).
+struct Element {
+    const Text* name;
+    const SharedBytes* stream;
+    const StorageTree* storage;
+
+    bool operator<(const Element& other) const {
+        return name->size() != other.name->size() ? name->size() < other.name->size() : *name < *other.name;
+    }
+};
+
+void WriteElement(const Element& element, IStorage* storage) {
+    if (element.storage != nullptr) {
+        ComPtr<IStorage> created;
+        RequireSuccess(storage->CreateStorage(element.name->c_str(), kWriting, 0, 0, &created));
+        WriteTree(*element.storage, created.Get());
+        return;
+    }
+    const Bytes& bytes = **element.stream;
+    ComPtr<IStream> stream;
+    RequireSuccess(storage->CreateStream(element.name->c_str(), kWriting, 0, 0, &stream));
+    if (bytes.empty()) {
+        return;
+    }
+    ULONG written = 0;
+    RequireSuccess(stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), &written));
+    Require(written == bytes.size(), STG_E_MEDIUMFULL);
+}
+
+/// Writes the middle one first, then both halves in the same way. Some systems put names into the tree of a
+/// directory as they come: in order, they would make it a list, through which every look-up goes from end to
+/// end.
+void WriteBalanced(const Element* first, const Element* last, IStorage* storage) {
+    if (first == last) {
+        return;
+    }
+    const Element* middle = first + (last - first) / 2;
+    WriteElement(*middle, storage);
+    WriteBalanced(first, middle, storage);
+    WriteBalanced(middle + 1, last, storage);
+}
+
 void WriteTree(const StorageTree& tree, IStorage* storage) {
     CLSID classId{};
     std::memcpy(&classId, tree.classId.data(), sizeof(CLSID));
     RequireSuccess(storage->SetClass(classId));
+    std::vector<Element> elements;
     for (const auto& [name, bytes] : tree.streams) {
-        ComPtr<IStream> stream;
-        RequireSuccess(storage->CreateStream(name.c_str(), kWriting, 0, 0, &stream));
-        if (bytes->empty()) {
-            continue;
-        }
-        ULONG written = 0;
-        RequireSuccess(stream->Write(bytes->data(), static_cast<ULONG>(bytes->size()), &written));
-        Require(written == bytes->size(), STG_E_MEDIUMFULL);
+        elements.push_back({&name, &bytes, nullptr});
     }
     for (const auto& [name, inner] : tree.storages) {
-        ComPtr<IStorage> created;
-        RequireSuccess(storage->CreateStorage(name.c_str(), kWriting, 0, 0, &created));
-        WriteTree(inner, created.Get());
+        elements.push_back({&name, nullptr, &inner});
     }
+    std::sort(elements.begin(), elements.end());
+    WriteBalanced(elements.data(), elements.data() + elements.size(), storage);
 }
 
 }  // namespace
@@ -116,6 +157,10 @@ void WriteTree(const StorageTree& tree, IStorage* storage) {
 std::optional<StorageTree> ReadStorage(const Bytes& file, const char*& reason) {
     if (file.empty()) {
         reason = "it is empty";
+        return std::nullopt;
+    }
+    if (const char* damage = DamageOfCompoundFile(file)) {
+        reason = damage;
         return std::nullopt;
     }
     const ComPtr<ILockBytes> bytes = MemoryOf(file);
