@@ -66,7 +66,7 @@ namespace NAMESPACE_COMMON {
 
 CString CStringEx::NextToken(WideView separator) {
     if (separator.empty()) {
-        return CString(View());
+        return {View()};
     }
     const std::size_t position = find(separator);
     CString token = substr(0, position);
