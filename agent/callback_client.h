@@ -11,7 +11,7 @@
 extern "C" handle_t g_hOutlookBinding;
 
 /// Makes a binding to "\pipe\OutlookServer32" without contacting it, and keeps it in place of an earlier one,
-/// which stays open: that is how many logons the process has served. Returns 1, or 0 on failure. A binding
+/// which stays open: so there is one for each logon of the process. Returns 1, or 0 on failure. A binding
 /// text that cannot be composed ends the process with the status.
 int BindOutlookServer();
 

@@ -1,4 +1,4 @@
-# Warnings are errors, in the project's own code and in all of it. The generated stubs, which are C, are not that.
+# Warnings are errors in all of the project's own code. The generated stubs, which are C, are not that.
 add_library(zeb_options INTERFACE)
 target_compile_options(zeb_options INTERFACE "$<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Werror;-Wshadow\
 ;-Wconversion;-Wsign-conversion;-Wnon-virtual-dtor;-Woverloaded-virtual;-Wundef>")
@@ -7,9 +7,9 @@ target_include_directories(zeb_options INTERFACE ${CMAKE_SOURCE_DIR})
 if(WIN32)
   target_compile_definitions(zeb_options INTERFACE
     UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX WINVER=0x0601 _WIN32_WINNT=0x0601)
-  # Nothing but the platform's own libraries is needed at run time. The text of the two rings meets the platform's
-  # interfaces, which look at one object through several types.
+  # The platform's interfaces look at one object through several types.
   target_compile_options(zeb_options INTERFACE -fno-strict-aliasing)
+  # Nothing but the platform's own libraries is needed at run time.
   add_link_options(-static)
 endif()
 

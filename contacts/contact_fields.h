@@ -22,7 +22,7 @@ struct ContactField {
     std::uint16_t namedId;                  ///< the id of a named property in PSETID_Address; 0 for none
 };
 
-/// All fields, in the order of their meaning. PR_GENERATION goes out as the prefix of the name and
+/// All fields, grouped by meaning. PR_GENERATION goes out as the prefix of the name and
 /// PR_DISPLAY_NAME_PREFIX as its suffix, but they come in and are written the other way round: the tags here
 /// are those of writing, and the row's elements have a table of their own.
 extern const std::span<const ContactField> kContactFields;
@@ -36,7 +36,8 @@ struct ContactRowElement {
     const wide* element;
 };
 
-/// The text properties of a contact's row, in the order in which they are asked for.
+/// The text properties of a contact's row: those that are asked for, in that order, and behind them those of
+/// the business address, which a row may bring all the same.
 extern const std::span<const ContactRowElement> kContactRowElements;
 
 /// The element of a text property, or null.

@@ -62,8 +62,7 @@ CString FetchDocument(const AgentConnection& agent, const AgentDocument& documen
     if (!bytes) {
         ThrowReadFailed(
             CString::Format(L"the agent wrote no %s to %s: if it was running before its settings were made, "
-                            L"\"zebdesk shutdown\" ends "
-                            L"it, and the next command starts it anew",
+                            L"\"zebdesk shutdown\" ends it, and the next command starts it anew",
                             document.what, path.c_str()));
     }
     return WideFromUtf8(*bytes);

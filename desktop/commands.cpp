@@ -81,8 +81,8 @@ void RunShutdown(const Arguments& /*arguments*/) {
     if (!AgentIsRunning()) {
         return;
     }
-    // The agent tells the desktop program of the last logon that it goes away, and that it goes away unwell
-    // if nobody listens; so this program does until then.
+    // The agent tells the desktop program of the last logon that it goes away, and ends with an exception if
+    // nobody listens; so this program does until then.
     const CallbackService callbacks;
     const AgentConnection agent;
     agent.Call([] { Shutdown(); });

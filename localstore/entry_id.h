@@ -10,8 +10,8 @@
 //   21      1     kind
 //   22      1     1 in a long-term identifier of a table, otherwise 0
 //   23      1     zero
-//   24      16    the folder: the same digest over its path below the store ("" is the top of the mail
-//   folders) 40      16    the message: the same digest over its file name
+//   24      16    the folder: the same digest over its path below the store ("" is the top)
+//   40      16    the message: the same digest over its file name
 //
 // A store or root identifier ends behind the first 24 bytes, a folder's behind 40 and a message's behind 56.
 // Digests and not the names stand in it because identifiers travel as hexadecimal text of at most 399

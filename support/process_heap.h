@@ -20,7 +20,7 @@ struct ProcessHeapAllocator {
 
     ProcessHeapAllocator() noexcept = default;
     template<class U>
-    ProcessHeapAllocator(const ProcessHeapAllocator<U>&) noexcept {}  // NOLINT(google-explicit-constructor)
+    ProcessHeapAllocator(const ProcessHeapAllocator<U>&) noexcept {}
 
     T* allocate(std::size_t count) {
         if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) {

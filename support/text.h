@@ -13,10 +13,9 @@ using WideString = std::basic_string<wide, std::char_traits<wide>, ProcessHeapAl
 class CString : public WideString {
   public:
     CString() = default;
-    CString(const wide* text)
-        : WideString(text == nullptr ? WIDE("") : text) {}              // NOLINT(google-explicit-constructor)
-    CString(WideView text) : WideString(text) {}                        // NOLINT(google-explicit-constructor)
-    CString(WideString text) noexcept : WideString(std::move(text)) {}  // NOLINT(google-explicit-constructor)
+    CString(const wide* text) : WideString(text == nullptr ? WIDE("") : text) {}
+    CString(WideView text) : WideString(text) {}
+    CString(WideString text) noexcept : WideString(std::move(text)) {}
     CString(const wide* text, std::size_t length) : WideString(text, length) {}
 
     /// The text as a view, for the functions that take one.

@@ -15,13 +15,10 @@ for target in "${targets[@]}"; do
   name=$(basename "$target")
   corpus=build/fuzz/corpus/$name
   mkdir -p "$corpus"
-  # The seeds of a target, if it has any, are only read.
-  seeds=tests/fuzz/corpus/$name
-  [ -d "$seeds" ] || seeds=
   log=build/fuzz/$name.log
   printf '%-24s ' "$name"
   if "$target" -max_total_time="$seconds" -artifact_prefix="build/fuzz/found/$name-" \
-    "$corpus" ${seeds:+"$seeds"} >"$log" 2>&1; then
+    "$corpus" >"$log" 2>&1; then
     grep '^Done ' "$log"
   else
     broken=$((broken + 1))

@@ -37,7 +37,7 @@ DWORD ReadRegistryLevel(const CString& imagePath) {
     DWORD size = sizeof(level);
     const LSTATUS status = RegQueryValueExW(key.Get(), imagePath.c_str(), nullptr, &type,
                                             reinterpret_cast<BYTE*>(&level), &size);
-    return status == ERROR_SUCCESS && size == sizeof(level) ? level : 0;
+    return status == ERROR_SUCCESS && type == REG_DWORD && size == sizeof(level) ? level : 0;
 }
 
 CString ReadTemporaryFolder() {
