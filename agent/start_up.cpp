@@ -31,7 +31,7 @@ void RequireOk(RPC_STATUS status, const wchar_t* format) {
 
 int RunAgent(HINSTANCE instance) {
     if (!AfxWinInit(instance, nullptr, GetCommandLineW(), 0)) {
-        std::fputs("Fatal Error: MFC initialization failed\n", stdout);
+        (void)std::fputs("Fatal Error: MFC initialization failed\n", stdout);
         return 1;
     }
     Log(kLogFailure, L"Begin  Rpc Intliaize-----------------------------------");

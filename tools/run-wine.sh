@@ -4,6 +4,11 @@
 set -eu
 here=$(cd "$(dirname "$0")/.." && pwd)
 export WINEPREFIX="${WINEPREFIX:-$here/build/wine}"
+# File names beyond ASCII need a locale of UTF-8, which an empty environment does not have.
+case "${LC_ALL:-${LC_CTYPE:-${LANG:-}}}" in
+  *[Uu][Tt][Ff]*8*) ;;
+  *) export LC_ALL=C.UTF-8 ;;
+esac
 export WINEDEBUG="${WINEDEBUG:--all}"
 # mapi32=n: the MAPI32.dll beside the program and not the one that Wine brings along.
 # winedbg.exe=d: an unhandled exception ends the process at once, without a debugger.
