@@ -102,8 +102,15 @@ class Place:
         return status, output, errors
 
     def start_agent(self, **more):
+        """Starts the agent and waits until it can be reached.
+
+        A desktop program that came too early would start another one, which nobody would end.
+        """
+        ready = "finish Rpc Intliaize"
+        before = self.log().count(ready)
         agent = self.start(self.bin / AGENT, **more)
         self._agents.append(agent)
+        wait_until(lambda: self.log().count(ready) > before or agent.poll() is not None, "the agent starts")
         return agent
 
     def settings(self, **keys):
@@ -141,7 +148,7 @@ class Place:
         out = self.path / f"read{self._desktops}"
         status, output, errors = self.run_desktop("read", "contacts", "--out", windows_path(out), *options, **more)
         if status != 0:
-            raise AssertionError(f"the desktop program ended with {status}: {output}{errors}")
+            raise AssertionError(f"the desktop program ended with {status}: {output}{errors}\n{self.log()}")
         return {file.name: file.read_bytes() for file in out.iterdir()}
 
     def make_contacts(self, contacts):
