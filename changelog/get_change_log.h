@@ -2,14 +2,10 @@
 
 // The change-log library's one function, as the agent imports it.
 
-#include "support/containers.h"
+#include "changelog/log_item.h"
 
-struct tagLogItem;
-struct GetChangeLogArgs;
-
-/// The items of a folder, in the memory of the process's heap because both sides change it.
-using LogItems = CArray<tagLogItem, const tagLogItem&>;
-
-/// Compares the items with what the map file knows of the last read, and marks in them what is new, changed
-/// or gone. Returns 1 or more if there is anything to send, and less than 1 if not.
+/// Compares the items with what the map file knows of the last comparison of this kind and domain. Marks each
+/// item as new, changed or neither, appends one for each that is gone, and puts what is there now into the
+/// map file. Returns the number of items that are marked or appended; 0 if there is none; below 0 if nothing
+/// could be compared, with items and map file as they were.
 extern "C" int GetChangeLog(LogItems* items, const GetChangeLogArgs* arguments);

@@ -1,7 +1,7 @@
+#include "changelog/folder_log.h"
+#include "contacts/contact_sending.h"
 #include "contacts/contact_xml_output.h"
-#include "mapi/folder_walk.h"
 #include "mapi/mapi_object.h"
-#include "mapi/send_back.h"
 #include "mapi/store_entries.h"
 #include "support/errors.h"
 #include "support/log.h"
@@ -10,27 +10,10 @@ namespace NAMESPACE_MAPI {
 
 namespace {
 
-constexpr ItemKind kContacts{L"IPM.Contact", L"IPF.Contact", L"m_lpContactFolder"};
-
-/// An empty document with its declaration and its root.
-void BeginContactDocument(CXMLParser& document) {
-    if (!document.InitDocument()) {
-        Log(kLogFailure, L"Xml to calnedaex - failed\r\n");
-        document.ReleaseDocument();
-        throw NoDocument();
-    }
-    document.CreateHeader();
-    document.CreateRootElement(L"Contact");
-}
-
-/// A contact that cannot be delivered does not end the read: the next one may be.
-void SendContact(const CString& xml) {
-    try {
-        SendBackOneContact(xml);
-    } catch (...) {
-        Log(kLogFailure, L"MAPISendBackOneContact Excetipion");
-    }
-}
+/// The progress message of a read that finds nothing to send, and its parameters.
+constexpr UINT kProgressMessage = 2524;
+constexpr WPARAM kContactProgress = 0x10002;
+constexpr LPARAM kAllDone = 100;
 
 }  // namespace
 
@@ -49,7 +32,7 @@ long CMAPIObject::GetContactCount() {
 }
 
 ULONG CMAPIObject::GetContactCountFromFolder(const SBinary& entryId) {
-    static constexpr FolderCount kCount{kContacts, L"GetContactCountFromFolder", L"INVALID Parameter",
+    static constexpr FolderCount kCount{kContactItems, L"GetContactCountFromFolder", L"INVALID Parameter",
                                         nullptr, L"Get Count from SubFolder"};
     const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
     return CountFolderItems(kCount, chosen.Get(), entryId);
@@ -85,8 +68,7 @@ bool CMAPIObject::ReadChosenContacts(const CString& lParam1) {
         Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to GetProps or NULL lpPropValues\r\n");
         AfxThrowUserException();
     }
-    // A read of changes alone is not served: it fails, so that nobody takes silence for "no change".
-    return lParam1.empty() && ReadAllContacts(identity);
+    return lParam1.empty() ? ReadAllContacts(identity) : ReadChangedContacts(identity, lParam1);
 }
 
 bool CMAPIObject::ReadAllContacts(const FolderIdentity& identity) {
@@ -101,9 +83,30 @@ bool CMAPIObject::ReadAllContacts(const FolderIdentity& identity) {
     return true;
 }
 
+bool CMAPIObject::ReadChangedContacts(const FolderIdentity& identity, const CString& mapFile) {
+    Log(kLogTrace, L"CMAPIObject::ReadContacts - Read Changed Items(%s)\r\n", mapFile.c_str());
+    LogItems items;
+    if (ReadContactLogFromFolder(identity.EntryId(), items) == 0) {
+        Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to read contacts from log\r\n");
+        return false;
+    }
+    Log(kLogTrace, L"CMAPIObject::ReadContacts - Call GetChangeLog\r\n");
+    if (FindChanges(items, L"contact", mapFile) < 1) {
+        Log(kLogFailure, L"CMAPIObject::ReadContacts - No Change\r\n");
+        SendMessageW(m_hNotifyWnd, kProgressMessage, kContactProgress, kAllDone);
+        return true;
+    }
+    Log(kLogTrace, L"CMAPIObject::ReadContacts - Read Changes\r\n");
+    if (ReadContactFromLog(items, identity.DisplayName()) == 0) {
+        Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to read contacts from log\r\n");
+        return false;
+    }
+    return true;
+}
+
 int CMAPIObject::ReadContactFromFolder(const SBinary& entryId, const CString& path) {
     const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
-    const FolderRead read{kContacts,
+    const FolderRead read{kContactItems,
                           L"ReadContactFromFolder",
                           L"Begin",
                           kContactColumns,

@@ -2,14 +2,13 @@
 
 #include <cstdint>
 
+#include "support/fnv.h"
+
 namespace {
 
-/// 64-bit FNV-1a over the 16-bit units, as sixteen hexadecimal digits.
+/// A hash of a text as sixteen hexadecimal digits.
 CString HashText(WideView text) {
-    std::uint64_t hash = 0xCBF29CE484222325;
-    for (const wide unit : text) {
-        hash = (hash ^ unit) * 0x100000001B3;
-    }
+    const std::uint64_t hash = Fnv1a(text);
     constexpr WideView kDigits = WIDE("0123456789abcdef");
     CString digits;
     for (int shift = 60; shift >= 0; shift -= 4) {

@@ -72,7 +72,7 @@ void AddFolderItems(const FolderCount& count, IMAPIFolder* chosen, const SBinary
     }
 }
 
-/// Sends the items of an open folder. False if they could not be had or the read was stopped.
+/// Takes the items of an open folder. False if they could not be had or the read was stopped.
 bool ReadContents(const FolderRead& read, IMAPIFolder* folder, const CString& path) {
     const TableRows contents = QueryContents(folder, read.columns, read.kind.messageClass, read.operation);
     if (!contents.rows) {
@@ -82,13 +82,16 @@ bool ReadContents(const FolderRead& read, IMAPIFolder* folder, const CString& pa
         if (read.stop != 0) {
             return false;
         }
-        read.send(contents.Row(i), path);
+        read.take(contents.Row(i), path);
     }
     return true;
 }
 
 bool ReadSubFolders(const FolderRead& read, IMAPIFolder* chosen, IMAPIFolder* folder, const CString& path) {
     const TableRows subFolders = QuerySubFolders(folder, read.kind.containerClass, read.operation);
+    if (!subFolders.rows) {
+        return read.withoutSubFolders == WithoutSubFolders::Succeeds;
+    }
     for (ULONG i = 0; i < subFolders.Count(); ++i) {
         const SRow& row = subFolders.Row(i);
         const CString subPath = CString(path + L"\\" + TextOfColumn(row, kSubFolderName, PR_DISPLAY_NAME_W));
@@ -112,7 +115,13 @@ bool ReadFolder(const FolderRead& read, IMAPIFolder* chosen, const SBinary& entr
     if (!ReadContents(read, folder.Get(), path)) {
         return false;
     }
-    return !g_bSubFolder || read.stop != 0 || ReadSubFolders(read, chosen, folder.Get(), path);
+    if (!g_bSubFolder) {
+        return true;
+    }
+    if (read.stop != 0) {
+        return read.withoutSubFolders == WithoutSubFolders::Succeeds;
+    }
+    return ReadSubFolders(read, chosen, folder.Get(), path);
 }
 
 }  // namespace

@@ -40,6 +40,10 @@ struct FolderCount {
 /// Counts. A failure ends with what was counted so far.
 ULONG CountFolderItems(const FolderCount& count, IMAPIFolder* chosen, const SBinary& entryId);
 
+/// What a read amounts to that had to leave out sub-folders, because their table could not be had or the read
+/// was stopped in front of it.
+enum class WithoutSubFolders { Succeeds, Fails };
+
 /// A read of a folder's items and then of its sub-folders' ones.
 struct FolderRead {
     const ItemKind& kind;
@@ -47,10 +51,11 @@ struct FolderRead {
     const wchar_t* firstLine;
     const SPropTagArray* columns;
     const int& stop;  ///< looked at before each folder and each item
-    std::function<void(const SRow& row, const CString& path)> send;
+    std::function<void(const SRow& row, const CString& path)> take;
+    WithoutSubFolders withoutSubFolders = WithoutSubFolders::Succeeds;
 };
 
-/// Sends all items, depth first in table order. Returns 1, or 0 if a folder could not be read or the read was
+/// Takes all items, depth first in table order. Returns 1, or 0 if a folder could not be read or the read was
 /// stopped.
 int ReadFolderItems(const FolderRead& read, IMAPIFolder* chosen, const SBinary& entryId, const CString& path);
 

@@ -12,6 +12,7 @@
 #include "support/xml_parser.h"
 
 struct FolderIdentity;
+struct tagLogItem;
 
 namespace NAMESPACE_MAPI {
 
@@ -73,14 +74,23 @@ class CMAPIObject {
 
     /// The number of contacts that a full read sends; 0 without a contact folder.
     long GetContactCount();
-    /// Sends all contacts of the chosen folder. Returns 0 for success and 1 for failure; a text that is not
-    /// empty asks for changes only, which fails.
+    /// Sends all contacts of the chosen folder or, for the path of a map file, what changed in it since the
+    /// map was written. Returns 0 for success and 1 for failure.
     int ReadContacts(const wchar_t* lParam1);
     /// Counts the contacts of a folder and, by setting, of its sub-folders. Failures count as 0.
     ULONG GetContactCountFromFolder(const SBinary& entryId);
     /// Sends the contacts of a folder, then those of its sub-folders. `path` names the folder in the
     /// documents. Returns 1 if all was walked to the end, otherwise 0.
     int ReadContactFromFolder(const SBinary& entryId, const CString& path);
+
+    // contacts/contact_changes.cpp.
+
+    /// Appends what a contact folder and, by setting, its sub-folders hold now. Returns 1, or 0 for a list
+    /// that is not complete.
+    int ReadContactLogFromFolder(const SBinary& entryId, CArray<tagLogItem, const tagLogItem&>& items);
+    /// Sends the marked items: new and changed ones in full, deleted ones as what the list knows of them.
+    /// Returns 1 if all was walked to the end, otherwise 0.
+    int ReadContactFromLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
 
     HWND m_hNotifyWnd = nullptr;  ///< progress messages go here; never set to a window
     ComPtr<IMAPISession> m_lpMAPISession;
@@ -110,6 +120,8 @@ class CMAPIObject {
     ComPtr<IMAPIFolder> SearchStores(const CString& hexId) const;
     bool ReadChosenContacts(const CString& lParam1);
     bool ReadAllContacts(const FolderIdentity& identity);
+    bool ReadChangedContacts(const FolderIdentity& identity, const CString& mapFile);
+    bool SendContactsOfLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
     void SendContactRow(IMAPIFolder* chosen, const SRow& row, const CString& path);
 };
 

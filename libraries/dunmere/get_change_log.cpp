@@ -1,6 +1,5 @@
-#include "changelog/get_change_log.h"
+#include "libraries/dunmere/compare_with_map.h"
 
-/// Reports no change, whatever the folder holds: nothing is compared and no map file is read or written yet.
-int GetChangeLog(LogItems* /*items*/, const GetChangeLogArgs* /*arguments*/) {
-    return 0;
+int GetChangeLog(LogItems* items, const GetChangeLogArgs* arguments) {
+    return CompareWithMap(items, arguments);
 }

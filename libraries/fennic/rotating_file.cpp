@@ -1,6 +1,9 @@
 #include "libraries/fennic/rotating_file.h"
 
+#include <algorithm>
 #include <cwctype>
+
+#include "support/fnv.h"
 
 namespace {
 
@@ -9,13 +12,11 @@ namespace {
 constexpr DWORD kLongestWait = 2000;
 
 /// A mutex by which all processes that write to the path exclude each other. Names of kernel objects are
-/// short and hold no backslash, so the path goes in as a number (64-bit FNV-1a).
-Handle CreatePathMutex(const CString& path) {
-    std::uint64_t hash = 0xCBF29CE484222325;
-    for (const wchar_t unit : path) {
-        hash = (hash ^ std::towupper(unit)) * 0x100000001B3;
-    }
-    const CString name = CString::Format(L"Global\\Fennic64-%016I64x", hash);
+/// short and hold no backslash, so the path goes in as a number.
+Handle CreatePathMutex(CString path) {
+    std::transform(path.begin(), path.end(), path.begin(),
+                   [](wchar_t unit) { return static_cast<wchar_t>(std::towupper(unit)); });
+    const CString name = CString::Format(L"Global\\Fennic64-%016I64x", Fnv1a(path.View()));
     return Handle(CreateMutexExW(nullptr, name.c_str(), 0, SYNCHRONIZE | MUTEX_MODIFY_STATE));
 }
 
