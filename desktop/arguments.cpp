@@ -25,6 +25,8 @@ constexpr OptionRule kRules[] = {
     {WIDE("--xml"), kOptionXml, nullptr},
     {WIDE("--tabs"), kOptionTabs, nullptr},
     {WIDE("--folder"), kOptionFolder, &Arguments::folder},
+    {WIDE("--changed"), kOptionChanged, &Arguments::changed},
+    {WIDE("--accept-deletions"), kOptionAcceptDeletions, nullptr},
 };
 
 [[noreturn]] void ThrowUsage(const CString& message) {
@@ -85,6 +87,9 @@ Arguments ParseArguments(const std::vector<CString>& arguments) {
     }
     if (result.Has(kOptionOut) && result.out.empty()) {
         ThrowUsage(WIDE("--out needs the name of a folder"));
+    }
+    if (result.Has(kOptionChanged) && result.changed.empty()) {
+        ThrowUsage(WIDE("--changed needs the name of a map file"));
     }
     if (result.Has(kOptionFolder) && !IsIdentifier(result.folder.View())) {
         ThrowUsage(WIDE("--folder needs an identifier as \"zebdesk folders\" shows it"));

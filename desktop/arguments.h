@@ -14,6 +14,8 @@ enum Option : unsigned {
     kOptionXml = 32,
     kOptionTabs = 64,
     kOptionFolder = 128,
+    kOptionChanged = 256,
+    kOptionAcceptDeletions = 512,
 };
 
 /// The command line, taken apart but not yet judged by its command.
@@ -25,6 +27,8 @@ struct Arguments {
     CString out;
     /// The identifier of a folder, in hexadecimal.
     CString folder;
+    /// The path of a map file.
+    CString changed;
     /// The command and its operands.
     std::vector<CString> words;
 

@@ -9,6 +9,7 @@
 #include "desktop/agent_connection.h"
 #include "desktop/agent_process.h"
 #include "desktop/callback_service.h"
+#include "desktop/change_command.h"
 #include "desktop/discovery_commands.h"
 #include "desktop/help.h"
 #include "desktop/interrupt.h"
@@ -25,6 +26,8 @@ extern "C" {
 namespace {
 
 constexpr unsigned kSessionOptions = kOptionHelp | kOptionProfile | kOptionAgent | kOptionQuiet;
+constexpr unsigned kReadOptions = kSessionOptions | kOptionFolder | kOptionOut | kOptionXml | kOptionTabs |
+                                  kOptionChanged | kOptionAcceptDeletions;
 
 /// A word of the command line and what it does.
 struct Command {
@@ -71,9 +74,17 @@ void RunRead(const Arguments& arguments) {
     if (std::popcount(outputs) > 1) {
         throw Failure(ExitCode::kUsage, L"--out, --xml and --tabs exclude each other");
     }
+    const bool changes = arguments.Has(kOptionChanged);
+    if (changes && (outputs & (kOptionOut | kOptionXml)) == 0) {
+        // What the map knows is not read again, so the documents must go somewhere.
+        throw Failure(ExitCode::kUsage, L"--changed needs --out or --xml");
+    }
+    if (!changes && arguments.Has(kOptionAcceptDeletions)) {
+        throw Failure(ExitCode::kUsage, L"--accept-deletions belongs to --changed");
+    }
     const ItemKind& kind = RequireKind(arguments.words[1]);
     const SingleInstance instance;
-    ReadItems(kind, arguments);
+    changes ? ReadChanges(kind, arguments) : ReadItems(kind, arguments);
 }
 
 void RunShutdown(const Arguments& /*arguments*/) {
@@ -95,7 +106,7 @@ constexpr Command kCommands[] = {
     {L"profiles", kOptionHelp | kOptionAgent | kOptionQuiet | kOptionXml, 0, 0, PrintProfiles},
     {L"folders", kSessionOptions | kOptionXml, 0, 0, PrintFolders},
     {L"count", kSessionOptions | kOptionFolder, 0, 1, RunCount},
-    {L"read", kSessionOptions | kOptionFolder | kOptionOut | kOptionXml | kOptionTabs, 1, 1, RunRead},
+    {L"read", kReadOptions, 1, 1, RunRead},
     {L"shutdown", kOptionHelp | kOptionQuiet, 0, 0, RunShutdown},
 };
 

@@ -16,6 +16,7 @@ enum class ExitCode : int {
     kBusy = 7,
     kFolderRefused = 8,
     kNotSetUp = 9,
+    kDeletionsDoubted = 10,
 };
 
 /// Ends the program with a message for the user and an exit status.

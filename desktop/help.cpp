@@ -14,7 +14,8 @@ COMMANDS
                      the identifiers of the folders.
   count [contacts]   Prints how many items a read would deliver.
   read contacts      Reads all contacts: as a table on standard output, or as
-                     --out, --xml or --tabs say.
+                     --out, --xml or --tabs say. With --changed: only those
+                     that are new, changed or deleted.
   shutdown           Ends the agent, and comes back when it has ended.
   help               Prints this text.
 
@@ -35,6 +36,11 @@ OPTIONS
                      for "profiles" and "folders" the one that the agent wrote.
   --tabs             Prints the table for another program: a tab between the
                      cells, nothing cut.
+  --changed MAP      Reads what changed since MAP was written, with --out or
+                     --xml. MAP is made by the first such read, which brings
+                     everything, and belongs to one profile and folder.
+  --accept-deletions
+                     Believes deletions however many they are.
   -q, --quiet        No progress bar and no summary; errors are still printed.
   -h, --help         Prints this text.
 
@@ -47,6 +53,18 @@ THE AGENT
   ends it. Each command logs on, does its work and logs off. The agent serves one
   desktop program at a time: a second one is turned away with exit status 7.
   The agent writes its log to the folder Logs beside it.
+
+READING CHANGES
+  The flag of a document, lFlag, says what happened to the item: 8 new, 4 changed,
+  32 deleted. A deletion has the name of the item's file and replaces it. With
+  --out, standard output lists the changes.
+  MAP is brought up to date only when the read was complete and all its documents
+  are written. After a read that was cut short the next one brings the same
+  changes again, and those that came meanwhile: some twice, but none is lost.
+  If all items that were known are reported as deleted (five or more), or more
+  than half of fifty or more, something is wrong with the folder more often than
+  not. Then neither the deletions nor MAP are kept, and the exit status is 10.
+  A MAP that is damaged is kept under another name, and all items come as new.
 
 PROFILES AND FOLDERS
   The agent writes these lists to files, Profile.xml and Outlook.xml, in the
@@ -74,10 +92,11 @@ EXIT STATUS
   3  the logon was refused
   4  the read failed or was not complete, or a list could not be had
   5  interrupted
-  6  the output could not be written
+  6  the output or the map could not be written
   7  another desktop program is at work
   8  the folder is not there, or its store cannot be opened
   9  the agent has no settings for "profiles" and "folders"; see "setup"
+ 10  too many deletions to be believed; see --accept-deletions
 
 EXAMPLES
   zebdesk setup
@@ -85,4 +104,5 @@ EXAMPLES
   zebdesk count
   zebdesk read contacts --out contacts
   zebdesk read contacts --profile "Second home" --tabs > contacts.tsv
+  zebdesk read contacts --changed contacts.map --out contacts
 )";

@@ -39,8 +39,10 @@ class DocumentOutput : public ItemOutput {
 /// there.
 class FileOutput : public ItemOutput {
   public:
-    FileOutput(const ItemKind& kind, const CString& folder)
-        : m_names(kind.fileWord), m_folder(folder.c_str()) {
+    /// With `durable` a document is on the disk itself when it is taken: what comes only once must not be
+    /// lost with the power.
+    FileOutput(const ItemKind& kind, const CString& folder, bool durable)
+        : m_names(kind.fileWord), m_folder(folder.c_str()), m_durable(durable) {
         std::error_code error;
         std::filesystem::create_directories(m_folder, error);
         if (!std::filesystem::is_directory(m_folder, error)) {
@@ -64,25 +66,26 @@ class FileOutput : public ItemOutput {
         throw Failure(ExitCode::kOutputFailed, CString::Format(L"%s cannot be written", path.c_str()));
     }
 
-    static bool WriteWhole(const std::filesystem::path& path, const std::string& bytes) {
+    [[nodiscard]] bool WriteWhole(const std::filesystem::path& path, const std::string& bytes) const {
         const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                           FILE_ATTRIBUTE_NORMAL, nullptr));
         DWORD written = 0;
         return file &&
                WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) !=
                    0 &&
-               written == bytes.size();
+               written == bytes.size() && (!m_durable || FlushFileBuffers(file.Get()) != 0);
     }
 
     ItemFileNames m_names;
     std::filesystem::path m_folder;
+    bool m_durable;
 };
 
 }  // namespace
 
 std::unique_ptr<ItemOutput> MakeItemOutput(const ItemKind& kind, const Arguments& arguments) {
     if (arguments.Has(kOptionOut)) {
-        return std::make_unique<FileOutput>(kind, arguments.out);
+        return std::make_unique<FileOutput>(kind, arguments.out, arguments.Has(kOptionChanged));
     }
     if (arguments.Has(kOptionXml)) {
         return std::make_unique<DocumentOutput>();

@@ -1,25 +1,24 @@
 #include "desktop/read_command.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "desktop/agent_process.h"
 #include "desktop/callback_service.h"
 #include "desktop/interrupt.h"
-#include "desktop/item_output.h"
 #include "desktop/item_reader.h"
 #include "desktop/output_stream.h"
 
 namespace {
 
 /// Makes the remote call, during which the items arrive. Returns what ended it too early, if anything did.
-std::optional<Failure> CallRead(const AgentConnection& agent, const ItemKind& kind, ItemReader& reader) {
+std::optional<Failure> CallRead(const AgentConnection& agent, const ItemKind& kind, CString& mapFile,
+                                ItemReader& reader) {
     wchar_t nothing[] = L"";
     long status = 1;
     const Reception reception(reader);
     try {
         if (!Interrupted()) {
-            agent.Call([&] { kind.read(nothing, nothing, &status); });
+            agent.Call([&] { kind.read(nothing, mapFile.data(), &status); });
         }
     } catch (const Failure& failure) {
         return failure;
@@ -32,28 +31,10 @@ std::optional<Failure> CallRead(const AgentConnection& agent, const ItemKind& ki
                        : std::nullopt;
 }
 
-/// Throws unless everything has arrived.
-void Judge(const ItemReader& reader, const ItemKind& kind, std::size_t expected,
-           const std::optional<Failure>& readFailure) {
-    if (reader.OutputFailure()) {
-        throw Failure(*reader.OutputFailure());
-    }
-    const CString share = CString::Format(L"%Iu of %Iu %s", reader.Taken(), expected, kind.word);
-    if (readFailure) {
-        throw Failure(readFailure->Code(), readFailure->Message() + L" after " + share);
-    }
-    if (reader.Taken() < expected) {
-        throw Failure(ExitCode::kReadFailed, L"the agent sent only " + share);
-    }
-    if (reader.Invalid() != 0) {
-        throw Failure(ExitCode::kReadFailed, CString::Format(L"%Iu documents are damaged", reader.Invalid()));
-    }
-}
-
-void PrintSummary(const ItemReader& reader, const ItemKind& kind, const Arguments& arguments) {
+void PrintSummary(std::size_t taken, const ItemKind& kind, const Arguments& arguments) {
     if (!arguments.Has(kOptionQuiet)) {
         const CString where = arguments.Has(kOptionOut) ? L" written to " + arguments.out : CString(L" read");
-        const CString line = CString::Format(L"%Iu %s%s\n", reader.Taken(), kind.word, where.c_str());
+        const CString line = CString::Format(L"%Iu %s%s\n", taken, kind.word, where.c_str());
         OutputStream(STD_ERROR_HANDLE).Write(line.View());
     }
 }
@@ -83,24 +64,54 @@ long CountItems(const AgentConnection& agent, const ItemKind& kind) {
     return count;
 }
 
-void ReadItems(const ItemKind& kind, const Arguments& arguments) {
-    const std::unique_ptr<ItemOutput> output = MakeItemOutput(kind, arguments);
+ReadResult ReadThrough(const ItemKind& kind, const Arguments& arguments, CString mapFile,
+                       ItemOutput& output) {
     const CallbackService callbacks;
     const AgentConnection agent;
     EnsureAgent(agent, arguments.agent);
     const AgentSession session(agent, arguments.profile);
     ChooseFolder(agent, kind, arguments);
-    const auto expected = static_cast<std::size_t>(std::max(CountItems(agent, kind), 0L));
+    ReadResult result;
+    result.counted = static_cast<std::size_t>(std::max(CountItems(agent, kind), 0L));
     const bool drawBar = !arguments.Has(kOptionQuiet) &&
-                         !(output->WritesAtOnce() && OutputStream(STD_OUTPUT_HANDLE).IsConsole());
-    ProgressBar progress(expected, drawBar);
-    ItemReader reader(kind, *output, progress);
-    const std::optional<Failure> readFailure = CallRead(agent, kind, reader);
+                         !(output.WritesAtOnce() && OutputStream(STD_OUTPUT_HANDLE).IsConsole());
+    ProgressBar progress(result.counted, drawBar);
+    ItemReader reader(kind, output, progress);
+    result.readFailure = CallRead(agent, kind, mapFile, reader);
     reader.Finish();
-    progress.Clear();
-    if (!reader.OutputFailure()) {
+    result.taken = reader.Taken();
+    result.invalid = reader.Invalid();
+    result.outputFailure = reader.OutputFailure();
+    return result;
+}
+
+std::optional<Failure> FailureOf(const ReadResult& result, const ItemKind& kind) {
+    if (result.outputFailure) {
+        return result.outputFailure;
+    }
+    if (result.readFailure) {
+        return Failure(result.readFailure->Code(),
+                       result.readFailure->Message() +
+                           CString::Format(L" after %Iu of %Iu %s", result.taken, result.counted, kind.word));
+    }
+    if (result.invalid != 0) {
+        return Failure(ExitCode::kReadFailed, CString::Format(L"%Iu documents are damaged", result.invalid));
+    }
+    return std::nullopt;
+}
+
+void ReadItems(const ItemKind& kind, const Arguments& arguments) {
+    const std::unique_ptr<ItemOutput> output = MakeItemOutput(kind, arguments);
+    const ReadResult result = ReadThrough(kind, arguments, {}, *output);
+    if (!result.outputFailure) {
         output->Finish();
     }
-    Judge(reader, kind, expected, readFailure);
-    PrintSummary(reader, kind, arguments);
+    if (const std::optional<Failure> failure = FailureOf(result, kind)) {
+        throw Failure(*failure);
+    }
+    if (result.taken < result.counted) {
+        throw Failure(ExitCode::kReadFailed, CString::Format(L"the agent sent only %Iu of %Iu %s",
+                                                             result.taken, result.counted, kind.word));
+    }
+    PrintSummary(result.taken, kind, arguments);
 }

@@ -127,6 +127,20 @@ def fields(document):
     return {element.tag: normal(element.text or "") for element in parse(document)}
 
 
+def change_fields(document):
+    """The same for a document of a read of changes: a deletion, or a contact with a flag behind its folder."""
+    root = xml.etree.ElementTree.fromstring(document.encode("utf-8"))
+    found = {element.tag: element.text for element in root}
+    if "CsFolder" not in found:
+        if list(found) not in (["lFlag", "PIMID", "LastModifiedTime"], ["lFlag", "PIMID"]):
+            raise AssertionError(f"no proper deletion: {list(found)}")
+        return found
+    if list(found)[1] != "lFlag":
+        raise AssertionError(f"the flag is not where it belongs: {list(found)}")
+    flag = f"<lFlag>{found['lFlag']}</lFlag>"
+    return {**fields(document.replace(flag, "")), "lFlag": found["lFlag"]}
+
+
 def local_time(filetime, zone):
     """A store's time in a zone, without its fraction, which the documents do not carry."""
     instant = datetime.datetime(1601, 1, 1, tzinfo=datetime.timezone.utc)

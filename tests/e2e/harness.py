@@ -60,7 +60,6 @@ class Place:
 
     def close(self):
         if self._desktops:
-            # The desktop program may have started an agent, which stays when it ends.
             self.run_desktop("shutdown")
         for agent in self._agents:
             agent.kill()
@@ -81,8 +80,12 @@ class Place:
         values.update(more)
         return values
 
-    def start(self, program, *arguments, runner="run-wine.sh", **more):
-        """Starts a Windows program; `more` are variables of its environment.
+    def need_shutdown(self):
+        """Notes that the desktop program may start an agent, which stays when it ends."""
+        self._desktops += 1
+
+    def start(self, program, *arguments, runner="run-wine.sh", before_start=None, **more):
+        """Starts a Windows program; `more` are variables of its environment, `before_start` runs in its process.
 
         It writes to files: under Wine an agent that it starts keeps what it writes to open, so a pipe would not end.
         """
@@ -90,7 +93,7 @@ class Place:
         streams = [self.path / f"{self._processes}{name}" for name in (".out", ".err")]
         with open(streams[0], "wb") as output, open(streams[1], "wb") as errors:
             process = subprocess.Popen([str(ROOT / "tools" / runner), windows_path(program), *map(str, arguments)],
-                                       env=self.environment(**more), stdin=subprocess.DEVNULL, stdout=output,
+                                       env=self.environment(**more), preexec_fn=before_start, stdin=subprocess.DEVNULL, stdout=output,
                                        stderr=errors)
         process.streams = streams
         return process
@@ -139,7 +142,7 @@ class Place:
 
     def run_desktop(self, *arguments, program="zebdesk.exe", **more):
         """Runs the desktop program. Gives its exit status, output and error output."""
-        self._desktops += 1
+        self.need_shutdown()
         return self.finish(self.start(self.bin / program, *arguments, **more))
 
     def read_with_desktop(self, *options, **more):

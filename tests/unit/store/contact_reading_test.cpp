@@ -292,13 +292,6 @@ TEST_F(ContactReading, MessageThatDoesNotOpenGoesOutWithoutItsMessagePart) {
     EXPECT_FALSE(Contains(documents[0], L"SP-"));
 }
 
-TEST_F(ContactReading, ReadOfChangesIsNotServed) {
-    AddContacts(L"Contacts", {L"One"});
-    LogOn();
-    EXPECT_EQ(g_MAPIObject.ReadContacts(L"C:\\map"), 1);
-    EXPECT_TRUE(TakeSent().empty());
-}
-
 TEST_F(ContactReading, TablesAreReadWithTheirFlagsColumnsAndRestrictions) {
     AddContacts(L"Contacts", {L"One"});
     LogOn();
