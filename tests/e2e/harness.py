@@ -81,8 +81,8 @@ class Place:
         values.update(more)
         return values
 
-    def start(self, program, *arguments, runner="run-wine.sh", **more):
-        """Starts a Windows program; `more` are variables of its environment.
+    def start(self, program, *arguments, runner="run-wine.sh", prepare=None, **more):
+        """Starts a Windows program; `more` are variables of its environment, and `prepare` runs in its process before it.
 
         It writes to files: under Wine an agent that it starts keeps what it writes to open, so a pipe would not end.
         """
@@ -91,7 +91,7 @@ class Place:
         with open(streams[0], "wb") as output, open(streams[1], "wb") as errors:
             process = subprocess.Popen([str(ROOT / "tools" / runner), windows_path(program), *map(str, arguments)],
                                        env=self.environment(**more), stdin=subprocess.DEVNULL, stdout=output,
-                                       stderr=errors)
+                                       stderr=errors, preexec_fn=prepare)
         process.streams = streams
         return process
 
