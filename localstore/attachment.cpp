@@ -68,7 +68,9 @@ STDMETHODIMP Attachment::SaveChanges(ULONG flags) {
         if (found == attachments.end()) {
             attachments.push_back(m_source.Part());
         } else if (m_changed) {
-            *found = m_source.Part();
+            // Copied before it is put in place: half a copy would be saved with the message.
+            PartContent part = m_source.Part();
+            *found = std::move(part);
         }
         m_changed = false;
         return S_OK;

@@ -2,7 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
-#include <cstdlib>
+#include <new>
 
 namespace localstore {
 
@@ -28,7 +28,7 @@ Header* Allocate(std::size_t bytes, std::uint64_t mark) {
     if (bytes > MAXLONG) {
         return nullptr;
     }
-    void* memory = std::malloc(sizeof(Header) + bytes);
+    void* memory = ::operator new(sizeof(Header) + bytes, std::nothrow);
     if (memory == nullptr) {
         return nullptr;
     }
@@ -38,7 +38,7 @@ Header* Allocate(std::size_t bytes, std::uint64_t mark) {
 
 void Release(Header* block) {
     block->mark = 0;
-    std::free(block);
+    ::operator delete(block);
     --g_liveBuffers;
 }
 

@@ -26,8 +26,8 @@ class CallRecord {
     CallRecord& operator=(const CallRecord&) = delete;
     ~CallRecord();
 
-    /// True if this call is a client's and its text is wanted.
-    [[nodiscard]] bool IsWanted() const { return m_outermost; }
+    /// True if this call is a client's and its text is wanted, for the record or to fail it by its name.
+    [[nodiscard]] bool IsWanted() const;
     void Describe(const char* interfaceName, const char* method, std::string object, std::string arguments);
     /// The result with which this call is to fail instead of running; S_OK to run.
     [[nodiscard]] HRESULT Failure() const { return m_failure; }

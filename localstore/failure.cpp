@@ -19,6 +19,12 @@ HRESULT CodeOfFileError(DWORD error) {
             return MAPI_E_NOT_ENOUGH_DISK;
         case ERROR_NOT_ENOUGH_MEMORY:
         case ERROR_OUTOFMEMORY:
+        case ERROR_NO_SYSTEM_RESOURCES:
+        case ERROR_COMMITMENT_LIMIT:
+        case ERROR_WORKING_SET_QUOTA:
+        case ERROR_NONPAGED_SYSTEM_RESOURCES:
+        case ERROR_PAGED_SYSTEM_RESOURCES:
+        case ERROR_PAGEFILE_QUOTA:
             return MAPI_E_NOT_ENOUGH_MEMORY;
         case ERROR_ALREADY_EXISTS:
         case ERROR_FILE_EXISTS:

@@ -3,14 +3,12 @@
 #include <winternl.h>
 
 #include <algorithm>
-#include <atomic>
 #include <mutex>
 #include <set>
 #include <string>
 
 #include "localstore/failure.h"
 #include "localstore/text_convert.h"
-#include "support/owners.h"
 
 namespace localstore {
 
@@ -18,6 +16,8 @@ namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr std::uint64_t kLongestTextFile = 1024ULL * 1024;
+/// Names that are tried for a new file; so many writers are never at work in one folder.
+constexpr int kMostTemporaries = 1000;
 constexpr wchar_t kTemporaryPrefix[] = L"~localstore-";
 /// A file that a writer left behind is removed when nobody can be at work on it any more. In units of 100 ns.
 constexpr std::uint64_t kTemporaryLifetime = 3600ULL * 10'000'000;
@@ -35,26 +35,43 @@ FileHandle OpenForReading(const Text& path) {
                                   FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
 }
 
-/// What an open file says of itself. GetFileInformationByHandle would tell all of it in one call, but it also
-/// asks for the volume, which some systems take a thousand times as long for.
-FileEntry EntryOf(const FileHandle& file) {
+/// No access to the content is asked for, so a file that somebody has locked can be looked at too.
+FileHandle OpenForQuery(const Text& longPath) {
+    return FileHandle(
+        CreateFileW(longPath.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
+/// What an open file says of itself; false, with the thread's last error, if it does not.
+/// GetFileInformationByHandle would tell all of it in one call, but it also asks for the volume, which some
+/// systems take a thousand times as long for.
+bool ReadEntry(const FileHandle& file, FileEntry& entry) noexcept {
     FILE_BASIC_INFO basic{};
     FILE_STANDARD_INFO standard{};
     FILE_INTERNAL_INFORMATION identity{};
     IO_STATUS_BLOCK status{};
     if (GetFileInformationByHandleEx(file.Get(), FileBasicInfo, &basic, sizeof(basic)) == FALSE ||
         GetFileInformationByHandleEx(file.Get(), FileStandardInfo, &standard, sizeof(standard)) == FALSE) {
-        ThrowFileError();
+        return false;
     }
-    Require(NT_SUCCESS(NtQueryInformationFile(file.Get(), &status, &identity, sizeof(identity),
-                                              FileInternalInformation)),
-            MAPI_E_DISK_ERROR);
-    FileEntry entry;
+    const NTSTATUS result =
+        NtQueryInformationFile(file.Get(), &status, &identity, sizeof(identity), FileInternalInformation);
+    if (!NT_SUCCESS(result)) {
+        SetLastError(RtlNtStatusToDosError(result));
+        return false;
+    }
     entry.isFolder = standard.Directory != FALSE;
     entry.stamp.size = static_cast<std::uint64_t>(standard.EndOfFile.QuadPart);
     entry.stamp.writeTime = static_cast<std::uint64_t>(basic.LastWriteTime.QuadPart);
     entry.stamp.fileId = static_cast<std::uint64_t>(identity.IndexNumber.QuadPart);
     entry.creationTime = static_cast<std::uint64_t>(basic.CreationTime.QuadPart);
+    return true;
+}
+
+FileEntry EntryOf(const FileHandle& file) {
+    FileEntry entry;
+    if (!ReadEntry(file, entry)) {
+        ThrowFileError();
+    }
     return entry;
 }
 
@@ -87,11 +104,21 @@ void WriteAll(const FileHandle& file, const Bytes& bytes) {
     }
 }
 
-Text TemporaryPath(const Text& path) {
-    static std::atomic<unsigned> counter = 0;
-    const Text folder = path.substr(0, path.size() - LastComponent(path).size());
-    return folder + kTemporaryPrefix + std::to_wstring(GetCurrentProcessId()) + L"-" +
-           std::to_wstring(++counter) + L".tmp";
+/// Makes a file under a name that nobody uses in a folder and stores its path. Processes that share a folder
+/// from different machines can have the same number, so that the system decides who has the name.
+FileHandle CreateTemporary(const Text& folder, Text& place) {
+    const Text stem =
+        LongPath(JoinPath(folder, kTemporaryPrefix + std::to_wstring(GetCurrentProcessId()) + L"-"));
+    for (int number = 1;; ++number) {
+        place = stem + std::to_wstring(number) + L".tmp";
+        FileHandle file(CreateFileW(place.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (file) {
+            return file;
+        }
+        const HRESULT code = CodeOfFileError(GetLastError());
+        Require(code == MAPI_E_COLLISION && number < kMostTemporaries, code);
+    }
 }
 
 /// Removes what writers that were ended in the middle have left in a folder. Once for each folder: a look
@@ -117,47 +144,6 @@ void RemoveLeftovers(const Text& folder) {
         }
     } while (FindNextFileW(search.Get(), &found) != FALSE);
 }
-
-/// A file that goes away unless it gets its final name.
-class TemporaryFile {
-  public:
-    explicit TemporaryFile(Text path) : m_path(std::move(path)) {
-        m_file.Reset(CreateFileW(LongPath(m_path).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                 CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-        if (!m_file) {
-            ThrowFileError();
-        }
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() {
-        m_file.Reset();
-        if (!m_renamed) {
-            DeleteFileW(LongPath(m_path).c_str());
-        }
-    }
-
-    void Fill(const Bytes& bytes) {
-        WriteAll(m_file, bytes);
-        if (FlushFileBuffers(m_file.Get()) == FALSE) {
-            ThrowFileError();
-        }
-        m_file.Reset();
-    }
-
-    void Rename(const Text& path, bool replace) {
-        const DWORD flags = MOVEFILE_WRITE_THROUGH | (replace ? MOVEFILE_REPLACE_EXISTING : 0U);
-        if (MoveFileExW(LongPath(m_path).c_str(), LongPath(path).c_str(), flags) == FALSE) {
-            ThrowFileError();
-        }
-        m_renamed = true;
-    }
-
-  private:
-    Text m_path;
-    FileHandle m_file;
-    bool m_renamed = false;
-};
 
 }  // namespace
 
@@ -219,9 +205,7 @@ bool IsReadOnlyFile(const Text& path) {
 }
 
 std::optional<FileEntry> QueryFile(const Text& path) {
-    // No access to the content is asked for, so a file that somebody has locked can be looked at too.
-    const FileHandle file(CreateFileW(LongPath(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
-                                      OPEN_EXISTING, 0, nullptr));
+    const FileHandle file = OpenForQuery(LongPath(path));
     if (!file) {
         Require(CodeOfFileError(GetLastError()) == MAPI_E_NOT_FOUND, CodeOfFileError(GetLastError()));
         return std::nullopt;
@@ -251,16 +235,57 @@ FileContent ReadWholeFile(const Text& path) {
     return content;
 }
 
-FileStamp WriteWholeFile(const Text& path, const Bytes& bytes, bool replace) {
-    const Text folder = path.substr(0, path.size() - LastComponent(path).size());
+WrittenFile::WrittenFile(const Text& folder, const Bytes& bytes) {
     RemoveLeftovers(folder);
+    m_file = CreateTemporary(folder, m_place);
+    try {
+        Fill(bytes);
+    } catch (...) {
+        Remove();
+        throw;
+    }
+}
+
+WrittenFile::~WrittenFile() {
+    Remove();
+}
+
+void WrittenFile::Remove() noexcept {
+    m_file.Reset();
+    if (!m_place.empty()) {
+        DeleteFileW(m_place.c_str());
+    }
+}
+
+void WrittenFile::Fill(const Bytes& bytes) {
+    WriteAll(m_file, bytes);
+    if (FlushFileBuffers(m_file.Get()) == FALSE) {
+        ThrowFileError();
+    }
+    // The times of a file are final when its writer has closed it. What is opened now stays with the file
+    // through the renaming, whoever may replace it then.
+    m_file.Reset();
+    m_file = OpenForQuery(m_place);
+    if (!m_file) {
+        ThrowFileError();
+    }
+}
+
+FileStamp WrittenFile::Rename(const Text& path, bool replace) {
     // A rename goes over a file that is marked as read-only on some systems.
     Require(!replace || !IsReadOnlyFile(path), MAPI_E_NO_ACCESS);
-    TemporaryFile temporary(TemporaryPath(path));
-    temporary.Fill(bytes);
-    temporary.Rename(path, replace);
-    const std::optional<FileEntry> written = QueryFile(path);
-    return written ? written->stamp : FileStamp();
+    const Text target = LongPath(path);
+    FileEntry entry = EntryOf(m_file);
+    const DWORD flags = MOVEFILE_WRITE_THROUGH | (replace ? MOVEFILE_REPLACE_EXISTING : 0U);
+    if (MoveFileExW(m_place.c_str(), target.c_str(), flags) == FALSE) {
+        ThrowFileError();
+    }
+    m_place.clear();
+    // Some file systems number files by their place. If the new number cannot be had, the old one makes the
+    // file look changed by somebody else, which is on the safe side.
+    static_cast<void>(ReadEntry(m_file, entry));
+    m_file.Reset();
+    return entry.stamp;
 }
 
 void RemoveFile(const Text& path) {

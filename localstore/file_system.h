@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "localstore/property.h"
+#include "support/owners.h"
 
 namespace localstore {
 
@@ -57,10 +58,30 @@ std::optional<FileEntry> QueryFile(const Text& path);
 /// MAPI_E_CORRUPT_DATA.
 FileContent ReadWholeFile(const Text& path);
 
-/// Writes a file by writing another one beside it and renaming, so that the name always stands for the old or
-/// the new content. With `replace` clear an existing file ends in MAPI_E_COLLISION. Returns the stamp of the
-/// new file.
-FileStamp WriteWholeFile(const Text& path, const Bytes& bytes, bool replace);
+/// A file that is written whole under another name beside the place where it is to stand, so that its final
+/// name always stands for the old or the new content. It goes away unless it gets that name.
+class WrittenFile {
+  public:
+    /// Writes the bytes into a folder and onto its disk.
+    WrittenFile(const Text& folder, const Bytes& bytes);
+    WrittenFile(const WrittenFile&) = delete;
+    WrittenFile& operator=(const WrittenFile&) = delete;
+    ~WrittenFile();
+
+    /// Gives the file its name, a path in the same folder, and returns the stamp under which it will be
+    /// listed. An existing file ends in MAPI_E_COLLISION, or with `replace` in its place being taken, unless
+    /// it is marked as read-only: then in MAPI_E_NO_ACCESS. A failure says that the file does not have the
+    /// name: nothing can fail any more once it has.
+    FileStamp Rename(const Text& path, bool replace);
+
+  private:
+    void Fill(const Bytes& bytes);
+    void Remove() noexcept;
+
+    /// Where the file is, in the form without a limit; empty once it has its final name.
+    Text m_place;
+    FileHandle m_file;
+};
 
 void RemoveFile(const Text& path);
 

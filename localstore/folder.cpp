@@ -2,6 +2,9 @@
 
 #include <mapitags.h>
 
+#include <new>
+
+#include "localstore/diagnostics.h"
 #include "localstore/message.h"
 #include "localstore/open_entry.h"
 #include "localstore/table.h"
@@ -52,13 +55,16 @@ void DeleteOne(StoreTree& tree, const Text& folder, const SBinary& entry) {
 std::vector<TableRow> MessageRows(const std::shared_ptr<StoreTree>& tree, const Text& folder) {
     std::vector<TableRow> rows;
     for (const FileEntry& file : tree->MessageFiles(folder)) {
+        const Text path = tree->FullPath(JoinPath(folder, file.name));
         try {
-            LoadedMessage message =
-                MessageCache::Instance().Load(tree->FullPath(JoinPath(folder, file.name)), file);
+            LoadedMessage message = MessageCache::Instance().Load(path, file);
             rows.push_back(std::make_shared<MessageSource>(tree, folder, std::move(message), true));
         } catch (const StoreError& error) {
             // A damaged, locked or vanished file is no reason to hide the others.
             Require(error.Code() != MAPI_E_NOT_ENOUGH_MEMORY, error.Code());
+            if (error.Code() != MAPI_E_NOT_FOUND && error.Code() != MAPI_E_CORRUPT_DATA) {
+                ReportSkipped(path, "it cannot be read now");
+            }
         }
     }
     return rows;
@@ -147,6 +153,9 @@ STDMETHODIMP Folder::DeleteMessages(LPENTRYLIST list, ULONG, LPMAPIPROGRESS, ULO
                 ++deleted;
             } catch (const StoreError& error) {
                 problem = error.Code();
+            } catch (const std::bad_alloc&) {
+                // The others that are gone already must not be reported as still there.
+                problem = MAPI_E_NOT_ENOUGH_MEMORY;
             }
         }
         return problem == S_OK || deleted == 0 ? problem : MAPI_W_PARTIAL_COMPLETION;

@@ -44,10 +44,9 @@ std::vector<PropertyTag> PartColumns(PartSource::Kind kind) {
     return {PR_ROWID, PR_DISPLAY_NAME_W, PR_EMAIL_ADDRESS_W, PR_ADDRTYPE_W, PR_RECIPIENT_TYPE};
 }
 
-/// Writes a new file under the first name that is free. Two processes can look for one at the same time, so
-/// the system decides. `name` receives the one that was taken.
-FileStamp WriteNewFile(const StoreTree& tree, const Text& folder, const Text& title, const Bytes& bytes,
-                       Text& name) {
+/// Gives a new file the first name that is free. Two processes can look for one at the same time, so the
+/// system decides. `name` receives the one that was taken.
+FileStamp NameNewFile(WrittenFile& file, const Text& folder, const Text& title, Text& name) {
     const Text stem = FileNameOfTitle(title);
     for (int number = 1;; ++number) {
         name = number == 1 ? stem : stem + L" (" + std::to_wstring(number) + L")";
@@ -56,7 +55,7 @@ FileStamp WriteNewFile(const StoreTree& tree, const Text& folder, const Text& ti
         }
         name += L".msg";
         try {
-            return WriteWholeFile(tree.FullPath(JoinPath(folder, name)), bytes, false);
+            return file.Rename(JoinPath(folder, name), false);
         } catch (const StoreError& error) {
             Require(error.Code() == MAPI_E_COLLISION && number <= 2 * kNumberedNames, error.Code());
         }
@@ -152,30 +151,33 @@ STDMETHODIMP Message::SaveChanges(ULONG flags) {
 
 void Message::Save(ULONG flags) {
     const StoreTree& tree = m_source.Tree();
-    const Text& folder = m_source.Folder();
-    const Text path = tree.FullPath(m_source.Label());
+    const Text folder = tree.FullPath(m_source.Folder());
+    const Text path = JoinPath(folder, m_source.Name());
     std::uint64_t created = Now();
     if (m_mode == Mode::New) {
-        Require(FolderExists(tree.FullPath(folder)), MAPI_E_OBJECT_DELETED);
+        Require(FolderExists(folder), MAPI_E_OBJECT_DELETED);
     } else {
         const std::optional<FileEntry> current = QueryFile(path);
         Require(current.has_value(), MAPI_E_OBJECT_DELETED);
         Require(current->stamp == m_source.Stamp() || (flags & FORCE_SAVE) != 0, MAPI_E_OBJECT_CHANGED);
+        Require(!IsReadOnlyFile(path), MAPI_E_NO_ACCESS);
         created = current->creationTime;
     }
-    // The state changes only once it is on the disk.
+    // A writer that was told of a failure may try again with a new message, so whatever can fail comes before
+    // the renaming, which is the moment of saving.
     auto saved = std::make_shared<MessageContent>(m_source.Content());
     saved->NoteNextAttachment(m_nextAttachment);
     PrepareForSaving(*saved, created, Now());
-    const Bytes bytes = WriteStorage(WriteMessage(*saved));
     Text name = m_source.Name();
-    FileStamp stamp;
-    if (name.empty()) {
-        stamp = WriteNewFile(tree, folder, TitleOf(*saved), bytes, name);
-    } else {
-        stamp = WriteWholeFile(path, bytes, m_mode != Mode::New);
-    }
-    MessageCache::Instance().Forget(tree.FullPath(JoinPath(folder, name)));
+    WrittenFile file(folder, WriteStorage(WriteMessage(*saved)));
+    const FileStamp stamp = name.empty() ? NameNewFile(file, folder, TitleOf(*saved), name)
+                                         : file.Rename(path, m_mode != Mode::New);
+    NoteSaved(path, std::move(name), stamp, std::move(saved));
+}
+
+void Message::NoteSaved(const Text& path, Text name, const FileStamp& stamp,
+                        std::shared_ptr<MessageContent> saved) noexcept {
+    MessageCache::Instance().Forget(path);
     m_source.SetName(std::move(name));
     m_source.SetStamp(stamp);
     m_source.SetContent(saved);

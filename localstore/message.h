@@ -42,6 +42,9 @@ class Message final : public WritablePropObject<RefusingMessage> {
   private:
     void ReserveName();
     void Save(ULONG flags);
+    /// Takes over what is on the disk now.
+    void NoteSaved(const Text& path, Text name, const FileStamp& stamp,
+                   std::shared_ptr<MessageContent> saved) noexcept;
     [[nodiscard]] LPMAPITABLE PartTable(const wchar_t* label, const std::vector<PartContent>& parts,
                                         PartSource::Kind kind, ULONG flags);
 

@@ -2,7 +2,6 @@
 
 #include "localstore/diagnostics.h"
 #include "localstore/failure.h"
-#include "localstore/msg_storage.h"
 
 namespace localstore {
 
@@ -11,8 +10,9 @@ namespace {
 /// Bytes of files that are kept at most; the least recently used go first.
 constexpr std::uint64_t kMostBytes = 256ULL * 1024 * 1024;
 
-std::shared_ptr<const MessageContent> Parse(const Bytes& bytes, const char*& reason) {
-    std::optional<StorageTree> tree = ReadStorage(bytes, reason);
+std::shared_ptr<const MessageContent> Parse(const Bytes& bytes, const StorageCalls& calls,
+                                            const char*& reason) {
+    std::optional<StorageTree> tree = ReadStorage(bytes, reason, calls);
     if (!tree) {
         return nullptr;
     }
@@ -48,13 +48,16 @@ LoadedMessage MessageCache::Read(const Text& path) {
     FileContent file = ReadWholeFile(path);
     ++m_filesRead;
     const char* reason = "";
-    std::shared_ptr<const MessageContent> content = Parse(file.bytes, reason);
+    std::shared_ptr<const MessageContent> content = Parse(file.bytes, m_calls, reason);
     if (!content) {
         ReportSkipped(path, reason);
     }
-    m_entries.push_front({path, file.stamp, file.creationTime, content});
+    // Whatever memory may be short for comes first, so that list and places always agree.
+    std::list<Entry> entry;
+    entry.push_front({path, file.stamp, file.creationTime, content});
+    m_places[path] = entry.begin();
+    m_entries.splice(m_entries.begin(), entry);
     m_bytes += file.stamp.size;
-    m_places[path] = m_entries.begin();
     Trim();
     Require(content != nullptr, MAPI_E_CORRUPT_DATA);
     return {content, {LastComponent(path), false, file.stamp, file.creationTime}};
@@ -68,7 +71,7 @@ void MessageCache::Trim() {
     }
 }
 
-void MessageCache::Forget(const Text& path) {
+void MessageCache::Forget(const Text& path) noexcept {
     const auto found = m_places.find(path);
     if (found != m_places.end()) {
         m_bytes -= found->second->stamp.size;

@@ -8,6 +8,7 @@
 
 #include "localstore/file_system.h"
 #include "localstore/msg_content.h"
+#include "localstore/msg_storage.h"
 
 namespace localstore {
 
@@ -18,9 +19,12 @@ struct LoadedMessage {
 };
 
 /// Reads a message file: MAPI_E_NOT_FOUND if it is gone, MAPI_E_CORRUPT_DATA if it is damaged, which is
-/// reported once for every version of the file.
+/// reported once for every version of the file. A shortage of memory is MAPI_E_NOT_ENOUGH_MEMORY and is not
+/// remembered: the next try reads the file again.
 class MessageCache {
   public:
+    explicit MessageCache(const StorageCalls& calls = {}) : m_calls(calls) {}
+
     /// The one cache of the process.
     static MessageCache& Instance();
 
@@ -29,7 +33,7 @@ class MessageCache {
     /// The message of a file as it is now.
     LoadedMessage Load(const Text& path);
     /// Forgets a file that was written or removed.
-    void Forget(const Text& path);
+    void Forget(const Text& path) noexcept;
     void Clear();
     /// Files read since the start, for tests that count reading.
     [[nodiscard]] std::size_t FilesRead() const { return m_filesRead; }
@@ -47,6 +51,7 @@ class MessageCache {
     LoadedMessage Read(const Text& path);
     void Trim();
 
+    StorageCalls m_calls;
     /// The most recently used first.
     std::list<Entry> m_entries;
     std::unordered_map<Text, Place> m_places;

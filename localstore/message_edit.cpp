@@ -41,10 +41,13 @@ std::size_t PrefixLength(std::wstring_view subject) {
                : colon + 2;
 }
 
+/// Sets what follows from a subject: both or, if memory is short, none.
 void FollowSubject(PropertyBag& bag, std::wstring_view subject) {
-    const std::size_t prefix = PrefixLength(subject);
-    bag.Set(Property::OfText(PR_SUBJECT_PREFIX_W, subject.substr(0, prefix)));
-    bag.Set(Property::OfText(PR_NORMALIZED_SUBJECT_W, subject.substr(prefix)));
+    const std::size_t length = PrefixLength(subject);
+    Property prefix = Property::OfText(PR_SUBJECT_PREFIX_W, subject.substr(0, length));
+    Property normalized = Property::OfText(PR_NORMALIZED_SUBJECT_W, subject.substr(length));
+    bag.Set(std::move(prefix));
+    bag.Set(std::move(normalized));
 }
 
 void DropOtherBodies(PropertyBag& bag) {
@@ -129,6 +132,9 @@ void SetIfAbsent(PropertyBag& bag, Property property) {
 
 void PutProperty(MessageContent& message, Property property) {
     PropertyBag& bag = message.properties;
+    // What follows from a property must not change without it.
+    constexpr std::size_t mostAtOnce = 3;
+    bag.MakeRoom(mostAtOnce);
     if (property.tag == PR_BODY_W) {
         const Property* old = bag.Find(Id(PR_BODY));
         if (old == nullptr || TextOf(*old, CodePageOf(bag)) != TextOf(property, CP_ACP)) {

@@ -1,6 +1,7 @@
 #include "localstore/msg_names.h"
 
 #include <algorithm>
+#include <new>
 
 #include "localstore/little_endian.h"
 #include "localstore/msg_properties.h"
@@ -163,8 +164,15 @@ std::optional<PropertyId> NameMap::Add(const PropertyName& name, PropertyId lowe
     Entry entry;
     entry.id = static_cast<PropertyId>(next);
     entry.name = name;
-    Index(entry);
     m_entries.push_back(std::move(entry));
+    try {
+        Index(m_entries.back());
+    } catch (const std::bad_alloc&) {
+        // A number without its entry would be written into properties, and no reader could tell its name.
+        m_nameOfId.erase(m_entries.back().id);
+        m_entries.pop_back();
+        throw;
+    }
     m_original.reset();
     return static_cast<PropertyId>(next);
 }

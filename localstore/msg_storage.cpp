@@ -1,8 +1,8 @@
 #include "localstore/msg_storage.h"
 
-#include <windows.h>
+#include <wtypes.h>
 
-#include <objbase.h>
+#include <mapicode.h>
 
 #include <algorithm>
 #include <cstring>
@@ -37,32 +37,46 @@ struct ReadState {
     std::uint64_t bytesLeft = 0;
 };
 
-ComPtr<ILockBytes> MemoryOf(const Bytes& file) {
-    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, file.size());
-    Require(memory != nullptr, MAPI_E_NOT_ENOUGH_MEMORY);
-    std::memcpy(GlobalLock(memory), file.data(), file.size());
-    GlobalUnlock(memory);
-    ComPtr<ILockBytes> bytes;
-    // The object owns the memory from here on.
-    const HRESULT result = CreateILockBytesOnHGlobal(memory, TRUE, &bytes);
-    if (FAILED(result)) {
-        GlobalFree(memory);
-        throw StoreError(result);
-    }
-    return bytes;
+/// Ends the operation if a result of the platform is a failure. A shortage of memory has one code from here
+/// on, so that nobody takes it for damage.
+void RequireRead(HRESULT result) {
+    const bool isShortage = result == E_OUTOFMEMORY || result == STG_E_INSUFFICIENTMEMORY;
+    RequireSuccess(isShortage ? MAPI_E_NOT_ENOUGH_MEMORY : result);
+}
+
+/// The same for a file that is being made. Its medium is memory, which has no faults but being too short.
+void RequireWritten(HRESULT result) {
+    const bool isShortage =
+        result == STG_E_MEDIUMFULL || result == STG_E_WRITEFAULT || result == STG_E_READFAULT;
+    RequireRead(isShortage ? MAPI_E_NOT_ENOUGH_MEMORY : result);
+}
+
+ComPtr<ILockBytes> NewMemory(const StorageCalls& calls) {
+    ComPtr<ILockBytes> memory;
+    RequireWritten(calls.createMemory(nullptr, TRUE, &memory));
+    return memory;
+}
+
+ComPtr<ILockBytes> MemoryOf(const Bytes& file, const StorageCalls& calls) {
+    ComPtr<ILockBytes> memory = NewMemory(calls);
+    ULONG written = 0;
+    const HRESULT result = memory->WriteAt({}, file.data(), static_cast<ULONG>(file.size()), &written);
+    // Nothing but a shortage keeps memory from being written.
+    Require(SUCCEEDED(result) && written == file.size(), MAPI_E_NOT_ENOUGH_MEMORY);
+    return memory;
 }
 
 SharedBytes ReadStream(IStorage* storage, const STATSTG& element, ReadState& state) {
     Require(element.cbSize.QuadPart <= state.bytesLeft, STG_E_DOCFILECORRUPT);
     state.bytesLeft -= element.cbSize.QuadPart;
     ComPtr<IStream> stream;
-    RequireSuccess(storage->OpenStream(element.pwcsName, nullptr, kReading, 0, &stream));
+    RequireRead(storage->OpenStream(element.pwcsName, nullptr, kReading, 0, &stream));
     auto bytes = std::make_shared<Bytes>(static_cast<std::size_t>(element.cbSize.QuadPart));
     if (bytes->empty()) {
         return bytes;
     }
     ULONG read = 0;
-    RequireSuccess(stream->Read(bytes->data(), static_cast<ULONG>(bytes->size()), &read));
+    RequireRead(stream->Read(bytes->data(), static_cast<ULONG>(bytes->size()), &read));
     Require(read == bytes->size(), STG_E_DOCFILECORRUPT);
     return bytes;
 }
@@ -71,25 +85,27 @@ StorageTree ReadTree(IStorage* storage, int depth, ReadState& state) {
     Require(depth < kDeepestStorage, STG_E_DOCFILECORRUPT);
     StorageTree tree;
     STATSTG self{};
-    RequireSuccess(storage->Stat(&self, STATFLAG_NONAME));
+    RequireRead(storage->Stat(&self, STATFLAG_NONAME));
     std::memcpy(tree.classId.data(), &self.clsid, sizeof(CLSID));
 
     ComPtr<IEnumSTATSTG> elements;
-    RequireSuccess(storage->EnumElements(0, nullptr, 0, &elements));
+    RequireRead(storage->EnumElements(0, nullptr, 0, &elements));
     STATSTG element{};
-    for (HRESULT next = elements->Next(1, &element, nullptr); next == S_OK;
-         next = elements->Next(1, &element, nullptr)) {
+    HRESULT next = S_OK;
+    while ((next = elements->Next(1, &element, nullptr)) == S_OK) {
         const TaskText name(element.pwcsName);
         Require(name && ++state.elements <= kMostElements, STG_E_DOCFILECORRUPT);
         if (element.type == STGTY_STREAM) {
             tree.streams[name.Get()] = ReadStream(storage, element, state);
         } else if (element.type == STGTY_STORAGE) {
             ComPtr<IStorage> inner;
-            RequireSuccess(storage->OpenStorage(name.Get(), nullptr, kReading, nullptr, 0, &inner));
+            RequireRead(storage->OpenStorage(name.Get(), nullptr, kReading, nullptr, 0, &inner));
             tree.storages[name.Get()] = ReadTree(inner.Get(), depth + 1, state);
         }
         element = {};
     }
+    // An enumeration that broke off has not shown everything.
+    RequireRead(next);
     return tree;
 }
 
@@ -109,19 +125,19 @@ struct Element {
 void WriteElement(const Element& element, IStorage* storage) {
     if (element.storage != nullptr) {
         ComPtr<IStorage> created;
-        RequireSuccess(storage->CreateStorage(element.name->c_str(), kWriting, 0, 0, &created));
+        RequireWritten(storage->CreateStorage(element.name->c_str(), kWriting, 0, 0, &created));
         WriteTree(*element.storage, created.Get());
         return;
     }
     const Bytes& bytes = **element.stream;
     ComPtr<IStream> stream;
-    RequireSuccess(storage->CreateStream(element.name->c_str(), kWriting, 0, 0, &stream));
+    RequireWritten(storage->CreateStream(element.name->c_str(), kWriting, 0, 0, &stream));
     if (bytes.empty()) {
         return;
     }
     ULONG written = 0;
-    RequireSuccess(stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), &written));
-    Require(written == bytes.size(), STG_E_MEDIUMFULL);
+    RequireWritten(stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), &written));
+    Require(written == bytes.size(), MAPI_E_NOT_ENOUGH_MEMORY);
 }
 
 /// Writes the middle one first, then both halves in the same way. Some systems put names into the tree of a
@@ -140,7 +156,7 @@ void WriteBalanced(const Element* first, const Element* last, IStorage* storage)
 void WriteTree(const StorageTree& tree, IStorage* storage) {
     CLSID classId{};
     std::memcpy(&classId, tree.classId.data(), sizeof(CLSID));
-    RequireSuccess(storage->SetClass(classId));
+    RequireWritten(storage->SetClass(classId));
     std::vector<Element> elements;
     for (const auto& [name, bytes] : tree.streams) {
         elements.push_back({&name, &bytes, nullptr});
@@ -154,7 +170,7 @@ void WriteTree(const StorageTree& tree, IStorage* storage) {
 
 }  // namespace
 
-std::optional<StorageTree> ReadStorage(const Bytes& file, const char*& reason) {
+std::optional<StorageTree> ReadStorage(const Bytes& file, const char*& reason, const StorageCalls& calls) {
     if (file.empty()) {
         reason = "it is empty";
         return std::nullopt;
@@ -163,38 +179,38 @@ std::optional<StorageTree> ReadStorage(const Bytes& file, const char*& reason) {
         reason = damage;
         return std::nullopt;
     }
-    const ComPtr<ILockBytes> bytes = MemoryOf(file);
-    ComPtr<IStorage> root;
-    if (FAILED(StgOpenStorageOnILockBytes(bytes.Get(), nullptr, STGM_READ | STGM_SHARE_DENY_WRITE, nullptr, 0,
-                                          &root))) {
-        reason = "it is no structured storage file";
-        return std::nullopt;
-    }
+    const ComPtr<ILockBytes> bytes = MemoryOf(file, calls);
+    reason = "it is no structured storage file";
     try {
+        ComPtr<IStorage> root;
+        RequireRead(calls.open(bytes.Get(), nullptr, STGM_READ | STGM_SHARE_DENY_WRITE, nullptr, 0, &root));
+        reason = "its storages or streams cannot be read";
         ReadState state;
         state.bytesLeft = file.size();
         return ReadTree(root.Get(), 0, state);
-    } catch (const StoreError&) {
-        reason = "its storages or streams cannot be read";
+    } catch (const StoreError& error) {
+        Require(error.Code() != MAPI_E_NOT_ENOUGH_MEMORY, error.Code());
         return std::nullopt;
     }
 }
 
-Bytes WriteStorage(const StorageTree& tree) {
-    ComPtr<ILockBytes> memory;
-    RequireSuccess(CreateILockBytesOnHGlobal(nullptr, TRUE, &memory));
+Bytes WriteStorage(const StorageTree& tree, const StorageCalls& calls) {
+    const ComPtr<ILockBytes> memory = NewMemory(calls);
     ComPtr<IStorage> root;
-    RequireSuccess(StgCreateDocfileOnILockBytes(memory.Get(), kWriting, 0, &root));
+    RequireWritten(StgCreateDocfileOnILockBytes(memory.Get(), kWriting, 0, &root));
     WriteTree(tree, root.Get());
-    RequireSuccess(root->Commit(STGC_DEFAULT));
-    RequireSuccess(memory->Flush());
+    RequireWritten(root->Commit(STGC_DEFAULT));
+    RequireWritten(memory->Flush());
     STATSTG size{};
-    RequireSuccess(memory->Stat(&size, STATFLAG_NONAME));
+    RequireWritten(memory->Stat(&size, STATFLAG_NONAME));
     Require(size.cbSize.QuadPart <= kLongestFile, MAPI_E_NOT_ENOUGH_MEMORY);
     Bytes bytes(static_cast<std::size_t>(size.cbSize.QuadPart));
     ULONG read = 0;
-    RequireSuccess(memory->ReadAt({}, bytes.data(), static_cast<ULONG>(bytes.size()), &read));
-    Require(read == bytes.size(), MAPI_E_DISK_ERROR);
+    RequireWritten(memory->ReadAt({}, bytes.data(), static_cast<ULONG>(bytes.size()), &read));
+    Require(read == bytes.size(), MAPI_E_NOT_ENOUGH_MEMORY);
+    // Some platforms pass over a write that memory was too short for, and the file would lack a piece.
+    const char* reason = "";
+    Require(ReadStorage(bytes, reason, calls) == tree, MAPI_E_NOT_ENOUGH_MEMORY);
     return bytes;
 }
 

@@ -1,6 +1,7 @@
 #include "localstore/named_properties.h"
 
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "localstore/buffers.h"
@@ -63,7 +64,13 @@ std::optional<PropertyId> NamedProperties::IdOf(const PropertyName& name, bool c
     }
     const auto id = static_cast<PropertyId>(kFirstNamedId + m_names.size());
     m_names.push_back(name);
-    m_ids.emplace(name, id);
+    try {
+        m_ids.emplace(name, id);
+    } catch (const std::bad_alloc&) {
+        // With one half only, the next look-up would give the name a second identifier.
+        m_names.pop_back();
+        throw;
+    }
     return id;
 }
 

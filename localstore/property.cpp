@@ -120,6 +120,12 @@ void PropertyBag::Set(Property property) {
     m_properties.insert(place, std::move(property));
 }
 
+void PropertyBag::MakeRoom(std::size_t count) {
+    if (m_properties.capacity() - m_properties.size() < count) {
+        m_properties.reserve(std::max(m_properties.size() + count, 2 * m_properties.size()));
+    }
+}
+
 bool PropertyBag::Remove(PropertyId id) {
     const auto first = std::lower_bound(m_properties.begin(), m_properties.end(), id, IdBefore);
     auto last = first;

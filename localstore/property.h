@@ -118,6 +118,8 @@ class PropertyBag {
     [[nodiscard]] const Property* Find(PropertyId id) const;
     /// Puts a property in the place of what its identifier had.
     void Set(Property property);
+    /// Makes room for properties, so that setting so many cannot fail.
+    void MakeRoom(std::size_t count);
     /// Removes the property of an identifier. Returns false if there was none.
     bool Remove(PropertyId id);
     /// Takes over what a file holds. A tag that comes twice keeps its first value.

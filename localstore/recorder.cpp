@@ -61,6 +61,10 @@ CallRecord::~CallRecord() {
     --State().depth;
 }
 
+bool CallRecord::IsWanted() const {
+    return m_outermost && (State().recording || !State().methods.empty());
+}
+
 void CallRecord::Describe(const char* interfaceName, const char* method, std::string object,
                           std::string arguments) {
     RecorderState& state = State();

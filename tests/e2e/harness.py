@@ -6,7 +6,9 @@ ZEB_BIN_DIR holds those of the product, ZEB_TEST_BIN_DIR the tools for tests.
 
 import os
 import pathlib
+import resource
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -36,6 +38,15 @@ def wait_until(condition, what):
         if time.monotonic() > deadline:
             raise AssertionError(f"waited in vain: {what}")
         time.sleep(0.05)
+
+
+def limit_file_size(size):
+    """For a process about to start: no file that it writes grows beyond the size, as on a disk that is full."""
+    def limit():
+        # The process is to see the failure and not to be ended by it.
+        signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+        resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
+    return limit
 
 
 class Place:
@@ -84,8 +95,8 @@ class Place:
         """Notes that the desktop program may start an agent, which stays when it ends."""
         self._desktops += 1
 
-    def start(self, program, *arguments, runner="run-wine.sh", before_start=None, **more):
-        """Starts a Windows program; `more` are variables of its environment, `before_start` runs in its process.
+    def start(self, program, *arguments, runner="run-wine.sh", prepare=None, **more):
+        """Starts a Windows program; `more` are variables of its environment, and `prepare` runs in its process before it.
 
         It writes to files: under Wine an agent that it starts keeps what it writes to open, so a pipe would not end.
         """
@@ -93,8 +104,8 @@ class Place:
         streams = [self.path / f"{self._processes}{name}" for name in (".out", ".err")]
         with open(streams[0], "wb") as output, open(streams[1], "wb") as errors:
             process = subprocess.Popen([str(ROOT / "tools" / runner), windows_path(program), *map(str, arguments)],
-                                       env=self.environment(**more), preexec_fn=before_start, stdin=subprocess.DEVNULL, stdout=output,
-                                       stderr=errors)
+                                       env=self.environment(**more), stdin=subprocess.DEVNULL, stdout=output,
+                                       stderr=errors, preexec_fn=prepare)
         process.streams = streams
         return process
 

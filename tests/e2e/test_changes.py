@@ -1,12 +1,9 @@
 """Reads of changes by the desktop program: what is new, changed or gone, each once, and nothing lost however they end."""
 
 import os
-import resource
 import shutil
-import signal
 import struct
 import time
-import unittest
 
 import harness
 from contact_fields import change_fields, tag_line
@@ -31,14 +28,6 @@ def edit(file, old, new):
     place = content.index(struct.pack("<L", 0x30080040)) + 8
     [moment] = struct.unpack_from("<Q", content, place)
     file.write_bytes(content[:place] + struct.pack("<Q", moment + 60 * 10_000_000) + content[place + 8:])
-
-
-def limit_file_size(size):
-    """For a process about to start: no file that it writes grows beyond the size, as on a disk that is full."""
-    def limit():
-        signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-        resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
-    return limit
 
 
 class Changes(harness.Case):
@@ -188,7 +177,7 @@ class Changes(harness.Case):
 
     def test_a_disk_that_is_full_for_the_agents_map_loses_nothing(self):
         self.make(150)
-        agent = self.place.start_agent(FENNIC64_LEVEL="", before_start=limit_file_size(8192))
+        agent = self.place.start_agent(FENNIC64_LEVEL="", prepare=harness.limit_file_size(8192))
         _, _, errors = self.read(status=6)
         self.assertIn("could not bring the map up to date", errors)
         self.assertIn("cannot be written (error", self.place.log())
@@ -203,7 +192,7 @@ class Changes(harness.Case):
         self.read()
         known = self.map.read_bytes()
         self.file(7).unlink()
-        documents, _, errors = self.read(status=6, before_start=limit_file_size(8192))
+        documents, _, errors = self.read(status=6, prepare=harness.limit_file_size(8192))
         self.assertEqual(documents, [])
         self.assertIn("cannot be copied", errors)
         self.assertEqual(self.map.read_bytes(), known)

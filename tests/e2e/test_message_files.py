@@ -7,6 +7,7 @@ import json
 import os
 import pathlib
 import sys
+import time
 import unittest
 
 import harness
@@ -31,10 +32,32 @@ class MessageFiles(harness.Case):
         super().setUp()
         self.place.folder("Work/Mail/Inbox")
 
+    def start_writer(self, *what, **more):
+        return self.place.start(harness.TEST_BIN / "write_messages.exe",
+                                harness.windows_path(self.place.bin / "MAPI32.dll"), *what, **more)
+
+    def start_until_killed(self, *what):
+        """Starts a writer that goes on until it is killed, and waits until it is at it."""
+        writer = self.start_writer(*what)
+        self.addCleanup(self.kill, writer)
+        harness.wait_until(lambda: b"ready" in writer.streams[0].read_bytes() or writer.poll() is not None, what)
+        self.assertIsNone(writer.poll(), writer.streams[1].read_bytes())
+        return writer
+
+    def kill(self, writer):
+        writer.kill()
+        writer.wait(harness.PATIENCE)
+
     def write(self, what):
-        process = self.place.start(harness.TEST_BIN / "write_messages.exe",
-                                   harness.windows_path(self.place.bin / "MAPI32.dll"), what)
-        return self.assert_exit(process)[0]
+        return self.assert_exit(self.start_writer(what))[0]
+
+    def assert_refused(self, writer, results):
+        """The writer was refused when it saved, with one of these results."""
+        errors = self.assert_exit(writer, 1)[1].strip()
+        self.assertIn(errors, [f"SaveChanges gives {result:08X}" for result in results])
+
+    def files(self):
+        return {file.name: file.read_bytes() for file in self.place.contacts.iterdir()}
 
     def the_message(self):
         [file] = self.place.contacts.glob("*.msg")
@@ -92,6 +115,78 @@ class NewMessages(MessageFiles):
         self.assertEqual(after.tags[TOUCHED], 1)
         same = {name for name in self.message.streams if name != "__properties_version1.0"}
         self.assertEqual({name: after.streams[name] for name in same}, {name: self.message.streams[name] for name in same})
+
+
+class Interruptions(MessageFiles):
+    def test_a_writer_that_is_killed_leaves_the_old_message_or_the_new_one(self):
+        self.write("make")
+        picture = self.the_message().attachments[0].tags[0x37010102]
+        last = 0
+        for round in range(40):
+            writer = self.start_until_killed("rewrite")
+            # Each a little later in what it does over and over.
+            time.sleep(round * 0.0017)
+            self.kill(writer)
+            message = self.the_message()
+            number = message.tags[TOUCHED]
+            # What was saved before this writer said so is not lost.
+            self.assertGreater(number, last)
+            self.assertEqual(message.tags[0x1000001F], f"{number:08}" * 4000, f"number {number}")
+            self.assertEqual(message.attachments[0].tags[0x37010102], picture)
+            last = number
+            others = [name for name in self.files() if not name.endswith(".msg")]
+            self.assertEqual([name for name in others if not name.startswith("~localstore-")], [])
+        self.assertEqual(self.write("touch").strip(), "1")
+
+    def test_writers_at_the_same_time_lose_and_double_nothing(self):
+        self.write("make")
+        [made] = self.files().items()
+        foreign = {made[0]: made[1], "Same (3).msg": made[1], "Same (4).txt": b"no message", "same.tmp": b""}
+        for name, content in foreign.items():
+            (self.place.contacts / name).write_bytes(content)
+        names = ("first", "second", "third")
+        for writer in [self.start_writer("add", name) for name in names]:
+            self.assert_exit(writer)
+        files = self.files()
+        self.assertEqual({name: files.pop(name) for name in foreign}, foreign)
+        added = [read_msg.Message(self.place.contacts / name).tags[0x3A4F001F] for name in files]
+        self.assertEqual(sorted(added), sorted(f"{name}-{number}" for name in names for number in range(1, 41)))
+
+
+class Refusals(MessageFiles):
+    def setUp(self):
+        super().setUp()
+        self.write("make")
+        self.before = self.files()
+        [self.path] = self.place.contacts.glob("*.msg")
+
+    def test_a_message_that_another_program_holds_stays_as_it_is(self):
+        holder = self.start_until_killed("keep", harness.windows_path(self.path))
+        self.assert_refused(self.start_writer("touch"), (0x8004010B, 0x80070005))
+        self.assertEqual(self.files(), self.before)
+        self.kill(holder)
+        self.assertEqual(self.write("touch").strip(), "1")
+
+    def test_a_message_that_nobody_may_read_is_named_in_the_log(self):
+        log = self.place.path / "store.log"
+        holder = self.start_until_killed("lock", harness.windows_path(self.path))
+        writer = self.start_writer("touch", LOCALSTORE_LOG=harness.windows_path(log))
+        self.assertEqual(self.assert_exit(writer)[0].strip(), "0")
+        self.assertIn(f"{self.path.name}: it cannot be read now", log.read_text(encoding="utf-8"))
+        self.assertEqual(self.files(), self.before)
+        self.kill(holder)
+        self.assertEqual(self.write("touch").strip(), "1")
+
+    def test_a_full_disk_leaves_the_old_message_and_nothing_else(self):
+        size = len(self.before[self.path.name])
+        for room in (512, 4096, size // 2, size - 1):
+            with self.subTest(room=room):
+                # Held open, so that the server of the prefix is there and not started under the limit.
+                holder = self.start_until_killed("keep", harness.windows_path(self.place.bin / "MAPI32.dll"))
+                self.assert_refused(self.start_writer("touch", prepare=harness.limit_file_size(room)), (0x8004010D,))
+                self.kill(holder)
+                self.assertEqual(self.files(), self.before)
+        self.assertEqual(self.write("touch").strip(), "1")
 
 
 @unittest.skipUnless(list(ITEMS.glob("*.msg")), f"NO REAL ITEMS in {ITEMS} (ZEB_REAL_ITEMS)")

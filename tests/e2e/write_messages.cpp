@@ -1,7 +1,15 @@
-// Writes messages through MAPI for a reader of another kind to read: write_messages MAPI32.DLL make|touch.
+// Writes messages through MAPI for a reader of another kind to read: write_messages MAPI32.DLL WHAT [NAME].
 //
-//   make   makes one message that has a property of every type, named ones, attachments and texts of many
-//   scripts touch  sets one property of every message in the default contact folder and saves it
+//   make       makes one message that has a property of every type, named ones, an attachment and texts of
+//   many
+//              scripts
+//   touch      sets one property of every message in the default contact folder and saves it
+//   rewrite    saves the only message of the folder again and again until it is killed: a number that goes
+//   up,
+//              and a long body made of it. Says so when the first one is saved
+//   add NAME   makes 40 messages of one title, with NAME and a number for their nickname
+//   keep FILE  holds a file open until it is killed, and lets others only read it
+//   lock FILE  the same, and lets nobody read it
 
 #include <mapitags.h>
 #include <mapiutil.h>
@@ -10,6 +18,7 @@
 
 #include <cstdio>
 #include <cwchar>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -21,6 +30,8 @@ namespace {
 constexpr ULONG kContactFolder = 0x36D10102;
 constexpr ULONG kTouched = 0x67FF0003;
 constexpr std::size_t kPictureSize = 70'000;
+constexpr int kAdded = 40;
+constexpr int kRepeats = 4'000;
 
 void Require(HRESULT result, const char* what) {
     if (result != S_OK) {
@@ -193,9 +204,9 @@ void Make() {
     Require(message->SaveChanges(FORCE_SAVE), "SaveChanges");
 }
 
-void Touch() {
-    const ComPtr<IMsgStore> store = OpenDefaultStore();
-    const ComPtr<IMAPIFolder> contacts = OpenContacts(store.Get());
+/// The identifiers of the messages in the default contact folder.
+RowSet ListContacts(IMsgStore* store) {
+    const ComPtr<IMAPIFolder> contacts = OpenContacts(store);
     ComPtr<IMAPITable> table;
     Require(contacts->GetContentsTable(MAPI_UNICODE, table.GetAddressOf()), "GetContentsTable");
     SizedSPropTagArray(1, columns) = {1, {PR_ENTRYID}};
@@ -203,6 +214,12 @@ void Touch() {
     Require(pfnHrQueryAllRows(table.Get(), reinterpret_cast<LPSPropTagArray>(&columns), nullptr, nullptr, 0,
                               rows.Put()),
             "HrQueryAllRows");
+    return rows;
+}
+
+void Touch() {
+    const ComPtr<IMsgStore> store = OpenDefaultStore();
+    const RowSet rows = ListContacts(store.Get());
     for (ULONG i = 0; i < rows->cRows; ++i) {
         const ComPtr<IMessage> message = Open<IMessage>(store.Get(), rows->aRow[i].lpProps[0].Value.bin);
         SetLong(message.Get(), kTouched, 1);
@@ -211,7 +228,58 @@ void Touch() {
     std::printf("%lu\n", static_cast<unsigned long>(rows->cRows));
 }
 
-int Run(const wchar_t* library, const std::wstring& what) {
+[[noreturn]] void Rewrite() {
+    const ComPtr<IMsgStore> store = OpenDefaultStore();
+    const RowSet rows = ListContacts(store.Get());
+    const ComPtr<IMessage> message = Open<IMessage>(store.Get(), rows->aRow[0].lpProps[0].Value.bin);
+    LONG number = 0;
+    MapiBuffer<SPropValue> last;
+    if (pfnHrGetOneProp(message.Get(), kTouched, last.Put()) == S_OK) {
+        number = last->Value.l;
+    }
+    for (bool isFirst = true;; isFirst = false) {
+        ++number;
+        wchar_t digits[16];
+        std::swprintf(digits, std::size(digits), L"%08ld", static_cast<long>(number));
+        std::wstring body;
+        for (int i = 0; i < kRepeats; ++i) {
+            body += digits;
+        }
+        SetLong(message.Get(), kTouched, number);
+        SetText(message.Get(), PR_BODY_W, body.c_str());
+        Require(message->SaveChanges(0), "SaveChanges");
+        if (isFirst) {
+            std::puts("ready");
+            std::fflush(stdout);
+        }
+    }
+}
+
+void Add(const std::wstring& name) {
+    const ComPtr<IMAPIFolder> contacts = OpenContacts(OpenDefaultStore().Get());
+    for (int number = 1; number <= kAdded; ++number) {
+        ComPtr<IMessage> message;
+        Require(contacts->CreateMessage(nullptr, 0, message.GetAddressOf()), "CreateMessage");
+        SetText(message.Get(), PR_MESSAGE_CLASS_W, L"IPM.Contact");
+        SetText(message.Get(), PR_SUBJECT_W, L"Same");
+        SetText(message.Get(), PR_NICKNAME_W, (name + L"-" + std::to_wstring(number)).c_str());
+        Require(message->SaveChanges(FORCE_SAVE), "SaveChanges");
+    }
+}
+
+[[noreturn]] void Hold(const wchar_t* path, DWORD sharing) {
+    const FileHandle file(CreateFileW(path, GENERIC_READ, sharing, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file) {
+        throw std::runtime_error("the file cannot be opened");
+    }
+    std::puts("ready");
+    std::fflush(stdout);
+    for (;;) {
+        Sleep(INFINITE);
+    }
+}
+
+int Run(const wchar_t* library, const std::wstring& what, const wchar_t* name) {
     const Library loaded(LoadLibraryW(library));
     if (!loaded || FillMAPIEntryPoints(loaded.Get()) == 0) {
         throw std::runtime_error("the MAPI library cannot be loaded");
@@ -221,6 +289,12 @@ int Run(const wchar_t* library, const std::wstring& what) {
         Make();
     } else if (what == L"touch") {
         Touch();
+    } else if (what == L"rewrite") {
+        Rewrite();
+    } else if (what == L"add") {
+        Add(name);
+    } else if (what == L"keep" || what == L"lock") {
+        Hold(name, what == L"keep" ? FILE_SHARE_READ : 0);
     } else {
         return 2;
     }
@@ -232,7 +306,8 @@ int Run(const wchar_t* library, const std::wstring& what) {
 
 int wmain(int count, wchar_t** arguments) {
     try {
-        return count == 3 ? Run(arguments[1], arguments[2]) : 2;
+        return count == 3 || count == 4 ? Run(arguments[1], arguments[2], count == 4 ? arguments[3] : L"")
+                                        : 2;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
         return 1;

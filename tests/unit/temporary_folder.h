@@ -1,7 +1,5 @@
 #pragma once
 
-#include <windows.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -9,17 +7,12 @@
 #include <system_error>
 
 #include "support/text.h"
+#include "tests/unit/new_folder.h"
 
 /// A folder of its own for one test, gone with all it holds at the end.
 class TemporaryFolder {
   public:
-    TemporaryFolder() {
-        static int count = 0;
-        const CString name =
-            CString::Format(L"zeb-test-%lu-%d", static_cast<unsigned long>(GetCurrentProcessId()), ++count);
-        m_path = std::filesystem::temp_directory_path() / name.c_str();
-        std::filesystem::create_directories(m_path);
-    }
+    TemporaryFolder() : m_path(MakeNewFolder(L"zeb-test")) {}
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder() {

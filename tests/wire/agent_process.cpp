@@ -4,6 +4,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "tests/unit/new_folder.h"
 #include "tests/wire/contact_file.h"
 #include "tests/wire/pipe_stream.h"
 
@@ -21,8 +22,7 @@ std::filesystem::path AgentPath() {
 }
 
 std::filesystem::path MakeStore(const std::vector<std::wstring>& surnames, const std::wstring& body) {
-    std::filesystem::path root =
-        std::filesystem::temp_directory_path() / ("zeb-wire-" + std::to_string(GetCurrentProcessId()));
+    std::filesystem::path root = MakeNewFolder(L"zeb-wire");
     const std::filesystem::path folder = root / "Work" / "Mail" / "Contacts";
     std::filesystem::create_directories(folder);
     int number = 0;

@@ -38,8 +38,8 @@ class CodePages : public StoreTest {
         for (const auto& [tag, codePage] : codePages) {
             content.properties.Set(Property::OfFixed(tag, codePage));
         }
-        localstore::WriteWholeFile(PathOf(L"Work\\Mail\\Contacts\\a.msg"),
-                                   localstore::WriteStorage(localstore::WriteMessage(content)), true);
+        WriteFileBytes(PathOf(L"Work\\Mail\\Contacts\\a.msg"),
+                       localstore::WriteStorage(localstore::WriteMessage(content)));
     }
     [[nodiscard]] static ComPtr<IMessage> TheMessage() {
         const ComPtr<IMAPIFolder> contacts = OpenContacts();

@@ -160,6 +160,72 @@ TEST_F(Saving, ALockedFileStaysAsItIs) {
     EXPECT_EQ(message->SaveChanges(FORCE_SAVE), S_OK);
 }
 
+TEST_F(Saving, AReadOnlyFileIsRefusedBeforeAnythingIsWritten) {
+    const ComPtr<IMessage> message = OpenMessage(m_contacts.Get(), AddContact(m_contacts.Get(), L"John Doe"));
+    ASSERT_EQ(Set(message.Get(), {StringValue(PR_SURNAME_W, L"Doe")}), S_OK);
+    SetFileAttributesW(File(L"John Doe.msg").c_str(), FILE_ATTRIBUTE_READONLY);
+    // A folder's time tells of every file that comes and goes.
+    const auto timeOfFolder = [&] {
+        WIN32_FILE_ATTRIBUTE_DATA data{};
+        EXPECT_TRUE(GetFileAttributesExW(PathOf(kContactsPath).c_str(), GetFileExInfoStandard, &data));
+        return std::pair(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime);
+    };
+    const auto before = timeOfFolder();
+    Sleep(20);
+    EXPECT_EQ(message->SaveChanges(FORCE_SAVE), MAPI_E_NO_ACCESS);
+    EXPECT_EQ(timeOfFolder(), before);
+}
+
+TEST_F(Saving, AFileThatIsKeptToAnotherCanBeReadFromMemoryOnly) {
+    const std::vector<BYTE> id = AddContact(m_contacts.Get(), L"John Doe");
+    const ComPtr<IMessage> message = OpenMessage(m_contacts.Get(), id);
+    ASSERT_EQ(Set(message.Get(), {StringValue(PR_SURNAME_W, L"Doe")}), S_OK);
+    const std::vector<BYTE> before = FileBytes(File(L"John Doe.msg"));
+    {
+        const FileHandle lock(
+            CreateFileW(File(L"John Doe.msg").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        ASSERT_TRUE(lock);
+        EXPECT_EQ(TextOf(OpenMessage(m_contacts.Get(), id).Get(), PR_SUBJECT_W), L"John Doe");
+        EXPECT_EQ(ContentsOf(m_contacts.Get(), {PR_SUBJECT_W})->cRows, 1U);
+        const HRESULT result = message->SaveChanges(FORCE_SAVE);
+        EXPECT_TRUE(result == MAPI_E_BUSY || result == MAPI_E_NO_ACCESS) << std::hex << result;
+        localstore::recorder::SetRoot(Root());
+        std::vector<BYTE> copy = id;
+        ULONG type = 0;
+        ComPtr<IUnknown> object;
+        EXPECT_EQ(m_contacts->OpenEntry(static_cast<ULONG>(copy.size()),
+                                        reinterpret_cast<LPENTRYID>(copy.data()), nullptr, 0, &type, &object),
+                  MAPI_E_BUSY);
+        EXPECT_EQ(object, nullptr);
+        // Not even its class is known, so the table cannot show it; but it says so.
+        EXPECT_EQ(ContentsOf(m_contacts.Get(), {PR_SUBJECT_W})->cRows, 0U);
+        const std::vector<std::string> lines = localstore::recorder::Diagnostics();
+        ASSERT_EQ(lines.size(), 1U);
+        EXPECT_NE(lines[0].find("John Doe.msg: it cannot be read now"), std::string::npos) << lines[0];
+    }
+    EXPECT_EQ(Files(), Names{L"John Doe.msg"});
+    EXPECT_EQ(FileBytes(File(L"John Doe.msg")), before);
+    EXPECT_EQ(ContentsOf(m_contacts.Get(), {PR_SUBJECT_W})->cRows, 1U);
+    EXPECT_EQ(message->SaveChanges(FORCE_SAVE), S_OK);
+}
+
+TEST_F(Saving, TouchesNoFileOfAnotherWriter) {
+    // A program on another machine can have the number of this process.
+    constexpr int others = 50;
+    const auto other = [&](int number) {
+        return File(L"~localstore-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                    std::to_wstring(number) + L".tmp");
+    };
+    for (int number = 1; number <= others; ++number) {
+        WriteFileBytes(other(number), {static_cast<BYTE>(number)});
+    }
+    AddContact(m_contacts.Get(), L"John Doe");
+    EXPECT_EQ(Files().size(), others + 1U);
+    for (int number = 1; number <= others; ++number) {
+        EXPECT_EQ(FileBytes(other(number)), std::vector<BYTE>{static_cast<BYTE>(number)});
+    }
+}
+
 TEST_F(Saving, RemovesWhatAnEndedWriterLeft) {
     // A file of long ago, as if its writer had been ended in the middle, and one of now.
     const std::wstring old = File(L"~localstore-1-1.tmp");

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "localstore/exports.h"
+#include "tests/unit/new_folder.h"
 
 namespace localstore_test {
 
@@ -58,20 +59,11 @@ void RemoveTree(const std::wstring& folder) {
     RemoveDirectoryW(folder.c_str());
 }
 
-std::wstring NewRoot() {
-    wchar_t temporary[MAX_PATH] = {};
-    GetTempPathW(MAX_PATH, temporary);
-    static int counter = 0;
-    return std::wstring(temporary) + L"localstore-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-           std::to_wstring(++counter);
-}
-
 }  // namespace
 
 void StoreTest::SetUp() {
     FillTable();
-    m_root = NewRoot();
-    CreateDirectoryW(m_root.c_str(), nullptr);
+    m_root = MakeNewFolder(L"localstore").wstring();
     for (const wchar_t* folder : {L"Work", L"Work\\Mail", L"Work\\Mail\\Contacts", L"Work\\Mail\\Inbox"}) {
         MakeFolder(folder);
     }

@@ -14,6 +14,7 @@
 #include "mapi/property_tags.h"
 #include "mapi/send_back.h"
 #include "support/settings.h"
+#include "tests/unit/new_folder.h"
 
 namespace recorder = localstore::recorder;
 
@@ -241,11 +242,7 @@ void FolderWriter::AddContact(const PropertyValues& values) {
 }
 
 void StoreTest::SetUp() {
-    wchar_t temp[MAX_PATH] = L"";
-    GetTempPathW(MAX_PATH, temp);
-    static int number = 0;
-    m_root = std::wstring(temp) + L"zeb-store-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-             std::to_wstring(++number);
+    m_root = MakeNewFolder(L"zeb-store").wstring();
     MakeFolder(L"Work\\Mail\\Contacts");
     MakeFolder(L"Work\\Mail\\Calendar");
     MakeFolder(L"Work\\Mail\\Inbox");

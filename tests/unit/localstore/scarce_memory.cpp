@@ -1,0 +1,70 @@
+#include "scarce_memory.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace localstore_test {
+
+namespace {
+
+std::atomic<std::size_t> g_failIn = 0;  ///< allocations until one fails, 0 for never
+std::atomic<bool> g_forever = false;    ///< the ones behind it fail too
+std::atomic<bool> g_hasFailed = false;  ///< one has failed
+
+bool IsRefused() noexcept {
+    if (g_failIn == 0 || --g_failIn != 0) {
+        return false;
+    }
+    g_failIn = g_forever ? 1 : 0;
+    g_hasFailed = true;
+    return true;
+}
+
+void* Allocate(std::size_t size) noexcept {
+    return IsRefused() ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
+}  // namespace
+
+ScarceMemory::ScarceMemory(std::size_t n, bool forever) noexcept {
+    g_hasFailed = false;
+    g_forever = forever;
+    g_failIn = n;
+}
+
+ScarceMemory::~ScarceMemory() {
+    g_failIn = 0;
+}
+
+bool ScarceMemory::HasFailed() const noexcept {
+    return g_hasFailed;
+}
+
+}  // namespace localstore_test
+
+// The program's own versions of the replaceable functions. Those for arrays come here too.
+
+void* operator new(std::size_t size) {
+    void* memory = localstore_test::Allocate(size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return localstore_test::Allocate(size);
+}
+
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
