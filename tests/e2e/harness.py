@@ -17,6 +17,9 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 BIN = pathlib.Path(os.environ.get("ZEB_BIN_DIR", ROOT / "build/bin"))
 TEST_BIN = pathlib.Path(os.environ.get("ZEB_TEST_BIN_DIR", ROOT / "build/release/tests"))
 AGENT = "ZebAgentForOutlook64.exe"
+# Messages that a mail program saved. Without the variable this is a place in which no file is found.
+REAL_ITEMS = pathlib.Path(os.environ.get("ZEB_REAL_ITEMS") or os.devnull)
+NO_REAL_ITEMS = "NO REAL ITEMS: ZEB_REAL_ITEMS names no folder with them"
 
 # How long a thing may take that ought to happen soon. It only has to be long enough for a busy machine.
 PATIENCE = 300
@@ -27,6 +30,11 @@ SKIPPED = 77
 def windows_path(path):
     """The path under which a Windows program finds a file of this machine."""
     return "Z:" + str(pathlib.Path(path).resolve()).replace("/", "\\")
+
+
+def tell_measured(text):
+    """Says what was measured, in a form that tools/test.sh finds among the output of all tests."""
+    print(f"MEASURED: {text}", flush=True)
 
 
 def wait_until(condition, what):

@@ -1,22 +1,19 @@
 """A contact that a mail program saved: everything that independent readers find in it arrives under its element.
 
 The file is not part of the project. ZEB_REAL_ITEMS names the folder that holds contactUnicode.msg and
-contactUnicode.json; without the variable the folder is looked for beside the project.
+contactUnicode.json.
 """
 
 import datetime
 import json
-import os
-import pathlib
 import unittest
 
 import contact_fields
 import harness
 from contact_fields import date_and_time, date_only, fields, normal
 
-ITEMS = pathlib.Path(os.environ.get("ZEB_REAL_ITEMS", harness.ROOT.parent / "shared/real-items"))
-MESSAGE = ITEMS / "contactUnicode.msg"
-DESCRIPTION = ITEMS / "contactUnicode.json"
+MESSAGE = harness.REAL_ITEMS / "contactUnicode.msg"
+DESCRIPTION = harness.REAL_ITEMS / "contactUnicode.json"
 # The zone in which the contact was saved. Its birthday is a midnight there.
 ZONE = "Asia/Tokyo"
 JAPAN = datetime.timezone(datetime.timedelta(hours=9))
@@ -56,7 +53,7 @@ class Description:
         return expected
 
 
-@unittest.skipUnless(MESSAGE.exists() and DESCRIPTION.exists(), f"NO REAL ITEMS in {ITEMS} (ZEB_REAL_ITEMS)")
+@unittest.skipUnless(MESSAGE.exists() and DESCRIPTION.exists(), harness.NO_REAL_ITEMS)
 class RealItems(harness.Case):
     def setUp(self):
         super().setUp()
