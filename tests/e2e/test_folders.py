@@ -263,7 +263,7 @@ class Tree(ListCase):
         begin = time.monotonic()
         document = self.folder_document()
         seconds = time.monotonic() - begin
-        print(f"{count} folders, {depth} deep: {seconds:.1f} s with logon and logoff", flush=True)
+        harness.tell_measured(f"{count} folders, {depth} deep: {seconds:.1f} s with logon and logoff")
         self.assertEqual(self.exported_folder(document[0])[3],
                          [self.expected_folder(folder, "") for folder in sub_folders(store)])
         self.assertEqual(len(list(document.iter("node"))), 1 + 1 + count)
