@@ -150,6 +150,12 @@ class Place:
         self._desktops += 1
         return self.finish(self.start(self.bin / program, *arguments, **more))
 
+    def interrupt_desktop(self, *arguments):
+        """Runs the desktop program and presses Ctrl+C when its output begins. Gives what run_desktop gives."""
+        self._desktops += 1
+        return self.finish(self.start(TEST_BIN / "interrupt_program.exe", windows_path(self.bin / "zebdesk.exe"),
+                                      *arguments))
+
     def read_with_desktop(self, *options, **more):
         """Has the desktop program read all contacts. Gives the bytes of the documents by the names of their files."""
         self._desktops += 1
