@@ -71,6 +71,13 @@ class RealItems(harness.Case):
         self.assertEqual(len(documents), 1)
         self.assert_is_the_contact(documents.popitem()[1].decode("utf-8"))
 
+    def test_it_is_counted_and_read_under_the_profiles_name_and_under_none(self):
+        self.place.start_agent(TZ=ZONE)
+        lines, documents = self.place.run_client("logon=Work", "count", "read", "logon", "count", "read", "logoff")
+        self.assertEqual(lines, ["logon 0", "count 1 0", "read 0 1"] * 2)
+        for document in documents:
+            self.assert_is_the_contact(document)
+
     def test_the_file_stays_as_it_is(self):
         self.place.read_with_desktop()
         self.assertEqual({file.name: file.read_bytes() for file in self.place.contacts.iterdir()},
