@@ -89,6 +89,22 @@ class Place:
         values.update(more)
         return values
 
+    def drive_c(self):
+        """The folder that is the Windows drive C."""
+        return pathlib.Path(self.environment().get("WINEPREFIX", ROOT / "build/wine")) / "drive_c"
+
+    def host_path(self, path):
+        """Where this machine has a file of the Windows drive C."""
+        return self.drive_c() / path.replace("\\", "/").removeprefix("C:/")
+
+    def application_data(self):
+        """The user's application data folder as this machine knows it."""
+        shell = self.start(self.drive_c() / "windows/system32/cmd.exe", "/c", "echo %APPDATA%")
+        status, output, errors = self.finish(shell)
+        if status != 0:
+            raise AssertionError(f"the shell ended with {status}: {output}{errors}")
+        return self.host_path(output.strip())
+
     def start(self, program, *arguments, runner="run-wine.sh", **more):
         """Starts a Windows program; `more` are variables of its environment.
 
