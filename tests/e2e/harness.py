@@ -82,12 +82,13 @@ class Place:
         return folder
 
     def environment(self, **more):
+        """The environment of a program; of `more`, a variable that is None is not in it."""
         values = dict(os.environ)
         values["LOCALSTORE_ROOT"] = windows_path(self.root)
         values["FENNIC64_LOG"] = windows_path(self.log_file)
         values["FENNIC64_LEVEL"] = "1"
         values.update(more)
-        return values
+        return {name: value for name, value in values.items() if value is not None}
 
     def drive_c(self):
         """The folder that is the Windows drive C."""
