@@ -6,6 +6,7 @@ ZEB_BIN_DIR holds those of the product, ZEB_TEST_BIN_DIR the tools for tests.
 
 import os
 import pathlib
+import pty
 import shutil
 import subprocess
 import sys
@@ -35,6 +36,14 @@ def windows_path(path):
 def tell_measured(text):
     """Says what was measured, in a form that tools/test.sh finds among the output of all tests."""
     print(f"MEASURED: {text}", flush=True)
+
+
+def read_terminal(terminal):
+    """The next bytes of a terminal; none once the last program has left it, which is an error to the system."""
+    try:
+        return terminal.read(4096)
+    except OSError:
+        return b""
 
 
 def wait_until(condition, what):
@@ -166,6 +175,23 @@ class Place:
         """Runs the desktop program. Gives its exit status, output and error output."""
         self._desktops += 1
         return self.finish(self.start(self.bin / program, *arguments, **more))
+
+    def run_desktop_on_terminal(self, *arguments):
+        """Runs the desktop program with a terminal as standard error. Gives its exit status and what the terminal got.
+
+        An agent must be there: one that the desktop program started would keep the terminal.
+        """
+        own, other = pty.openpty()
+        try:
+            with open(self.path / "terminal.out", "wb") as output:
+                process = subprocess.Popen(
+                    [str(ROOT / "tools/run-wine.sh"), windows_path(self.bin / "zebdesk.exe"), *arguments],
+                    env=self.environment(), stdin=subprocess.DEVNULL, stdout=output, stderr=other)
+        finally:
+            os.close(other)
+        with open(own, "rb", buffering=0) as terminal:
+            text = b"".join(iter(lambda: read_terminal(terminal), b""))
+        return process.wait(PATIENCE), text.decode()
 
     def interrupt_desktop(self, *arguments):
         """Runs the desktop program and presses Ctrl+C when its output begins. Gives what run_desktop gives."""

@@ -57,5 +57,35 @@ class Output(ListCase):
             self.assertIn("exclude each other", self.refused(1, "read", "contacts", *pair))
 
 
+class Progress(harness.Case):
+    """The bar on a console, which counts the contacts while the read runs."""
+
+    WIDTH = 40
+
+    def setUp(self):
+        super().setUp()
+        self.place.make_contacts([properties(*contact) for contact in CONTACTS])
+        self.place.start_agent()
+
+    def test_it_is_drawn_and_wiped_off(self):
+        status, text = self.place.run_desktop_on_terminal("read", "contacts")
+        self.assertEqual(status, 0, text)
+        count = len(CONTACTS)
+        bars = re.findall(r"\[([#.]*)\] (\d+)/(\d+)", text)
+        self.assertEqual(bars[0], ("." * self.WIDTH, "0", str(count)))
+        for bar, done, expected in bars:
+            filled = int(done) * self.WIDTH // count
+            self.assertEqual((bar, expected), ("#" * filled + "." * (self.WIDTH - filled), str(count)))
+        # Behind the last bar the line is cleared before the summary takes its place.
+        behind = text[text.rindex(f"] {bars[-1][1]}/"):text.rindex(f"{count} contacts read")]
+        self.assertTrue("\x1b[K" in behind or " " * self.WIDTH in behind, behind)
+
+    def test_a_quiet_read_draws_nothing(self):
+        status, text = self.place.run_desktop_on_terminal("read", "contacts", "--quiet")
+        self.assertEqual(status, 0, text)
+        self.assertNotIn("[.", text)
+        self.assertNotIn("contacts", text)
+
+
 if __name__ == "__main__":
     harness.run()
