@@ -6,9 +6,9 @@
 
 #include <rpc.h>
 
-/// The binding to the desktop program, 0 while there is none. Process-wide; a logon replaces it. The client
-/// stubs of the callback interface define it and use it.
-extern "C" handle_t g_hOutlookBinding;
+// Declares g_hOutlookBinding, which the client stubs of the callback interface define and use: the binding to
+// the desktop program, 0 while there is none. Process-wide; a logon replaces it.
+#include "callback.h"
 
 /// Makes a binding to "\pipe\OutlookServer32" without contacting it, and keeps it in place of an earlier one,
 /// which stays open: so there is one for each logon of the process. Returns 1, or 0 on failure. A binding

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds and runs all tests: the release build under Wine, then the pure ring natively with the sanitizers. The last line
-# counts the entries of both runs. Ends with 1 if a test failed or a run could not be had.
+# Builds and runs all tests: the release build under Wine, then the pure ring natively with the sanitizers. Behind them
+# stands what was measured and each single test that was left out; the last line counts the entries of both runs. Ends with 1 if a test failed or a run could not be had.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/wine-server.sh
@@ -8,17 +8,45 @@ source tools/wine-server.sh
 passed=0
 failed=0
 skipped=0
+measured=
+left_out=
 
 # Adds the counts of a result file that ctest wrote: count_results FILE
 count_results() {
   local suite number
   suite=$(grep -m1 -A12 '<testsuite' "$1")
   number() { sed -nE "s/.*[[:space:]]$1=\"([0-9]+)\".*/\1/p" <<<"$suite" | head -n1; }
-  local all bad off left_out
-  all=$(number tests) bad=$(number failures) off=$(number disabled) left_out=$(number skipped)
+  local all bad off out
+  all=$(number tests) bad=$(number failures) off=$(number disabled) out=$(number skipped)
   failed=$((failed + bad))
-  skipped=$((skipped + off + left_out))
-  passed=$((passed + all - bad - off - left_out))
+  skipped=$((skipped + off + out))
+  passed=$((passed + all - bad - off - out))
+}
+
+# ctest shows nothing of an entry that passes, though single tests in it may have been left out. Prints what such tests say in
+# the log of a run, as lines "measured ENTRY: TEXT" and "left_out ENTRY: TEXT": read_log FILE
+read_log() {
+  tr -d '\r' <"$1" | awk '
+    sub(/^[0-9]+\/[0-9]+ Testing: /, "") { entry = $0 }
+    match($0, /MEASURED: /) { print "measured " entry ": " substr($0, RSTART + RLENGTH) }
+    sub(/^SKIPPED: /, "") { print "left_out " entry ": " $0 }
+    /^\[  SKIPPED \] .* ms\)$/ { print "left_out " entry ": " $4 ": " reason }
+    NF { reason = $0 }'
+}
+
+# Notes what the tests of a run say: note_log FILE
+note_log() {
+  local kind text
+  while read -r kind text; do
+    printf -v "$kind" '%s  %s\n' "${!kind}" "$text"
+  done < <(read_log "$1")
+}
+
+# The closing section.
+print_notes() {
+  [ -z "$measured" ] || printf '== measured\n%s' "$measured"
+  [ -z "$left_out" ] ||
+    printf '== LEFT OUT, of entries that may have passed: %d TESTS\n%s' "$(grep -c . <<<"${left_out%$'\n'}")" "$left_out"
 }
 
 fail() {
@@ -29,11 +57,13 @@ fail() {
 # Runs the tests of one preset: run_tests PRESET [ARGUMENT of ctest...]
 run_tests() {
   local preset=$1 results=$PWD/build/$1/test-results.xml status=0 failed_before=$failed
+  local log=$PWD/build/$1/Testing/Temporary/LastTest.log
   shift
   printf '== test: %s\n' "$preset"
-  rm -f "$results"
+  rm -f "$results" "$log"
   ctest --preset "$preset" --no-tests=error --output-junit "$results" "$@" || status=$?
   [ ! -s "$results" ] || count_results "$results"
+  [ ! -s "$log" ] || note_log "$log"
   # A program that could not be started at all stands in the file as one that was left out.
   if [ "$status" -ne 0 ] && [ "$failed" -eq "$failed_before" ]; then
     fail "ctest of $preset ended with $status"
@@ -56,5 +86,6 @@ else
   fail "THE SANITIZED BUILD FAILED"
 fi
 
+print_notes
 printf '%d passed, %d failed, %d skipped\n' "$passed" "$failed" "$skipped"
 [ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]

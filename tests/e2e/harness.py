@@ -6,6 +6,7 @@ ZEB_BIN_DIR holds those of the product, ZEB_TEST_BIN_DIR the tools for tests.
 
 import os
 import pathlib
+import pty
 import resource
 import shutil
 import signal
@@ -19,6 +20,9 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 BIN = pathlib.Path(os.environ.get("ZEB_BIN_DIR", ROOT / "build/bin"))
 TEST_BIN = pathlib.Path(os.environ.get("ZEB_TEST_BIN_DIR", ROOT / "build/release/tests"))
 AGENT = "ZebAgentForOutlook64.exe"
+# Messages that a mail program saved. Without the variable this is a place in which no file is found.
+REAL_ITEMS = pathlib.Path(os.environ.get("ZEB_REAL_ITEMS") or os.devnull)
+NO_REAL_ITEMS = "NO REAL ITEMS: ZEB_REAL_ITEMS names no folder with them"
 
 # How long a thing may take that ought to happen soon. It only has to be long enough for a busy machine.
 PATIENCE = 300
@@ -29,6 +33,19 @@ SKIPPED = 77
 def windows_path(path):
     """The path under which a Windows program finds a file of this machine."""
     return "Z:" + str(pathlib.Path(path).resolve()).replace("/", "\\")
+
+
+def tell_measured(text):
+    """Says what was measured, in a form that tools/test.sh finds among the output of all tests."""
+    print(f"MEASURED: {text}", flush=True)
+
+
+def read_terminal(terminal):
+    """The next bytes of a terminal; none once the last program has left it, which is an error to the system."""
+    try:
+        return terminal.read(4096)
+    except OSError:
+        return b""
 
 
 def wait_until(condition, what):
@@ -84,12 +101,29 @@ class Place:
         return folder
 
     def environment(self, **more):
+        """The environment of a program; of `more`, a variable that is None is not in it."""
         values = dict(os.environ)
         values["LOCALSTORE_ROOT"] = windows_path(self.root)
         values["FENNIC64_LOG"] = windows_path(self.log_file)
         values["FENNIC64_LEVEL"] = "1"
         values.update(more)
-        return values
+        return {name: value for name, value in values.items() if value is not None}
+
+    def drive_c(self):
+        """The folder that is the Windows drive C."""
+        return pathlib.Path(self.environment().get("WINEPREFIX", ROOT / "build/wine")) / "drive_c"
+
+    def host_path(self, path):
+        """Where this machine has a file of the Windows drive C."""
+        return self.drive_c() / path.replace("\\", "/").removeprefix("C:/")
+
+    def application_data(self):
+        """The user's application data folder as this machine knows it."""
+        shell = self.start(self.drive_c() / "windows/system32/cmd.exe", "/c", "echo %APPDATA%")
+        status, output, errors = self.finish(shell)
+        if status != 0:
+            raise AssertionError(f"the shell ended with {status}: {output}{errors}")
+        return self.host_path(output.strip())
 
     def need_shutdown(self):
         """Notes that the desktop program may start an agent, which stays when it ends."""
@@ -155,6 +189,29 @@ class Place:
         """Runs the desktop program. Gives its exit status, output and error output."""
         self.need_shutdown()
         return self.finish(self.start(self.bin / program, *arguments, **more))
+
+    def run_desktop_on_terminal(self, *arguments):
+        """Runs the desktop program with a terminal as standard error. Gives its exit status and what the terminal got.
+
+        An agent must be there: one that the desktop program started would keep the terminal.
+        """
+        own, other = pty.openpty()
+        try:
+            with open(self.path / "terminal.out", "wb") as output:
+                process = subprocess.Popen(
+                    [str(ROOT / "tools/run-wine.sh"), windows_path(self.bin / "zebdesk.exe"), *arguments],
+                    env=self.environment(), stdin=subprocess.DEVNULL, stdout=output, stderr=other)
+        finally:
+            os.close(other)
+        with open(own, "rb", buffering=0) as terminal:
+            text = b"".join(iter(lambda: read_terminal(terminal), b""))
+        return process.wait(PATIENCE), text.decode()
+
+    def interrupt_desktop(self, *arguments):
+        """Runs the desktop program and presses Ctrl+C when its output begins. Gives what run_desktop gives."""
+        self._desktops += 1
+        return self.finish(self.start(TEST_BIN / "interrupt_program.exe", windows_path(self.bin / "zebdesk.exe"),
+                                      *arguments))
 
     def read_with_desktop(self, *options, **more):
         """Has the desktop program read all contacts. Gives the bytes of the documents by the names of their files."""

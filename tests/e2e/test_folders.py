@@ -1,6 +1,5 @@
 """Profiles and folders: the lists that the agent writes to files, and the folder of a read."""
 
-import pathlib
 import re
 import shutil
 import time
@@ -8,9 +7,8 @@ import xml.etree.ElementTree
 
 import harness
 from contact_fields import fields, tag_line
+from list_case import LOCALE, ListCase
 
-# Names of files beyond ASCII need a locale that has them.
-LOCALE = {"LANG": "C.UTF-8", "LC_ALL": "C.UTF-8"}
 KNOWN = {"Calendar": "IPF.Appointment", "Contacts": "IPF.Contact", "Journal": "IPF.Journal", "Notes": "IPF.StickyNote",
          "Tasks": "IPF.Task", "Drafts": "IPF.Note", "Inbox": "IPF.Note"}
 TYPES = ["IPF.Note", "IPF.Appointment", "IPF.Contact", "IPF.Task", "IPF.Journal", "IPF.StickyNote"]
@@ -21,66 +19,6 @@ def ini(folder, section, **keys):
     """Writes the folder.ini of a profile, store or folder."""
     lines = [f"[{section}]"] + [f"{key}={value}" for key, value in keys.items()]
     (folder / "folder.ini").write_text("\r\n".join(lines) + "\r\n", encoding="utf-8", newline="")
-
-
-class ListCase(harness.Case):
-    """A place whose agent writes its lists to a folder of the test's own."""
-
-    def setUp(self):
-        super().setUp()
-        self.xml_path = self.place.path.name
-        self.place.settings(XMLPath=self.xml_path, subfolder="false")
-        self.documents = self.application_data() / self.xml_path
-        self.addCleanup(self.remove_documents)
-
-    def remove_documents(self):
-        if self.documents.is_dir():
-            shutil.rmtree(self.documents)
-        elif self.documents.exists():
-            self.documents.unlink()
-
-    def application_data(self):
-        """The user's application data folder as this machine knows it."""
-        prefix = pathlib.Path(self.place.environment().get("WINEPREFIX", harness.ROOT / "build/wine"))
-        shell = self.place.start(prefix / "drive_c/windows/system32/cmd.exe", "/c", "echo %APPDATA%")
-        output, _ = self.assert_exit(shell)
-        return prefix / "drive_c" / output.strip().replace("\\", "/").removeprefix("C:/")
-
-    def desktop(self, *arguments, **more):
-        """Runs the desktop program, which has to succeed."""
-        status, output, errors = self.place.run_desktop(*arguments, **(LOCALE | more))
-        self.assertEqual(status, 0, output + errors)
-        return output
-
-    def refused(self, expected, *arguments, **more):
-        """Runs the desktop program, which has to fail without any output. Gives its message."""
-        status, output, errors = self.place.run_desktop(*arguments, **(LOCALE | more))
-        self.assertEqual((status, output), (expected, ""), errors)
-        self.assertRegex(errors, r"\Azebdesk: [^\n]+\n\Z")
-        return errors
-
-    def folder_document(self, *options):
-        return xml.etree.ElementTree.fromstring(self.desktop("folders", "--xml", *options).encode())
-
-    def identifier(self, *path):
-        """The identifier of a folder by the names on the way from its store on."""
-        node = self.folder_document()
-        for name in path:
-            [node] = [child for child in node.findall("node") if child.findtext("fname") == name]
-        return node.findtext("id")
-
-    def make_contact(self, folder, surname):
-        """Moves a new contact to a folder."""
-        self.place.make_contacts([[tag_line("3A11001F", surname)]])
-        [file] = self.place.contacts.glob("*.msg")
-        file.rename(self.place.folder(folder) / f"{surname}.msg")
-
-    def surnames(self, *options):
-        return surnames(document.decode() for document in self.place.read_with_desktop(*options).values())
-
-
-def surnames(documents):
-    return sorted(fields(document)["LastName"] for document in documents)
 
 
 class Setup(ListCase):
@@ -263,7 +201,7 @@ class Tree(ListCase):
         begin = time.monotonic()
         document = self.folder_document()
         seconds = time.monotonic() - begin
-        print(f"{count} folders, {depth} deep: {seconds:.1f} s with logon and logoff", flush=True)
+        harness.tell_measured(f"{count} folders, {depth} deep: {seconds:.1f} s with logon and logoff")
         self.assertEqual(self.exported_folder(document[0])[3],
                          [self.expected_folder(folder, "") for folder in sub_folders(store)])
         self.assertEqual(len(list(document.iter("node"))), 1 + 1 + count)

@@ -72,5 +72,26 @@ class Interruption(harness.Case):
         self.assert_all(documents, 20)
 
 
+class Key(harness.Case):
+    """Ctrl+C at a desktop program that reads."""
+
+    INTERRUPTED = 5
+
+    def test_it_ends_the_read_and_neither_the_agent_nor_the_next_read(self):
+        self.place.make_contacts([[tag_line("3A11001F", "number")]])
+        self.place.multiply_contact("number", names(CONTACTS))
+        # The desktop program starts the agent itself, which must not hear of the key.
+        status, output, errors = self.place.interrupt_desktop("read", "contacts", "--xml")
+        self.assertEqual(status, self.INTERRUPTED, errors)
+        arrived = output.count("</Contact>")
+        self.assertGreater(arrived, 0)
+        self.assertLess(arrived, CONTACTS)
+        self.assertIn(f"zebdesk: interrupted after {arrived} of {CONTACTS} contacts", errors)
+        documents = self.place.read_with_desktop()
+        self.assertEqual(sorted(fields(one.decode())["LastName"] for one in documents.values()), names(CONTACTS))
+        self.assertEqual(self.place.log().count("CMAPIObject::Stop - Begin"), 1)
+        self.assertEqual(self.place.log().count("Begin  Rpc Intliaize"), 1)
+
+
 if __name__ == "__main__":
     harness.run()

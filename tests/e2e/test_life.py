@@ -3,6 +3,7 @@
 import shutil
 
 import harness
+from contact_fields import fields, tag_line
 
 BEGIN = "Begin  Rpc Intliaize-----------------------------------"
 FINISH = "finish Rpc Intliaize-----------------------------------"
@@ -17,14 +18,26 @@ STOPPING = [
 FAILED_LOG_ON = "CMAPIObject::MAPILogOn - Failed\r\n"
 
 
+def files_below(folder):
+    return {file.relative_to(folder) for file in folder.rglob("*") if file.is_file()}
+
+
 class Start(harness.Case):
+    def setUp(self):
+        super().setUp()
+        # The agent makes the folder of its lists when it takes its settings.
+        self.place.settings(XMLPath=self.place.path.name)
+        self.lists = self.place.application_data() / self.place.path.name
+        self.addCleanup(shutil.rmtree, self.lists, ignore_errors=True)
+
     def assert_useless_but_alive(self, agent, start_log):
-        """An agent without a mail system answers, and every logon fails."""
+        """An agent without a mail system answers, and every logon fails. It has not even looked for settings."""
         lines, documents = self.place.run_client("logon", "count", "read", "logon=Work", "logoff")
         self.assertEqual(lines, ["logon 1", "count 0 0", "read 1 0", "logon 1"])
         self.assertEqual(documents, [])
         self.assertTrue(self.place.log().startswith(start_log), self.place.log())
         self.assertEqual(self.place.log().count(FAILED_LOG_ON), 2)
+        self.assertFalse(self.lists.exists())
         self.assertIsNone(agent.poll())
         lines, _ = self.place.run_client("shutdown", "await-end")
         self.assertEqual(lines, ["end announced"])
@@ -41,6 +54,29 @@ class Start(harness.Case):
         agent = self.place.start_agent()
         self.assert_useless_but_alive(agent, BEGIN + ENTER + "LoadLibrary MAPI32.dll failed\n" + FINISH +
                                       "CMAPIObject::MAPILogOn - Begin")
+
+    def test_with_a_mail_system_the_settings_are_taken(self):
+        self.place.start_agent()
+        self.assertTrue(self.lists.is_dir())
+
+    def test_without_settings_the_lists_go_nowhere(self):
+        (self.place.bin / "PIMProfile.ini").unlink()
+        data = self.place.application_data()
+        before = files_below(data)
+        agent = self.place.start_agent()
+        lines, _ = self.place.run_client("logon", "folders", "profiles", "count", "logoff")
+        self.assertEqual(lines, ["logon 0", "folders 0", "profiles 0", "count 0 0"])
+        self.assertIsNone(agent.poll())
+        self.assertEqual(files_below(data), before)
+        self.assertEqual([file for file in files_below(self.place.path) if file.suffix == ".xml"], [])
+
+    def test_a_store_beside_its_library_needs_no_variable(self):
+        self.place.make_contacts([[tag_line("3A11001F", "beside")]])
+        self.place.root.rename(self.place.bin / "LocalStore")
+        self.place.start_agent(LOCALSTORE_ROOT=None)
+        lines, documents = self.place.run_client("logon", "count", "read", "logoff")
+        self.assertEqual(lines, ["logon 0", "count 1 0", "read 0 1"])
+        self.assertEqual([fields(document)["LastName"] for document in documents], ["beside"])
 
     def test_the_command_line_is_ignored(self):
         agent = self.place.start(self.place.bin / harness.AGENT, "--help", "/?", "x y")

@@ -29,7 +29,7 @@ class ManyContacts(harness.Case):
         begin = time.monotonic()
         result = action()
         seconds = time.monotonic() - begin
-        print(f"{what}: {CONTACTS} contacts in {seconds:.2f} s, {CONTACTS / seconds:.0f} a second", flush=True)
+        harness.tell_measured(f"{what}: {CONTACTS} contacts in {seconds:.2f} s, {CONTACTS / seconds:.0f} a second")
         return result
 
     def test_all_arrive_and_differ_only_in_their_identity(self):

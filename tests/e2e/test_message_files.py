@@ -4,8 +4,6 @@ Messages that a mail program saved are tried too if ZEB_REAL_ITEMS names a folde
 """
 
 import json
-import os
-import pathlib
 import sys
 import time
 import unittest
@@ -18,7 +16,6 @@ except ImportError:
     print("SKIPPED: the olefile library is not there", file=sys.stderr)
     sys.exit(harness.SKIPPED)
 
-ITEMS = pathlib.Path(os.environ.get("ZEB_REAL_ITEMS", harness.ROOT.parent / "shared/real-items"))
 ADDRESS = "00062004-0000-0000-c000-000000000046"
 COMMON = "00062008-0000-0000-c000-000000000046"
 PUBLIC = "00020329-0000-0000-c000-000000000046"
@@ -189,10 +186,10 @@ class Refusals(MessageFiles):
         self.assertEqual(self.write("touch").strip(), "1")
 
 
-@unittest.skipUnless(list(ITEMS.glob("*.msg")), f"NO REAL ITEMS in {ITEMS} (ZEB_REAL_ITEMS)")
+@unittest.skipUnless(list(harness.REAL_ITEMS.glob("*.msg")), harness.NO_REAL_ITEMS)
 class SavedMessages(MessageFiles):
     def test_the_reader_reads_what_others_read(self):
-        for description in ITEMS.glob("*.json"):
+        for description in harness.REAL_ITEMS.glob("*.json"):
             expected = json.loads(description.read_text(encoding="utf-8"))
             message = read_msg.Message(description.with_suffix(".msg"))
             for entry in expected["properties"]:
@@ -213,7 +210,7 @@ class SavedMessages(MessageFiles):
 
     def test_a_change_of_one_property_changes_nothing_else(self):
         before = {}
-        for file in ITEMS.glob("*.msg"):
+        for file in harness.REAL_ITEMS.glob("*.msg"):
             (self.place.contacts / file.name).write_bytes(file.read_bytes())
             before[file.name] = read_msg.Message(file)
         self.assertEqual(self.write("touch").strip(), str(len(before)))

@@ -1,22 +1,19 @@
 """A contact that a mail program saved: everything that independent readers find in it arrives under its element.
 
 The file is not part of the project. ZEB_REAL_ITEMS names the folder that holds contactUnicode.msg and
-contactUnicode.json; without the variable the folder is looked for beside the project.
+contactUnicode.json.
 """
 
 import datetime
 import json
-import os
-import pathlib
 import unittest
 
 import contact_fields
 import harness
 from contact_fields import date_and_time, date_only, fields, normal
 
-ITEMS = pathlib.Path(os.environ.get("ZEB_REAL_ITEMS", harness.ROOT.parent / "shared/real-items"))
-MESSAGE = ITEMS / "contactUnicode.msg"
-DESCRIPTION = ITEMS / "contactUnicode.json"
+MESSAGE = harness.REAL_ITEMS / "contactUnicode.msg"
+DESCRIPTION = harness.REAL_ITEMS / "contactUnicode.json"
 # The zone in which the contact was saved. Its birthday is a midnight there.
 ZONE = "Asia/Tokyo"
 JAPAN = datetime.timezone(datetime.timedelta(hours=9))
@@ -56,7 +53,7 @@ class Description:
         return expected
 
 
-@unittest.skipUnless(MESSAGE.exists() and DESCRIPTION.exists(), f"NO REAL ITEMS in {ITEMS} (ZEB_REAL_ITEMS)")
+@unittest.skipUnless(MESSAGE.exists() and DESCRIPTION.exists(), harness.NO_REAL_ITEMS)
 class RealItems(harness.Case):
     def setUp(self):
         super().setUp()
@@ -73,6 +70,13 @@ class RealItems(harness.Case):
         documents = self.place.read_with_desktop(TZ=ZONE)
         self.assertEqual(len(documents), 1)
         self.assert_is_the_contact(documents.popitem()[1].decode("utf-8"))
+
+    def test_it_is_counted_and_read_under_the_profiles_name_and_under_none(self):
+        self.place.start_agent(TZ=ZONE)
+        lines, documents = self.place.run_client("logon=Work", "count", "read", "logon", "count", "read", "logoff")
+        self.assertEqual(lines, ["logon 0", "count 1 0", "read 0 1"] * 2)
+        for document in documents:
+            self.assert_is_the_contact(document)
 
     def test_the_file_stays_as_it_is(self):
         self.place.read_with_desktop()

@@ -1,6 +1,6 @@
-// The procedures of the command interface before any logon: the bytes of each request and of its answer. The
-// bytes follow from the parameters by the rules of NDR 2.0 (C706, chapter 14), not from what the agent's
-// stubs happen to do.
+// The procedures of the command interface, most before any logon: the bytes of each request and of its
+// answer. The bytes follow from the parameters by the rules of NDR 2.0 (C706, chapter 14), not from what the
+// agent's stubs happen to do.
 
 #include <gmock/gmock.h>
 
@@ -19,6 +19,27 @@ Bytes Failure() {
 }
 Bytes Nothing() {
     return {};
+}
+/// A text that is ignored, and the name of a map file.
+Bytes ArgumentsOfARead() {
+    return Hex(
+        "02 00 00 00  00 00 00 00  02 00 00 00  71 00 00 00"
+        "04 00 00 00  00 00 00 00  04 00 00 00  6d 00 61 00 70 00 00 00");
+}
+
+/// The answer of a write that failed: two empty texts, for which the arrays of 400 and 40 characters are
+/// announced, and at the next multiple of four the status 1.
+void ExpectNothingWritten(const Bytes& answer) {
+    ByteReader reader(answer);
+    for (const std::uint32_t size : {400U, 40U}) {
+        const WireString text = ReadString(reader);
+        EXPECT_EQ(text.maximum, size);
+        EXPECT_EQ(text.offset, 0U);
+        EXPECT_EQ(text.units, std::u16string(1, u'\0'));
+    }
+    reader.Align(4);
+    EXPECT_EQ(reader.U32(), 1U);
+    EXPECT_TRUE(reader.AtEnd());
 }
 
 class Commands : public testing::Test {
@@ -85,12 +106,6 @@ TEST_F(Commands, GetContactCountBeforeLogonIsNone) {
     EXPECT_EQ(Answer(5), Hex("00 00 00 00  00 00 00 00"));
 }
 
-TEST_F(Commands, GetCalendarCountBeforeLogonIsNone) {
-    const Bytes answer = Answer(6);
-    ASSERT_EQ(answer.size(), 8U);
-    EXPECT_EQ(Bytes(answer.begin(), answer.begin() + 4), Hex("00 00 00 00"));
-}
-
 TEST_F(Commands, GetAppFolderTakesOneCharacter) {
     EXPECT_EQ(Answer(7, Hex("78 00")), Failure());
 }
@@ -123,36 +138,27 @@ TEST_F(Commands, FolderSelectionsFailBeforeLogon) {
     EXPECT_EQ(Answer(12, ByteWriter().String(u"").Written()), Failure());
 }
 
-TEST_F(Commands, ReadsFailBeforeLogon) {
-    const Bytes arguments =
-        Hex("02 00 00 00  00 00 00 00  02 00 00 00  71 00 00 00"
-            "04 00 00 00  00 00 00 00  04 00 00 00  6d 00 61 00 70 00 00 00");
-    EXPECT_EQ(Answer(15, arguments), Failure());
-    EXPECT_EQ(Answer(16, arguments), Failure());
+TEST_F(Commands, ReadContactsFailsBeforeLogon) {
+    EXPECT_EQ(Answer(15, ArgumentsOfARead()), Failure());
 }
 
-/// The answer of a write that had nothing to do: two texts, for which the arrays of 400 and 40 characters are
-/// announced, and a status at the next multiple of four.
-void ExpectAnswerOfAWrite(const Bytes& answer) {
-    ByteReader reader(answer);
-    const WireString id = ReadString(reader);
-    EXPECT_EQ(id.maximum, 400U);
-    EXPECT_EQ(id.offset, 0U);
-    EXPECT_EQ(id.units, std::u16string(1, u'\0'));
-    const WireString time = ReadString(reader);
-    EXPECT_EQ(time.maximum, 40U);
-    EXPECT_EQ(time.offset, 0U);
-    ASSERT_FALSE(time.units.empty());
-    EXPECT_LE(time.units.size(), 40U);
-    EXPECT_EQ(time.units.find(u'\0'), time.units.size() - 1);
-    reader.Align(4);
-    EXPECT_LE(reader.U32(), 1U);
-    EXPECT_TRUE(reader.AtEnd());
-}
-
-TEST_F(Commands, WritesAnswerWithTwoTextsAndAStatus) {
+TEST_F(Commands, WhatIsNotServedFailsBeforeAndAfterALogon) {
     const Bytes noDocument = ByteWriter().String(u"this is no document").Written();
-    ExpectAnswerOfAWrite(Answer(13, noDocument));
+    for (const bool loggedOn : {false, true}) {
+        if (loggedOn) {
+            ASSERT_EQ(Answer(2, ByteWriter().String(u"").Written()), Success());
+        }
+        EXPECT_EQ(Answer(6), Hex("00 00 00 00  01 00 00 00")) << loggedOn;
+        ExpectNothingWritten(Answer(14, noDocument));
+        EXPECT_EQ(Answer(16, ArgumentsOfARead()), Failure()) << loggedOn;
+    }
+}
+
+TEST_F(Commands, WriteContactsIsNotServedBeforeOrAfterALogon) {
+    const Bytes noDocument = ByteWriter().String(u"this is no document").Written();
+    ExpectNothingWritten(Answer(13, noDocument));
+    ASSERT_EQ(Answer(2, ByteWriter().String(u"").Written()), Success());
+    ExpectNothingWritten(Answer(13, noDocument));
 }
 
 TEST_F(Commands, ThereIsNoEighteenthProcedure) {

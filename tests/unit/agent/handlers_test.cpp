@@ -115,16 +115,31 @@ TEST_F(Handlers, WhatIsNotServedFailsAndReturnsNothing) {
     wchar_t text[] = L"x";
     wchar_t id[400] = L"unset";
     wchar_t time[40] = L"unset";
-    long status = 0;
+    long status = 77;
+    WriteCalendars(text, id, time, &status);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(CString(id), L"");
+    EXPECT_EQ(CString(time), L"");
+    status = 77;
+    ReadCalendars(text, text, &status);
+    EXPECT_EQ(status, 1);
+    long count = 77;
+    status = 77;
+    GetCalendarCount(&count, &status);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(count, 0);
+    EXPECT_TRUE(TakeLog().empty());
+}
+
+TEST_F(Handlers, WriteContactsIsNotServedAndReturnsNothing) {
+    wchar_t text[] = L"x";
+    wchar_t id[400] = L"unset";
+    wchar_t time[40] = L"unset";
+    long status = 77;
     WriteContacts(text, id, time, &status);
     EXPECT_EQ(status, 1);
     EXPECT_EQ(CString(id), L"");
     EXPECT_EQ(CString(time), L"");
-    long count = 77;
-    status = 0;
-    GetCalendarCount(&count, &status);
-    EXPECT_EQ(status, 1);
-    EXPECT_EQ(count, 0);
 }
 
 }  // namespace

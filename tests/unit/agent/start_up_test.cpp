@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "agent/callback_client.h"
 #include "agent/rpc_runtime.h"
 #include "agent/shutdown.h"
+#include "command.h"
 #include "support/application.h"
 #include "support/mapi_entry_points.h"
 #include "support/owners.h"
@@ -191,6 +194,22 @@ TEST_F(StartUp, SecondBindingReplacesTheFirstWhichStaysOpen) {
     EXPECT_NE(g_hOutlookBinding, first);
     // A handle that had been freed could not be reset.
     EXPECT_EQ(RpcBindingReset(first), RPC_S_OK);
+}
+
+TEST_F(StartUp, EachLogonLeavesABindingOfItsOwnOpen) {
+    constexpr std::size_t kLogons = 7;
+    std::set<RPC_BINDING_HANDLE> bindings;
+    for (std::size_t i = 0; i < kLogons; ++i) {
+        wchar_t profile[] = L"Work";
+        long status = 77;
+        MAPILogOn(profile, &status);
+        MAPILogOff();
+        bindings.insert(g_hOutlookBinding);
+    }
+    EXPECT_EQ(bindings.size(), kLogons);
+    for (const RPC_BINDING_HANDLE binding : bindings) {
+        EXPECT_EQ(RpcBindingReset(binding), RPC_S_OK);
+    }
 }
 
 TEST_F(StartUp, BindingTextThatCannotBeComposedEndsTheProcess) {

@@ -78,6 +78,30 @@ TEST_F(ContactMessage, EmptyContactHasAllElementsOfTheMessagePartEmpty) {
         L"\n\t<SP-IMADRESS IMType=\"4022\"/>\n\t<SP-CATEGORIES/></Contact>");
 }
 
+TEST_F(ContactMessage, ContactWithoutTelephoneNumbersHasNoNumberElements) {
+    const ComPtr<IMessage> message =
+        m_writer->NewMessage(L"IPM.Contact", PropertyValues().Text(0x3A11001F, L"Doe"));
+    ULONG count = 0;
+    MapiBuffer<SPropValue> row;
+    ASSERT_TRUE(
+        SUCCEEDED(message->GetProps(const_cast<SPropTagArray*>(kContactColumns), 0, &count, row.Put())));
+    CXMLParser document;
+    EXPECT_TRUE(document.InitDocument());
+    document.CreateHeader();
+    document.CreateRootElement(L"Contact");
+    CString id;
+    AppendContactRowToXml(document, id, row.Get(), count, nullptr);
+    AppendContactMessageToXml(document, message.Get());
+    const CString body = Body(document);
+    EXPECT_EQ(Element(body, L"LastName"), L"Doe");
+    for (const wchar_t* part : {L"Number", L"Fax", L"Mobile", L"Pager"}) {
+        EXPECT_EQ(body.find(part), CString::npos) << part;
+    }
+    for (const wchar_t* name : {L"SP-EMAIL1", L"SP-EMAIL2", L"SP-EMAIL3"}) {
+        EXPECT_EQ(Element(body, name), L"") << name;
+    }
+}
+
 TEST_F(ContactMessage, NamedPropertyThatIsNoTextIsNotTaken) {
     const ComPtr<IMessage> message = m_writer->NewMessage(L"IPM.Contact");
     PropertyValues().Number(FolderWriter::AddressTag(message.Get(), 0x8005, PT_LONG), 5).SetOn(message.Get());

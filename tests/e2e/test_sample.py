@@ -1,0 +1,102 @@
+"""The sample store that the demo shows, read as the demo reads it."""
+
+import harness
+from contact_fields import fields, parse
+from list_case import ListCase
+
+ZEBSAMPLE = harness.TEST_BIN.parent / "tools/zebsample.exe"
+PLAIN_CONTACTS = 5
+# What a property value carries in one piece; what is longer comes as a stream.
+LONGEST_VALUE = 32 * 1024
+FAMILY = "Contacts\\Fam\u00EDlia"
+# The surnames of the contacts, and for those without one the company.
+IN_CONTACTS = {
+    "\u00C5ngstr\u00F6m-N\u00FA\u00F1ez", "Gro\u00DFmann", "\u017B\u00F3\u0142kiewski", "\u5C71\u7530", "\u738B", "\uAE40",
+    "\u062D\u062F\u0627\u062F", "\u05DC\u05D5\u05D9", "\u0421\u043E\u043A\u043E\u043B\u043E\u0432\u0430",
+    "\u03A0\u03B1\u03C0\u03B1\u03B4\u03BF\u03C0\u03BF\u03CD\u03BB\u03BF\u03C5", "I\u015F\u0131k\u00E7\u0131",
+    "\u0E43\u0E08\u0E14\u0E35", "Nguy\u1EC5n", "\u0936\u0930\u094D\u092E\u093E", "Quayside Bakery"}
+IN_FAMILY = {"Concei\u00E7\u00E3o", "N\u00ED Bhriain", "\u00C6gisd\u00F3ttir"}
+WITH_PICTURE = {
+    "\u00C5ngstr\u00F6m-N\u00FA\u00F1ez", "Gro\u00DFmann", "\u5C71\u7530", "\u738B", "\u062D\u062F\u0627\u062F",
+    "\u03A0\u03B1\u03C0\u03B1\u03B4\u03BF\u03C0\u03BF\u03CD\u03BB\u03BF\u03C5", "I\u015F\u0131k\u00E7\u0131",
+    "Concei\u00E7\u00E3o"}
+# Addresses by the number of their service. The last two of 4022 have a service that is not known, and none.
+IM_ADDRESSES = {
+    ("4022", ""), ("4022", "MSN:eleni"), ("4022", "maria.sokolova"), ("4023", "amelie.example"),
+    ("4024", "juergen@example.com"), ("4025", "lukasz_z"), ("4026", "hanako.yamada"), ("4026", "recep.isikci"),
+    ("4027", "555010014"), ("4028", "minjun@example.com"), ("4029", "555016016"), ("4030", "noa@chat.example.com")}
+# What stands in the items and folders that a read passes by.
+NEIGHBOURS = ["Custom", "Another", "Form<", "choir", "letter", "Filed", "Called", "Yesterday", "Quick"]
+
+
+class Sample(ListCase):
+    def setUp(self):
+        super().setUp()
+        self.place.root = self.place.path / "sample"
+        self.place.settings(XMLPath=self.xml_path, subfolder="true")
+        output, _ = self.assert_exit(self.place.start(ZEBSAMPLE, harness.windows_path(self.place.root), PLAIN_CONTACTS))
+        self.assertEqual(output.strip(), f"25 items in profile Sample, {PLAIN_CONTACTS} in profile Second")
+
+    def test_it_has_two_profiles(self):
+        table = [line.split() for line in self.desktop("profiles").splitlines()]
+        self.assertEqual(table, [["PROFILE", "DEFAULT"], ["Sample", "default"], ["Second"]])
+
+    def test_it_has_three_stores_of_which_one_cannot_be_opened(self):
+        stores = {store.findtext("fname"): [folder.findtext("fname") for folder in store.findall("node")]
+                  for store in self.folder_document()}
+        self.assertEqual(stores, {
+            "Archive of the sample": ["Contacts", "Drafts", "Inbox"],
+            "Sample mailbox": ["Calendar", "Contacts", "Drafts", "Inbox", "Journal", "Notes", "Projects", "Tasks"],
+            "Shared folders, out of reach": []})
+
+    def test_contacts_are_counted(self):
+        self.assertEqual(self.desktop("count"), "contacts: 18\n")
+        family = self.identifier("Sample mailbox", *FAMILY.split("\\"))
+        self.assertEqual(self.desktop("count", "--folder", family), "contacts: 3\n")
+        self.assertEqual(self.desktop("count", "--profile", "Second"), f"contacts: {PLAIN_CONTACTS}\n")
+
+    def test_contacts_are_read_and_their_neighbours_are_not(self):
+        documents = [document.decode() for document in self.place.read_with_desktop().values()]
+        arrived = {contact.get("LastName", contact.get("CompanyX")): contact for contact in map(fields, documents)}
+        self.remove_pictures(arrived.values())
+        self.assertEqual(len(documents), 18)
+        self.assertEqual({name for name, one in arrived.items() if one["CsFolder"] == "Contacts"}, IN_CONTACTS)
+        self.assertEqual({name for name, one in arrived.items() if one["CsFolder"] == FAMILY}, IN_FAMILY)
+        for name in NEIGHBOURS:
+            self.assertNotIn(name, "".join(documents))
+        im_elements = [parse(document).find("SP-IMADRESS") for document in documents]
+        self.assertEqual({(element.get("IMType"), element.text or "") for element in im_elements}, IM_ADDRESSES)
+
+    def test_addresses_are_readable_ones(self):
+        documents = self.place.read_with_desktop().values()
+        contacts = [fields(document.decode()) for document in documents]
+        self.remove_pictures(contacts)
+        addresses = {one.get("LastName"): [one[f"SP-EMAIL{number}"] for number in (1, 2, 3)] for one in contacts}
+        self.assertEqual(addresses["\u00C5ngstr\u00F6m-N\u00FA\u00F1ez"],
+                         ["amelie@example.com", "a.angstrom@observatoire.example.com", "meli@home.example.com"])
+        # The first is one of the mail system, whose readable form stands elsewhere.
+        self.assertEqual(addresses["Gro\u00DFmann"],
+                         ["juergen.grossmann@example.com", "jg@muster.example.com", ""])
+
+    def test_pictures_arrive_whole(self):
+        contacts = [fields(document.decode()) for document in self.place.read_with_desktop().values()]
+        pictures = self.remove_pictures(contacts)
+        self.assertEqual(set(pictures), WITH_PICTURE)
+        for name, picture in pictures.items():
+            self.assertEqual((picture[:3], picture[-2:]), (b"\xFF\xD8\xFF", b"\xFF\xD9"), name)
+        # One comes as a stream.
+        self.assertGreater(len(pictures["I\u015F\u0131k\u00E7\u0131"]), LONGEST_VALUE)
+
+    def remove_pictures(self, contacts):
+        """Takes the pictures of contacts away. Gives them by surname."""
+        pictures = {}
+        for contact in contacts:
+            if "PICPath" in contact:
+                file = self.place.host_path(contact["PICPath"])
+                pictures[contact["LastName"]] = file.read_bytes()
+                file.unlink()
+        return pictures
+
+
+if __name__ == "__main__":
+    harness.run()
