@@ -10,6 +10,7 @@
 #include "support/owners.h"
 #include "support/text.h"
 #include "support/xml_parser.h"
+#include "timezone/zone_table.h"
 
 struct FolderIdentity;
 
@@ -92,7 +93,9 @@ class CMAPIObject {
     ComPtr<IMAPIFolder> m_lpEventFolder;
     int m_nItemsSent = 0;
     int m_nItemTotal = 0;
-    int m_bStop = 0;                        ///< a plain flag: written by Stop's thread, polled by the read
+    int m_bStop = 0;  ///< a plain flag: written by Stop's thread, polled by the read
+    NAMESPACE_COMMON::tagZebTimeZone m_CurrentTimeZone;  ///< the zone of the machine at logon
+    TimeZoneTable m_arrTimeZones;           ///< zones from the registry, once LoadTimeZones has run
     CArray<CString> m_arrDefaultFolderIds;  ///< hexadecimal, by folder type number
 
   private:
