@@ -1,16 +1,34 @@
 // The remote procedures of the command interface, each a thin step to the session object. The RPC runtime
 // calls them on threads of its own.
 
+#include <algorithm>
+#include <cstddef>
+
 #include "agent/callback_client.h"
 #include "agent/shutdown.h"
 #include "command.h"
+#include "contacts/contact_record.h"
+#include "contacts/contact_xml_input.h"
 #include "mapi/mapi_object.h"
 #include "support/log.h"
+#include "support/xml_parser.h"
 
 namespace {
 
 constexpr long kStatusSuccess = 0;
 constexpr long kStatusFailure = 1;
+
+/// Characters of a write's two outputs, terminator included.
+constexpr std::size_t kIdUnits = 400;
+constexpr std::size_t kTimeUnits = 40;
+constexpr const wchar_t* kTimeFormat = L"%m/%d/%Y %H:%M:%S";
+
+/// Copies a text to an output, cut to what it holds.
+void CopyOut(const CString& text, wchar_t* output, std::size_t units) {
+    const std::size_t length = std::min(text.size(), units - 1);
+    std::copy_n(text.begin(), length, output);
+    output[length] = L'\0';
+}
 
 /// The outputs of a write that did nothing.
 void ReturnNothing(wchar_t* id, wchar_t* time, long* status) {
@@ -77,11 +95,22 @@ void ReadContacts(wchar_t* /*ignored*/, wchar_t* lParam1, long* status) {
     *status = g_MAPIObject.ReadContacts(lParam1);
 }
 
-// Procedures that are not served: each fails, with outputs that carry nothing.
-
-void WriteContacts(wchar_t* /*xml*/, wchar_t* id, wchar_t* time, long* status) {
+void WriteContacts(wchar_t* xml, wchar_t* id, wchar_t* time, long* status) {
     ReturnNothing(id, time, status);
+    try {
+        const ComApartmentHold apartment;
+        CContactEx contact;
+        ParseContactXml(CString(xml), contact);
+        *status = g_MAPIObject.WriteContacts(&contact);
+        CopyOut(contact.m_strPIMID, id, kIdUnits);
+        CopyOut(contact.m_dtLastModified.Format(kTimeFormat), time, kTimeUnits);
+    } catch (...) {
+        // Without memory for the record there is nothing to write; the outputs say so.
+        *status = kStatusFailure;
+    }
 }
+
+// Procedures that are not served: each fails, with outputs that carry nothing.
 
 void WriteCalendars(wchar_t* /*xml*/, wchar_t* id, wchar_t* time, long* status) {
     ReturnNothing(id, time, status);

@@ -6,7 +6,6 @@
 
 #include "mapi/exact_restriction.h"
 #include "mapi/property_tags.h"
-#include "mapi/table_rows.h"
 #include "support/errors.h"
 #include "support/user_folders.h"
 
@@ -16,16 +15,6 @@ constexpr ULONG kPieceBytes = 1024;
 
 /// The number of the next photo file.
 int g_nNextPhoto = 0;
-
-enum PhotoColumn : unsigned { kAttachNumber, kAttachData };
-
-RowSet QueryPhotos(IMAPITable* attachments) {
-    SizedSPropTagArray(3, columns) = {3, {PR_ATTACH_NUM, PR_ATTACH_DATA_BIN, PR_ATTACH_SIZE}};
-    ExactRestriction isPhoto(PR_ATTACHMENT_CONTACTPHOTO, true);
-    RowSet rows;
-    QueryAllRows(attachments, reinterpret_cast<const SPropTagArray*>(&columns), isPhoto.Get(), rows);
-    return rows;
-}
 
 void WriteBytes(HANDLE file, const void* bytes, ULONG count) {
     DWORD written = 0;
@@ -62,9 +51,9 @@ void CopyAttachment(IMessage* message, ULONG number, HANDLE file) {
 
 void WritePhoto(IMessage* message, const SRow& row, HANDLE file) {
     constexpr ULONG dataError = PROP_TAG(PT_ERROR, PROP_ID(PR_ATTACH_DATA_BIN));
-    const SPropValue* const error = ValueOfColumn(row, kAttachData, dataError);
-    const SPropValue* const number = ValueOfColumn(row, kAttachNumber, PR_ATTACH_NUM);
-    const SPropValue* const data = ValueOfColumn(row, kAttachData, PR_ATTACH_DATA_BIN);
+    const SPropValue* const error = ValueOfColumn(row, kPhotoData, dataError);
+    const SPropValue* const number = ValueOfColumn(row, kPhotoNumber, PR_ATTACH_NUM);
+    const SPropValue* const data = ValueOfColumn(row, kPhotoData, PR_ATTACH_DATA_BIN);
     if (error != nullptr && error->Value.err == MAPI_E_NOT_ENOUGH_MEMORY && number != nullptr) {
         CopyAttachment(message, static_cast<ULONG>(number->Value.l), file);
     } else if (data != nullptr) {
@@ -74,23 +63,32 @@ void WritePhoto(IMessage* message, const SRow& row, HANDLE file) {
 
 CString SavePhotos(IMessage* message) {
     CString path;
-    ComPtr<IMAPITable> attachments;
-    if (message->GetAttachmentTable(0, attachments.GetAddressOf()) != S_OK || !attachments) {
-        return path;
-    }
-    const RowSet rows = QueryPhotos(attachments.Get());
-    for (ULONG i = 0; rows && i < rows->cRows; ++i) {
+    const TableRows photos = QueryContactPhotos(message);
+    for (ULONG i = 0; i < photos.Count(); ++i) {
         path = CString::Format(L"%s\\PIC%d.jpg", g_strDataFolder.c_str(), g_nNextPhoto++);
         const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                           FILE_ATTRIBUTE_NORMAL, nullptr));
         if (file) {
-            WritePhoto(message, rows->aRow[i], file.Get());
+            WritePhoto(message, photos.Row(i), file.Get());
         }
     }
     return path;
 }
 
 }  // namespace
+
+TableRows QueryContactPhotos(IMessage* message) {
+    TableRows photos;
+    if (message->GetAttachmentTable(0, photos.table.GetAddressOf()) != S_OK || !photos.table) {
+        photos.table.Reset();
+        return photos;
+    }
+    SizedSPropTagArray(3, columns) = {3, {PR_ATTACH_NUM, PR_ATTACH_DATA_BIN, PR_ATTACH_SIZE}};
+    ExactRestriction isPhoto(PR_ATTACHMENT_CONTACTPHOTO, true);
+    QueryAllRows(photos.table.Get(), reinterpret_cast<const SPropTagArray*>(&columns), isPhoto.Get(),
+                 photos.rows);
+    return photos;
+}
 
 CString SaveContactPhoto(IMessage* message) {
     if (message == nullptr) {

@@ -57,7 +57,7 @@ WideView ServicePrefix(std::int32_t fieldId) {
     return {};
 }
 
-const CContactInfoEx* FirstEntry(const CContactEx& contact, std::int32_t fieldId) {
+CContactInfoEx* FirstEntry(const CContactEx& contact, std::int32_t fieldId) {
     for (const auto& entry : contact.m_arrFields) {
         if (entry && entry->m_nFieldId == fieldId) {
             return entry.get();
@@ -66,17 +66,16 @@ const CContactInfoEx* FirstEntry(const CContactEx& contact, std::int32_t fieldId
     return nullptr;
 }
 
-/// The photo's path stands on the first entry of the name, in this order of the names.
-const CContactInfoEx* PhotoEntry(const CContactEx& contact) {
+}  // namespace
+
+CContactInfoEx* FindPhotoEntry(const CContactEx& contact) {
     for (const std::int32_t fieldId : {kFirstNameField, kLastNameField, kMiddleNameField, kFullNameField}) {
-        if (const CContactInfoEx* entry = FirstEntry(contact, fieldId)) {
+        if (CContactInfoEx* entry = FirstEntry(contact, fieldId)) {
             return entry;
         }
     }
     return nullptr;
 }
-
-}  // namespace
 
 void tagContactFields::CopyFrom(const CContactEx& contact) {
     Reset();
@@ -91,7 +90,7 @@ void tagContactFields::CopyFrom(const CContactEx& contact) {
             field->member(*this) = CString(WideString(ServicePrefix(entry->m_nFieldId)) + entry->m_strValue);
         }
     }
-    if (const CContactInfoEx* entry = PhotoEntry(contact)) {
+    if (const CContactInfoEx* entry = FindPhotoEntry(contact)) {
         m_strPicPath = entry->m_strPicPath;
     }
 }

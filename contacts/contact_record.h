@@ -68,6 +68,10 @@ class CContactEx {
     COleDateTime m_dtStamp;
 };
 
+/// The entry that holds the path of the contact's photo: the first one of the first name, else of the last,
+/// middle or full name. Null if there is none of these.
+CContactInfoEx* FindPhotoEntry(const CContactEx& contact);
+
 /// One postal address of the flat form.
 struct tagContactAddress {
     CString m_strCountry;

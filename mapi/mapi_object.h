@@ -10,8 +10,11 @@
 #include "support/owners.h"
 #include "support/text.h"
 #include "support/xml_parser.h"
+#include "timezone/zone_table.h"
 
+class CContactEx;
 struct FolderIdentity;
+struct tagContactFields;
 struct tagLogItem;
 
 namespace NAMESPACE_MAPI {
@@ -92,6 +95,26 @@ class CMAPIObject {
     /// Returns 1 if all was walked to the end, otherwise 0.
     int ReadContactFromLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
 
+    // contacts/contact_writing.cpp. A write puts exactly what the record holds into the message: what it
+    // leaves empty is removed.
+
+    /// Adds, updates or deletes a contact, as its flag says, and clears the flag's bit if that succeeded.
+    /// Returns 0, also when the mail system failed, and 1 after an exception.
+    int WriteContacts(CContactEx* contact);
+    /// Makes a message in the chosen folder. The record receives its identifier and the time of its change.
+    /// Returns 1 if it was saved, otherwise 0.
+    int AddContact(CContactEx* contact);
+    /// Replaces the message of the record's identifier. The record receives the time of its change. Returns 1
+    /// if it was saved, otherwise 0.
+    int UpdateContact(CContactEx* contact);
+    /// Removes the message of the record's identifier from the folder that it lives in. Returns 1 or 0.
+    int DeleteContact(CContactEx* contact);
+    /// Writes a record to an open message and saves it. The record receives the time of the change, or no
+    /// date if the message has none. Returns 1 if the message was saved, otherwise 0.
+    int UpdateContactMessage(IMessage* message, CContactEx* contact);
+    /// Writes what is made of the parts of the name. Returns 1, or 0 after an exception.
+    int UpdateContactDisplayName(IMessage* message, const tagContactFields& fields);
+
     HWND m_hNotifyWnd = nullptr;  ///< progress messages go here; never set to a window
     ComPtr<IMAPISession> m_lpMAPISession;
     ComPtr<IProfAdmin> m_lpProfAdmin;  ///< kept from the first list of profiles
@@ -102,7 +125,9 @@ class CMAPIObject {
     ComPtr<IMAPIFolder> m_lpEventFolder;
     int m_nItemsSent = 0;
     int m_nItemTotal = 0;
-    int m_bStop = 0;                        ///< a plain flag: written by Stop's thread, polled by the read
+    int m_bStop = 0;  ///< a plain flag: written by Stop's thread, polled by the read
+    NAMESPACE_COMMON::tagZebTimeZone m_CurrentTimeZone;  ///< the zone of the machine at logon
+    TimeZoneTable m_arrTimeZones;           ///< zones from the registry, once LoadTimeZones has run
     CArray<CString> m_arrDefaultFolderIds;  ///< hexadecimal, by folder type number
 
   private:
@@ -123,6 +148,7 @@ class CMAPIObject {
     bool ReadChangedContacts(const FolderIdentity& identity, const CString& mapFile);
     bool SendContactsOfLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
     void SendContactRow(IMAPIFolder* chosen, const SRow& row, const CString& path);
+    void WriteOneContact(CContactEx* contact);
 };
 
 }  // namespace NAMESPACE_MAPI

@@ -1,5 +1,7 @@
 #include "mapi/named_properties.h"
 
+#include <mapicode.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -9,14 +11,19 @@ namespace {
 
 constexpr std::size_t kPieceBytes = 1024;
 
-ULONG TagOfName(IMAPIProp* object, MAPINAMEID& name) {
+HRESULT FindTagOfName(IMAPIProp* object, MAPINAMEID& name, ULONG& tag) {
+    tag = 0;
     LPMAPINAMEID names = &name;
     MapiBuffer<SPropTagArray> tags;
     const HRESULT result = object->GetIDsFromNames(1, &names, MAPI_CREATE, tags.Put());
-    if (result != S_OK || !tags || tags->cValues == 0) {
-        return 0;
+    if (result != S_OK) {
+        return result;
     }
-    return tags->aulPropTag[0];
+    if (!tags || tags->cValues == 0) {
+        return MAPI_E_CALL_FAILED;
+    }
+    tag = tags->aulPropTag[0];
+    return S_OK;
 }
 
 /// Appends a text up to its first null character, as texts in a buffer end there.
@@ -48,13 +55,19 @@ GUID PropertySet(ULONG firstBits) {
     return {firstBits, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 }
 
-ULONG GetNamedPropertyTag(IMAPIProp* object, ULONG propertySet, LONG id) {
+HRESULT FindNamedPropertyTag(IMAPIProp* object, ULONG propertySet, LONG id, ULONG& tag) {
     GUID set = PropertySet(propertySet);
     MAPINAMEID name{};
     name.lpguid = &set;
     name.ulKind = MNID_ID;
     name.Kind.lID = id;
-    return TagOfName(object, name);
+    return FindTagOfName(object, name, tag);
+}
+
+ULONG GetNamedPropertyTag(IMAPIProp* object, ULONG propertySet, LONG id) {
+    ULONG tag = 0;
+    FindNamedPropertyTag(object, propertySet, id, tag);
+    return tag;
 }
 
 ULONG GetNamedPropertyTag(IMAPIProp* object, ULONG propertySet, const wchar_t* text) {
@@ -63,15 +76,17 @@ ULONG GetNamedPropertyTag(IMAPIProp* object, ULONG propertySet, const wchar_t* t
     name.lpguid = &set;
     name.ulKind = MNID_STRING;
     name.Kind.lpwstrName = const_cast<LPWSTR>(text);
-    return TagOfName(object, name);
+    ULONG tag = 0;
+    FindTagOfName(object, name, tag);
+    return tag;
 }
 
-MapiBuffer<SPropValue> GetProperty(IMAPIProp* object, ULONG tag) {
+MapiBuffer<SPropValue> GetProperty(IMAPIProp* object, ULONG tag, ULONG flags) {
     SizedSPropTagArray(1, tags) = {1, {tag}};
     ULONG count = 0;
     MapiBuffer<SPropValue> value;
     const HRESULT result =
-        object->GetProps(reinterpret_cast<LPSPropTagArray>(&tags), MAPI_UNICODE, &count, value.Put());
+        object->GetProps(reinterpret_cast<LPSPropTagArray>(&tags), flags, &count, value.Put());
     if (result != S_OK || count == 0) {
         value.Reset();
     }

@@ -15,6 +15,10 @@ constexpr ULONG PS_PUBLIC_STRINGS_Data1 = 0x00020329;
 /// The identifier of a property set by its first 32 bits.
 GUID PropertySet(ULONG firstBits);
 
+/// Finds the tag of a property with a numeric name, made in the store if it is not there; its type may be
+/// unspecified. Returns the result of the call, and the tag is 0 unless that is 0.
+HRESULT FindNamedPropertyTag(IMAPIProp* object, ULONG propertySet, LONG id, ULONG& tag);
+
 /// The tag of a property with a numeric name, made in the store if it is not there; its type may be
 /// unspecified. 0 on failure.
 ULONG GetNamedPropertyTag(IMAPIProp* object, ULONG propertySet, LONG id);
@@ -24,7 +28,7 @@ ULONG GetNamedPropertyTag(IMAPIProp* object, ULONG propertySet, const wchar_t* t
 
 /// Reads one property by tag. Empty unless the call returned exactly 0: an absent property comes with a
 /// warning.
-MapiBuffer<SPropValue> GetProperty(IMAPIProp* object, ULONG tag);
+MapiBuffer<SPropValue> GetProperty(IMAPIProp* object, ULONG tag, ULONG flags = MAPI_UNICODE);
 
 /// Reads a named text. Returns 1 with the text, or 0 with an empty text if the property is absent or no text.
 int GetNamedStringProperty(IMessage* message, ULONG propertySet, LONG id, CString& text);

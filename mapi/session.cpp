@@ -94,6 +94,7 @@ bool CMAPIObject::OpenDefaultStore() {
         GetDefaultFolder(m_lpMsgStore.Get(), kFolderTypes[kContactFolderType].defaultFolderTag);
     m_lpEventFolder =
         GetDefaultFolder(m_lpMsgStore.Get(), kFolderTypes[kCalendarFolderType].defaultFolderTag);
+    m_CurrentTimeZone = ReadCurrentTimeZone();
     return true;
 }
 

@@ -154,11 +154,27 @@ TEST_F(Commands, WhatIsNotServedFailsBeforeAndAfterALogon) {
     }
 }
 
-TEST_F(Commands, WriteContactsIsNotServedBeforeOrAfterALogon) {
-    const Bytes noDocument = ByteWriter().String(u"this is no document").Written();
-    ExpectNothingWritten(Answer(13, noDocument));
-    ASSERT_EQ(Answer(2, ByteWriter().String(u"").Written()), Success());
-    ExpectNothingWritten(Answer(13, noDocument));
+/// The answer of a write that had nothing to do: two texts, for which the arrays of 400 and 40 characters are
+/// announced, and a status at the next multiple of four.
+void ExpectAnswerOfAWrite(const Bytes& answer) {
+    ByteReader reader(answer);
+    const WireString id = ReadString(reader);
+    EXPECT_EQ(id.maximum, 400U);
+    EXPECT_EQ(id.offset, 0U);
+    EXPECT_EQ(id.units, std::u16string(1, u'\0'));
+    const WireString time = ReadString(reader);
+    EXPECT_EQ(time.maximum, 40U);
+    EXPECT_EQ(time.offset, 0U);
+    ASSERT_FALSE(time.units.empty());
+    EXPECT_LE(time.units.size(), 40U);
+    EXPECT_EQ(time.units.find(u'\0'), time.units.size() - 1);
+    reader.Align(4);
+    EXPECT_EQ(reader.U32(), 0U);
+    EXPECT_TRUE(reader.AtEnd());
+}
+
+TEST_F(Commands, AWriteOfWhatIsNoDocumentSucceedsWithoutAnIdentifier) {
+    ExpectAnswerOfAWrite(Answer(13, ByteWriter().String(u"this is no document").Written()));
 }
 
 TEST_F(Commands, ThereIsNoEighteenthProcedure) {
