@@ -58,7 +58,7 @@ bool DeleteMessageByHexId(IMAPIFolder* folder, const CString& hexId) {
 
 }  // namespace
 
-int CMAPIObject::WriteContacts(CContactEx* contact) {
+int CMAPIObject::WriteContacts(CContactEx* contact) const {
     Log(kLogTrace, L"CMAPIObject::WriteContacts - Begin\r\n");
     int status = 0;
     try {
@@ -70,7 +70,7 @@ int CMAPIObject::WriteContacts(CContactEx* contact) {
     return status;
 }
 
-void CMAPIObject::WriteOneContact(CContactEx* contact) {
+void CMAPIObject::WriteOneContact(CContactEx* contact) const {
     if (contact == nullptr) {
         Log(kLogFailure, L"CMAPIObject::WriteContacts - NULL Parameter\r\n");
         AfxThrowUserException();
@@ -85,7 +85,7 @@ void CMAPIObject::WriteOneContact(CContactEx* contact) {
     }
 }
 
-int CMAPIObject::AddContact(CContactEx* contact) {
+int CMAPIObject::AddContact(CContactEx* contact) const {
     return RunLogged(L"AddContact", [&] {
         const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
         if (!folder || contact == nullptr) {
@@ -101,7 +101,7 @@ int CMAPIObject::AddContact(CContactEx* contact) {
     });
 }
 
-int CMAPIObject::UpdateContact(CContactEx* contact) {
+int CMAPIObject::UpdateContact(CContactEx* contact) const {
     return RunLogged(L"UpdateContact", [&] {
         const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
         if (!folder || contact == nullptr) {
@@ -112,7 +112,7 @@ int CMAPIObject::UpdateContact(CContactEx* contact) {
     });
 }
 
-int CMAPIObject::DeleteContact(CContactEx* contact) {
+int CMAPIObject::DeleteContact(CContactEx* contact) const {
     return RunLogged(L"DeleteContact", [&] {
         const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
         if (!folder || contact == nullptr) {
@@ -124,7 +124,7 @@ int CMAPIObject::DeleteContact(CContactEx* contact) {
     });
 }
 
-int CMAPIObject::UpdateContactMessage(IMessage* message, CContactEx* contact) {
+int CMAPIObject::UpdateContactMessage(IMessage* message, CContactEx* contact) const {
     return RunLogged(L"UpdateContactMessage", [&] {
         if (message == nullptr || contact == nullptr) {
             return false;

@@ -10,7 +10,7 @@ namespace {
 
 /// A field that a document can bring. One with a text for the log leaves its value there.
 struct InputField {
-    std::int32_t id;
+    std::int32_t id = 0;
     const wchar_t* logText = nullptr;
 };
 

@@ -100,20 +100,20 @@ class CMAPIObject {
 
     /// Adds, updates or deletes a contact, as its flag says, and clears the flag's bit if that succeeded.
     /// Returns 0, also when the mail system failed, and 1 after an exception.
-    int WriteContacts(CContactEx* contact);
+    int WriteContacts(CContactEx* contact) const;
     /// Makes a message in the chosen folder. The record receives its identifier and the time of its change.
     /// Returns 1 if it was saved, otherwise 0.
-    int AddContact(CContactEx* contact);
+    int AddContact(CContactEx* contact) const;
     /// Replaces the message of the record's identifier. The record receives the time of its change. Returns 1
     /// if it was saved, otherwise 0.
-    int UpdateContact(CContactEx* contact);
+    int UpdateContact(CContactEx* contact) const;
     /// Removes the message of the record's identifier from the folder that it lives in. Returns 1 or 0.
-    int DeleteContact(CContactEx* contact);
+    int DeleteContact(CContactEx* contact) const;
     /// Writes a record to an open message and saves it. The record receives the time of the change, or no
     /// date if the message has none. Returns 1 if the message was saved, otherwise 0.
-    int UpdateContactMessage(IMessage* message, CContactEx* contact);
+    int UpdateContactMessage(IMessage* message, CContactEx* contact) const;
     /// Writes what is made of the parts of the name. Returns 1, or 0 after an exception.
-    int UpdateContactDisplayName(IMessage* message, const tagContactFields& fields);
+    static int UpdateContactDisplayName(IMessage* message, const tagContactFields& fields);
 
     HWND m_hNotifyWnd = nullptr;  ///< progress messages go here; never set to a window
     ComPtr<IMAPISession> m_lpMAPISession;
@@ -148,7 +148,7 @@ class CMAPIObject {
     bool ReadChangedContacts(const FolderIdentity& identity, const CString& mapFile);
     bool SendContactsOfLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
     void SendContactRow(IMAPIFolder* chosen, const SRow& row, const CString& path);
-    void WriteOneContact(CContactEx* contact);
+    void WriteOneContact(CContactEx* contact) const;
 };
 
 }  // namespace NAMESPACE_MAPI
