@@ -8,6 +8,7 @@ import sys
 import unittest
 
 import harness
+from contact_fields import fields
 
 try:
     import read_msg
@@ -89,6 +90,25 @@ class NewMessages(MessageFiles):
         self.assertEqual(after.tags[TOUCHED], 1)
         same = {name for name in self.message.streams if name != "__properties_version1.0"}
         self.assertEqual({name: after.streams[name] for name in same}, {name: self.message.streams[name] for name in same})
+
+
+class NarrowTexts(MessageFiles):
+    """Messages with 8-bit texts, written by neither the store nor the reader."""
+
+    # The same two bytes are other letters in each.
+    BYTES = b"\xE1\xE2"
+    LETTERS = {1253: "\u03B1\u03B2", 1251: "\u0431\u0432", 1252: "\u00E1\u00E2"}
+
+    def test_they_are_of_the_code_page_that_the_message_names(self):
+        for code_page in self.LETTERS:
+            process = self.place.start(harness.TEST_BIN / "write_narrow_contact.exe",
+                                       harness.windows_path(self.place.contacts / f"{code_page}.msg"), code_page,
+                                       self.BYTES.hex())
+            self.assert_exit(process)
+            message = read_msg.Message(self.place.contacts / f"{code_page}.msg")
+            self.assertEqual((message.tags[0x3A11001E], message.tags[0x3FFD0003]), (self.LETTERS[code_page], code_page))
+        arrived = [fields(document.decode())["LastName"] for document in self.place.read_with_desktop().values()]
+        self.assertEqual(sorted(arrived), sorted(self.LETTERS.values()))
 
 
 @unittest.skipUnless(list(harness.REAL_ITEMS.glob("*.msg")), harness.NO_REAL_ITEMS)
