@@ -123,6 +123,7 @@ class Tree(ListCase):
         "n3": ("be\x01ll\x07 \x1Besc \x0Bvt", "bell esc vt"),
         "n4": ("a\tb", "a\tb"),
         "n5": ("\u5C71\u7530 \U0001F600 \uFFFE\u05DC", "\u5C71\u7530 \U0001F600 \u05DC"),
+        "n6": ("Stra\u00DFe d\u00E9j\u00E0 \u00D8", "Stra\u00DFe d\u00E9j\u00E0 \u00D8"),
     }
 
     def make(self):
