@@ -218,6 +218,14 @@ TEST_F(ContactWriting, TimeThatCannotBeReadIsNoDate) {
     EXPECT_EQ(m_contact.m_lFlag, 0);
 }
 
+TEST_F(ContactWriting, IdentifierThatCannotBeReadIsNotTheOneThatWasSent) {
+    Write(8, {{1, L"John"}});
+    recorder::FailMethod("IMessage::GetProps", {}, E_FAIL);
+    Write(8, {{1, L"Jim"}});
+    EXPECT_EQ(m_contact.m_strPIMID, L"");
+    EXPECT_EQ(m_contact.m_lFlag, 0);
+}
+
 TEST_F(ContactWriting, FailedSaveLeavesTheOldMessageAndTheStatusIsSuccess) {
     Write(8, {{1, L"John"}, {104, L"555"}});
     TakeLog();
