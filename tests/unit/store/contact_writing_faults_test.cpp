@@ -1,9 +1,6 @@
 // Every call of a write failed once, and from then on: the result is as documented, nothing is left alive
 // (which the fixture counts), and the message is the old one or the new one.
 
-#include <filesystem>
-#include <iterator>
-
 #include "tests/unit/store/contact_writing_fixture.h"
 #include "tests/unit/text_printer.h"
 
@@ -22,11 +19,6 @@ class ContactWritingFaults : public ContactWriting {
         const bool failed = recorder::HasFailed();
         recorder::ClearFailures();
         return failed;
-    }
-    /// The number of messages in the folder.
-    [[nodiscard]] std::size_t Files() const {
-        const std::filesystem::directory_iterator folder(m_root + L"\\Work\\Mail\\Contacts");
-        return static_cast<std::size_t>(std::distance(begin(folder), end(folder)));
     }
 };
 
