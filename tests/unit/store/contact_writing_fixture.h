@@ -84,6 +84,17 @@ class ContactWriting : public StoreTest {
             GetProperty(message.Get(), FolderWriter::AddressTag(message.Get(), 0x8015, PT_BOOLEAN));
         return value ? value->Value.b : -1;
     }
+    /// The categories of the message; none if the property is not there.
+    [[nodiscard]] std::vector<CString> Categories() const {
+        const ComPtr<IMessage> message = Message();
+        const MapiBuffer<SPropValue> value =
+            GetProperty(message.Get(), FolderWriter::KeywordsTag(message.Get()));
+        std::vector<CString> categories;
+        for (ULONG i = 0; value && i < value->Value.MVszW.cValues; ++i) {
+            categories.emplace_back(value->Value.MVszW.lppszW[i]);
+        }
+        return categories;
+    }
     /// When the message was changed last, in local time.
     [[nodiscard]] COleDateTime TimeOfChange() const {
         const MapiBuffer<SPropValue> time = GetProperty(Message().Get(), PR_LAST_MODIFICATION_TIME);
