@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "contacts/contact_photo.h"
+#include "contacts/contact_photo_writing.h"
 #include "mapi/property_tags.h"
 #include "support/user_folders.h"
 #include "tests/unit/store/contact_writing_fixture.h"
@@ -52,7 +53,8 @@ class ContactPhotoWriting : public ContactWriting {
     }
     /// What a read of the contact saves as its photo; "(none)" without one.
     [[nodiscard]] std::string PhotoInTheStore() const {
-        const CString path = SaveContactPhoto(Message().Get());
+        const ComPtr<IMessage> message = Message();
+        const CString path = message ? SaveContactPhoto(message.Get()) : CString();
         if (path.empty()) {
             return "(none)";
         }
@@ -99,6 +101,11 @@ TEST_F(ContactPhotoWriting, PathThatCannotBeOpenedRemovesTheOldPhoto) {
         Write(4, {{1, L"Jim"}}, path);
         ExpectNoPhoto();
     }
+}
+
+TEST_F(ContactPhotoWriting, OfNoMessageThereIsNoPhotoToDelete) {
+    EXPECT_EQ(DeleteContactPhotoAttachments(nullptr), 1);
+    EXPECT_TRUE(recorder::CallLines().empty());
 }
 
 TEST_F(ContactPhotoWriting, EmptyFileIsAPhotoWithoutBytes) {
@@ -211,8 +218,10 @@ TEST_F(ContactPhotoWriting, TimesOfTheAttachmentAreBothTheLocalTimeOfTheWrite) {
     const FILETIME before = LocalNow();
     Write(8, {{104, L"555"}}, File(L"a.jpg", "first"));
     const FILETIME after = LocalNow();
+    const ComPtr<IMessage> message = Message();
+    ASSERT_TRUE(message);
     ComPtr<IAttach> attachment;
-    ASSERT_EQ(Message()->OpenAttach(0, nullptr, 0, attachment.GetAddressOf()), S_OK);
+    ASSERT_EQ(message->OpenAttach(0, nullptr, 0, attachment.GetAddressOf()), S_OK);
     const MapiBuffer<SPropValue> start = GetProperty(attachment.Get(), PR_EXCEPTION_STARTTIME);
     const MapiBuffer<SPropValue> end = GetProperty(attachment.Get(), PR_EXCEPTION_ENDTIME);
     ASSERT_TRUE(start && end);
