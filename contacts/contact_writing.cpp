@@ -32,8 +32,10 @@ int RunLogged(const wchar_t* operation, Work work) {
     return succeeded ? 1 : 0;
 }
 
-/// Hands back the identifier by which the message can be found again.
+/// Hands back the identifier by which the message can be found again. One that came with the record is that
+/// of another message, and must not stay as if it were this one's.
 void ReadIdentifier(IMessage* message, CContactEx& contact) {
+    contact.m_strPIMID.clear();
     const MapiBuffer<SPropValue> value = GetProperty(message, PR_ENTRYID, 0);
     if (value && value->ulPropTag == PR_ENTRYID) {
         contact.m_strPIMID = BinaryToHexString(value->Value.bin.lpb, value->Value.bin.cb);

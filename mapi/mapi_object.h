@@ -99,10 +99,11 @@ class CMAPIObject {
     // leaves empty is removed.
 
     /// Adds, updates or deletes a contact, as its flag says, and clears the flag's bit if that succeeded.
-    /// Returns 0, also when the mail system failed, and 1 after an exception.
+    /// Returns 0, also when the mail system failed or an exception ended the operation, and 1 for a null
+    /// record alone.
     int WriteContacts(CContactEx* contact) const;
-    /// Makes a message in the chosen folder. The record receives its identifier and the time of its change.
-    /// Returns 1 if it was saved, otherwise 0.
+    /// Makes a message in the chosen folder. The record receives its identifier, empty if that cannot be
+    /// read, and the time of its change. Returns 1 if it was saved, otherwise 0.
     int AddContact(CContactEx* contact) const;
     /// Replaces the message of the record's identifier. The record receives the time of its change. Returns 1
     /// if it was saved, otherwise 0.

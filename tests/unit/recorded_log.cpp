@@ -1,25 +1,53 @@
 #include "tests/unit/recorded_log.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <mutex>
 #include <ostream>
-#include <utility>
+#include <string>
 
 #include "support/output_string.h"
 #include "tests/unit/text_printer.h"
 
 namespace {
 
+/// Memory beside operator new, so that a test that makes that scarce still learns what was logged.
+template<class T>
+struct PlainAllocator {
+    using value_type = T;
+
+    PlainAllocator() = default;
+    template<class Other>
+    PlainAllocator(const PlainAllocator<Other>& /*other*/) noexcept {}
+
+    T* allocate(std::size_t count) {
+        void* const memory = std::calloc(count, sizeof(T));
+        if (memory == nullptr) {
+            std::abort();
+        }
+        return static_cast<T*>(memory);
+    }
+    void deallocate(T* memory, std::size_t /*count*/) noexcept { std::free(memory); }
+
+    friend bool operator==(PlainAllocator, PlainAllocator) = default;
+};
+using PlainText = std::basic_string<wchar_t, std::char_traits<wchar_t>, PlainAllocator<wchar_t>>;
+
+struct KeptLine {
+    int level;
+    PlainText text;
+};
+
 std::mutex g_mutex;
-LogLines g_lines;
-std::vector<CString> g_modules;
+std::vector<KeptLine, PlainAllocator<KeptLine>> g_lines;
+std::vector<PlainText, PlainAllocator<PlainText>> g_modules;
 
 }  // namespace
 
 void OutputString(const wchar_t* module, int level, const wchar_t* text) {
     const std::lock_guard lock(g_mutex);
-    g_lines.push_back({level, CString(text)});
-    if (std::ranges::find(g_modules, CString(module)) == g_modules.end()) {
+    g_lines.push_back({level, PlainText(text)});
+    if (std::ranges::find(g_modules, PlainText(module)) == g_modules.end()) {
         g_modules.emplace_back(module);
     }
 }
@@ -31,10 +59,19 @@ void PrintTo(const LogLine& line, std::ostream* out) {
 
 LogLines TakeLog() {
     const std::lock_guard lock(g_mutex);
-    return std::exchange(g_lines, {});
+    LogLines lines;
+    for (const KeptLine& line : g_lines) {
+        lines.push_back({line.level, CString(line.text.c_str(), line.text.size())});
+    }
+    g_lines.clear();
+    return lines;
 }
 
 std::vector<CString> LogModules() {
     const std::lock_guard lock(g_mutex);
-    return g_modules;
+    std::vector<CString> modules;
+    for (const PlainText& module : g_modules) {
+        modules.emplace_back(module.c_str(), module.size());
+    }
+    return modules;
 }

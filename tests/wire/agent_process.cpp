@@ -21,9 +21,13 @@ std::filesystem::path AgentPath() {
     return std::filesystem::path(value[0] == L'/' ? L"Z:" + std::wstring(value) : value).make_preferred();
 }
 
+std::filesystem::path ContactsBelow(const std::filesystem::path& root) {
+    return root / "Work" / "Mail" / "Contacts";
+}
+
 std::filesystem::path MakeStore(const std::vector<std::wstring>& surnames, const std::wstring& body) {
     std::filesystem::path root = MakeNewFolder(L"zeb-wire");
-    const std::filesystem::path folder = root / "Work" / "Mail" / "Contacts";
+    const std::filesystem::path folder = ContactsBelow(root);
     std::filesystem::create_directories(folder);
     int number = 0;
     for (const std::wstring& surname : surnames) {
@@ -82,6 +86,10 @@ std::optional<DWORD> AgentProcess::WaitForExit() const {
         return std::nullopt;
     }
     return status;
+}
+
+std::filesystem::path AgentProcess::Contacts() const {
+    return ContactsBelow(m_folder);
 }
 
 std::string AgentProcess::Log() const {

@@ -22,6 +22,8 @@ class AgentProcess {
     [[nodiscard]] bool IsRunning() const;
     /// Waits for the end of the process and gives its exit status; nothing if it goes on living.
     [[nodiscard]] std::optional<DWORD> WaitForExit() const;
+    /// The folder of the contacts, whose files are named 1001.msg, 1002.msg ... at the start.
+    [[nodiscard]] std::filesystem::path Contacts() const;
     /// What the agent has logged so far, in UTF-8.
     [[nodiscard]] std::string Log() const;
 

@@ -5,6 +5,7 @@
 #include "tests/wire/agent_process.h"
 #include "tests/wire/callback_endpoint.h"
 #include "tests/wire/command_connection.h"
+#include "tests/wire/contact_calls.h"
 
 namespace {
 
@@ -14,42 +15,9 @@ using testing::SizeIs;
 using testing::StartsWith;
 
 constexpr std::uint16_t kMAPIServerShutdown = 0;
-constexpr std::uint16_t kMAPISendBackOneContact = 1;
-
-Bytes Success() {
-    return Hex("00 00 00 00");
-}
-Bytes Failure() {
-    return Hex("01 00 00 00");
-}
-/// Two arguments: a text that is ignored, of odd length so that padding follows it, and no map file.
-Bytes ReadAll() {
-    return Hex(
-        "03 00 00 00  00 00 00 00  03 00 00 00  61 00 62 00 00 00  00 00"
-        "01 00 00 00  00 00 00 00  01 00 00 00  00 00");
-}
-Bytes DefaultProfile() {
-    return Hex("01 00 00 00  00 00 00 00  01 00 00 00  00 00");
-}
-
-/// The document of a callback, whose stub holds this one text and nothing else.
-std::wstring Document(const CallPdu& call) {
-    EXPECT_EQ(call.procedure, kMAPISendBackOneContact);
-    ByteReader reader(call.stub);
-    const WireString text = ReadString(reader);
-    EXPECT_TRUE(reader.AtEnd());
-    EXPECT_EQ(text.maximum, text.units.size());
-    EXPECT_EQ(text.offset, 0U);
-    EXPECT_EQ(text.units.find(u'\0'), text.units.size() - 1);
-    return {text.units.begin(), text.units.end() - 1};
-}
 
 std::wstring SurnameElement(const std::wstring& surname) {
     return L"\t<LastName>" + surname + L"</LastName>";
-}
-
-void LogOn(CommandConnection& connection) {
-    ASSERT_EQ(connection.Call(2, DefaultProfile()).stub, Success());
 }
 
 TEST(Reading, ContactsArriveOneACall) {

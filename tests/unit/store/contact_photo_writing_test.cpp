@@ -1,16 +1,44 @@
 // The photo of a contact that is written.
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string>
+#include <vector>
 
 #include "contacts/contact_photo.h"
+#include "contacts/contact_photo_writing.h"
+#include "mapi/property_tags.h"
 #include "support/user_folders.h"
 #include "tests/unit/store/contact_writing_fixture.h"
+#include "tests/unit/store/file_without_an_end.h"
 #include "tests/unit/text_printer.h"
 
 namespace {
 
 namespace recorder = localstore::recorder;
+
+using Numbers = std::vector<unsigned long>;
+
+/// The numbers behind a name in the arguments of a method's calls, in order; 0 for what is no number.
+Numbers NumbersOf(const std::string& method, const std::string& name) {
+    Numbers numbers;
+    for (const recorder::Call& call : recorder::Calls()) {
+        if (call.method == method && call.arguments.starts_with(name)) {
+            numbers.push_back(std::strtoul(call.arguments.c_str() + name.size(), nullptr, 10));
+        }
+    }
+    return numbers;
+}
+
+/// The local time in the form of a file time.
+FILETIME LocalNow() {
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    FILETIME time{};
+    SystemTimeToFileTime(&now, &time);
+    return time;
+}
 
 class ContactPhotoWriting : public ContactWriting {
   protected:
@@ -25,7 +53,8 @@ class ContactPhotoWriting : public ContactWriting {
     }
     /// What a read of the contact saves as its photo; "(none)" without one.
     [[nodiscard]] std::string PhotoInTheStore() const {
-        const CString path = SaveContactPhoto(Message().Get());
+        const ComPtr<IMessage> message = Message();
+        const CString path = message ? SaveContactPhoto(message.Get()) : CString();
         if (path.empty()) {
             return "(none)";
         }
@@ -74,6 +103,11 @@ TEST_F(ContactPhotoWriting, PathThatCannotBeOpenedRemovesTheOldPhoto) {
     }
 }
 
+TEST_F(ContactPhotoWriting, OfNoMessageThereIsNoPhotoToDelete) {
+    EXPECT_EQ(DeleteContactPhotoAttachments(nullptr), 1);
+    EXPECT_TRUE(recorder::CallLines().empty());
+}
+
 TEST_F(ContactPhotoWriting, EmptyFileIsAPhotoWithoutBytes) {
     Write(8, {{104, L"555"}}, File(L"a.jpg", ""));
     EXPECT_EQ(PhotoInTheStore(), "");
@@ -89,6 +123,17 @@ TEST_F(ContactPhotoWriting, PhotoOfTwentyMegabytesIsWrittenWhole) {
     Write(8, {{104, L"555"}}, File(L"a.jpg", bytes));
     recorder::Record(true);
     EXPECT_TRUE(PhotoInTheStore() == bytes);
+}
+
+TEST_F(ContactPhotoWriting, FileIsWrittenInPiecesAndItsSizeIsTheirSum) {
+    recorder::ClearCalls();
+    Write(8, {{104, L"555"}}, File(L"a.jpg", std::string(2500, 'x')));
+    EXPECT_EQ(NumbersOf("IStream::Write", "size="), (Numbers{1024, 1024, 452}));
+    EXPECT_EQ(NumbersOf("IAttach::SetProps", "0x0E200003="), Numbers{2500});
+    recorder::ClearCalls();
+    Write(4, {{104, L"555"}}, File(L"b.jpg", std::string(2048, 'x')));
+    EXPECT_EQ(NumbersOf("IStream::Write", "size="), (Numbers{1024, 1024}));
+    EXPECT_EQ(NumbersOf("IAttach::SetProps", "0x0E200003="), Numbers{2048});
 }
 
 TEST_F(ContactPhotoWriting, FileThatIsOpenElsewhereForWritingIsRead) {
@@ -128,12 +173,61 @@ TEST_F(ContactPhotoWriting, AttachmentThatCannotBeDescribedOrOpenedIsNoPhoto) {
     for (const char* const method :
          {"IMessage::CreateAttach", "IAttach::SetProps", "IAttach::OpenProperty"}) {
         m_contact.Reset();
+        recorder::ClearCalls();
         recorder::FailMethod(method, {}, E_FAIL);
         Write(8, {{104, L"555"}}, File(L"a.jpg", "first"));
         recorder::ClearFailures();
         EXPECT_EQ(m_contact.m_lFlag, 0) << method;
         EXPECT_EQ(HasPicture(), 0) << method;
+        // What was begun is not in the message, and nothing says that it has attachments.
+        EXPECT_EQ(Attachments(), 0U) << method;
+        EXPECT_EQ(PhotoInTheStore(), "(none)") << method;
+        EXPECT_EQ(NumbersOf("IMessage::SetProps", "0x0E1B000B=true"), Numbers()) << method;
     }
+}
+
+TEST_F(ContactPhotoWriting, StreamThatTakesNothingStillCountsAsAPhotoOfNoSize) {
+    recorder::FailMethod("IStream::Write", {}, E_FAIL);
+    Write(8, {{104, L"555"}}, File(L"a.jpg", std::string(2500, 'x')));
+    recorder::ClearFailures();
+    EXPECT_EQ(m_contact.m_lFlag, 0);
+    EXPECT_EQ(NumbersOf("IStream::Write", "size="), (Numbers{1024, 1024, 452}));
+    EXPECT_EQ(NumbersOf("IAttach::SetProps", "0x0E200003="), Numbers{0});
+    EXPECT_EQ(HasPicture(), 1);
+    EXPECT_EQ(Attachments(), 1U);
+}
+
+TEST_F(ContactPhotoWriting, FileThatCannotBeReadToItsEndEndsTheWrite) {
+    Write(8, {{1, L"John"}}, File(L"a.jpg", "first"));
+    const FileWithoutAnEnd file(File(L"b.jpg", std::string(3000, 'x')));
+    TakeLog();
+    const long objects = recorder::LiveObjects();
+    Write(4, {{1, L"Jim"}}, file.Path());
+    EXPECT_EQ(recorder::LiveObjects(), objects);
+    EXPECT_EQ(m_contact.m_lFlag, 4);
+    EXPECT_EQ(TakeLog(),
+              Lines({L"UpdateContact - Begin", L"UpdateContactMessage - Begin",
+                     L"UpdateContactDisplayName - Begin", L"UpdateContactDisplayName - Finish(Succeeded)",
+                     L"UpdateContactMessage - Finish(Failed)", L"UpdateContact - Finish(Failed)"}));
+    EXPECT_EQ(Text(PR_GIVEN_NAME_W), L"John");
+    EXPECT_EQ(PhotoInTheStore(), "first");
+    EXPECT_EQ(HasPicture(), 1);
+}
+
+TEST_F(ContactPhotoWriting, TimesOfTheAttachmentAreBothTheLocalTimeOfTheWrite) {
+    const FILETIME before = LocalNow();
+    Write(8, {{104, L"555"}}, File(L"a.jpg", "first"));
+    const FILETIME after = LocalNow();
+    const ComPtr<IMessage> message = Message();
+    ASSERT_TRUE(message);
+    ComPtr<IAttach> attachment;
+    ASSERT_EQ(message->OpenAttach(0, nullptr, 0, attachment.GetAddressOf()), S_OK);
+    const MapiBuffer<SPropValue> start = GetProperty(attachment.Get(), PR_EXCEPTION_STARTTIME);
+    const MapiBuffer<SPropValue> end = GetProperty(attachment.Get(), PR_EXCEPTION_ENDTIME);
+    ASSERT_TRUE(start && end);
+    EXPECT_EQ(CompareFileTime(&start->Value.ft, &end->Value.ft), 0);
+    EXPECT_GE(CompareFileTime(&start->Value.ft, &before), 0);
+    EXPECT_LE(CompareFileTime(&start->Value.ft, &after), 0);
 }
 
 TEST_F(ContactPhotoWriting, FailedCommitAndSaveOfTheAttachmentStillCountAsAPhoto) {

@@ -4,8 +4,11 @@
 
 #include <mapitags.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <initializer_list>
 #include <utility>
+#include <vector>
 
 #include "contacts/contact_record.h"
 #include "localstore/recorder.h"
@@ -25,6 +28,11 @@ class ContactWriting : public StoreTest {
 
     /// Fills the record, writes it, and keeps its identifier for the next write.
     void Write(std::int32_t flag, Values fields, const std::wstring& photo = {}) {
+        Fill(flag, fields, photo);
+        EXPECT_EQ(g_MAPIObject.WriteContacts(&m_contact), 0);
+    }
+    /// Fills the record anew; only its identifier stays.
+    void Fill(std::int32_t flag, Values fields, const std::wstring& photo = {}) {
         const CString id = m_contact.m_strPIMID;
         m_contact.Reset();
         m_contact.m_strPIMID = id;
@@ -35,7 +43,15 @@ class ContactWriting : public StoreTest {
         if (!photo.empty()) {
             SetPhoto(photo);
         }
-        EXPECT_EQ(g_MAPIObject.WriteContacts(&m_contact), 0);
+    }
+    /// The lines of one write around those of its operation.
+    static LogLines Lines(const std::vector<const wchar_t*>& operation) {
+        LogLines lines{{1, L"CMAPIObject::WriteContacts - Begin\r\n"}};
+        for (const wchar_t* const line : operation) {
+            lines.push_back({1, CString::Format(L"CMAPIObject::%s\r\n", line)});
+        }
+        lines.push_back({1, L"CMAPIObject::WriteContacts - Finish\r\n"});
+        return lines;
     }
     /// Puts the path of a photo where it rides: on the first entry of the name, or on one of its own.
     void SetPhoto(const std::wstring& path) {
@@ -64,15 +80,60 @@ class ContactWriting : public StoreTest {
     /// The property that says whether there is a photo; -1 if it is not there.
     [[nodiscard]] int HasPicture() const {
         const ComPtr<IMessage> message = Message();
+        if (!message) {
+            return -1;
+        }
         const MapiBuffer<SPropValue> value =
             GetProperty(message.Get(), FolderWriter::AddressTag(message.Get(), 0x8015, PT_BOOLEAN));
         return value ? value->Value.b : -1;
     }
-    /// The number of the message's attachments.
+    /// The categories of the message; none if the property is not there.
+    [[nodiscard]] std::vector<CString> Categories() const {
+        std::vector<CString> categories;
+        const ComPtr<IMessage> message = Message();
+        if (!message) {
+            return categories;
+        }
+        const MapiBuffer<SPropValue> value =
+            GetProperty(message.Get(), FolderWriter::KeywordsTag(message.Get()));
+        for (ULONG i = 0; value && i < value->Value.MVszW.cValues; ++i) {
+            categories.emplace_back(value->Value.MVszW.lppszW[i]);
+        }
+        return categories;
+    }
+    /// When the message was changed last, in local time.
+    [[nodiscard]] COleDateTime TimeOfChange() const {
+        const ComPtr<IMessage> message = Message();
+        const MapiBuffer<SPropValue> time =
+            message ? GetProperty(message.Get(), PR_LAST_MODIFICATION_TIME) : MapiBuffer<SPropValue>();
+        if (!time) {
+            ADD_FAILURE() << "no time of change";
+            return {};
+        }
+        FILETIME local{};
+        SYSTEMTIME fields{};
+        EXPECT_TRUE(FileTimeToLocalFileTime(&time->Value.ft, &local) != FALSE &&
+                    FileTimeToSystemTime(&local, &fields) != FALSE);
+        COleDateTime date;
+        date.SetDateTime(fields.wYear, fields.wMonth, fields.wDay, fields.wHour, fields.wMinute,
+                         fields.wSecond);
+        return date;
+    }
+    /// The number of messages that lie in a folder, which need not count as contacts.
+    [[nodiscard]] std::size_t Files(const std::wstring& folder = L"Contacts") const {
+        const std::filesystem::directory_iterator entries(m_root + L"\\Work\\Mail\\" + folder);
+        return static_cast<std::size_t>(std::count_if(begin(entries), end(entries), [](const auto& entry) {
+            return entry.path().extension() == L".msg";
+        }));
+    }
+    /// The number of the message's attachments; 0 without a message.
     [[nodiscard]] ULONG Attachments() const {
         const ComPtr<IMessage> message = Message();
         ComPtr<IMAPITable> table;
         ULONG count = 0;
+        if (!message) {
+            return count;
+        }
         EXPECT_EQ(message->GetAttachmentTable(0, table.GetAddressOf()), S_OK);
         EXPECT_EQ(table->GetRowCount(0, &count), S_OK);
         return count;

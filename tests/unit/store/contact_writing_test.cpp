@@ -4,26 +4,41 @@
 
 #include "tests/unit/store/contact_writing_fixture.h"
 #include "tests/unit/text_printer.h"
+#include "tests/unit/timezone/date_helpers.h"
 
 namespace {
 
 namespace recorder = localstore::recorder;
-
-/// The lines of one write around those of its operation.
-LogLines Lines(std::initializer_list<const wchar_t*> operation) {
-    LogLines lines{{1, L"CMAPIObject::WriteContacts - Begin\r\n"}};
-    for (const wchar_t* const line : operation) {
-        lines.push_back({1, CString::Format(L"CMAPIObject::%s\r\n", line)});
-    }
-    lines.push_back({1, L"CMAPIObject::WriteContacts - Finish\r\n"});
-    return lines;
-}
 
 TEST_F(ContactWriting, NullRecordFailsWithItsLine) {
     EXPECT_EQ(g_MAPIObject.WriteContacts(nullptr), 1);
     EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::WriteContacts - Begin\r\n"},
                                    {3, L"CMAPIObject::WriteContacts - NULL Parameter\r\n"},
                                    {1, L"CMAPIObject::WriteContacts - Finish\r\n"}}));
+}
+
+TEST_F(ContactWriting, OperationsOnANullRecordOrMessageFailWithTheirLines) {
+    EXPECT_EQ(g_MAPIObject.AddContact(nullptr), 0);
+    EXPECT_EQ(g_MAPIObject.UpdateContact(nullptr), 0);
+    EXPECT_EQ(g_MAPIObject.DeleteContact(nullptr), 0);
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::AddContact - Begin\r\n"},
+                                   {1, L"CMAPIObject::AddContact - Finish(Failed)\r\n"},
+                                   {1, L"CMAPIObject::UpdateContact - Begin\r\n"},
+                                   {1, L"CMAPIObject::UpdateContact - Finish(Failed)\r\n"},
+                                   {1, L"CMAPIObject::DeleteContact - Begin\r\n"},
+                                   {1, L"CMAPIObject::DeleteContact - Finish(Failed)\r\n"}}));
+    EXPECT_TRUE(recorder::CallLines().empty());
+
+    Write(8, {{1, L"John"}});
+    const ComPtr<IMessage> message = Message();
+    TakeLog();
+    recorder::ClearCalls();
+    EXPECT_EQ(g_MAPIObject.UpdateContactMessage(nullptr, &m_contact), 0);
+    EXPECT_EQ(g_MAPIObject.UpdateContactMessage(message.Get(), nullptr), 0);
+    const LogLines one{{1, L"CMAPIObject::UpdateContactMessage - Begin\r\n"},
+                       {1, L"CMAPIObject::UpdateContactMessage - Finish(Failed)\r\n"}};
+    EXPECT_EQ(TakeLog(), (LogLines{one[0], one[1], one[0], one[1]}));
+    EXPECT_TRUE(recorder::CallLines().empty());
 }
 
 TEST_F(ContactWriting, FlagWithoutABitOfItsOwnDoesNothing) {
@@ -89,11 +104,14 @@ TEST_F(ContactWriting, WithoutAFolderEveryOperationFailsAndTheStatusIsSuccess) {
 TEST_F(ContactWriting, UpdateOfWhatIsNotThereLeavesTheOutputs) {
     for (const wchar_t* const id : {L"", L"A", L"00", L"not an identifier", L"00000000599C29D3"}) {
         m_contact.m_strPIMID = id;
+        const COleDateTime before = COleDateTime::GetCurrentTime();
         Write(4, {{1, L"John"}});
         EXPECT_EQ(m_contact.m_strPIMID, id);
         EXPECT_EQ(m_contact.m_lFlag, 4);
         // The time of the record's reset, which is the present.
-        EXPECT_GT(m_contact.m_dtLastModified.m_dt, 40000.0);
+        EXPECT_EQ(m_contact.m_dtLastModified.m_status, 0);
+        EXPECT_GE(m_contact.m_dtLastModified.m_dt, before.m_dt);
+        EXPECT_LE(m_contact.m_dtLastModified.m_dt, COleDateTime::GetCurrentTime().m_dt);
         EXPECT_EQ(TakeLog(), Lines({L"UpdateContact - Begin", L"UpdateContact - Finish(Failed)"}));
         Write(32, {});
         EXPECT_EQ(TakeLog(), Lines({L"DeleteContact - Begin", L"DeleteContact - Finish(Failed)"}));
@@ -181,32 +199,14 @@ TEST_F(ContactWriting, CategoriesAreCutAtTheirSeparators) {
                                                                      {L";", {L""}}};
     for (const auto& [text, expected] : cases) {
         Write(8, {{3018, text}});
-        const ComPtr<IMessage> message = Message();
-        const MapiBuffer<SPropValue> value =
-            GetProperty(message.Get(), FolderWriter::KeywordsTag(message.Get()));
-        ASSERT_TRUE(value) << testing::PrintToString(CString(text));
-        std::vector<CString> found;
-        for (ULONG i = 0; i < value->Value.MVszW.cValues; ++i) {
-            found.emplace_back(value->Value.MVszW.lppszW[i]);
-        }
-        EXPECT_EQ(found, expected);
+        EXPECT_EQ(Categories(), expected) << testing::PrintToString(CString(text));
     }
 }
 
 TEST_F(ContactWriting, IdentifierAndTimeOfTheChangeComeBack) {
     Write(8, {{1, L"John"}});
-    const ComPtr<IMessage> message = Message();
-    ASSERT_TRUE(message);
-    const MapiBuffer<SPropValue> time = GetProperty(message.Get(), PR_LAST_MODIFICATION_TIME);
-    ASSERT_TRUE(time);
-    FILETIME local{};
-    SYSTEMTIME fields{};
-    FileTimeToLocalFileTime(&time->Value.ft, &local);
-    FileTimeToSystemTime(&local, &fields);
-    COleDateTime expected;
-    expected.SetDateTime(fields.wYear, fields.wMonth, fields.wDay, fields.wHour, fields.wMinute,
-                         fields.wSecond);
-    EXPECT_EQ(m_contact.m_dtLastModified.m_dt, expected.m_dt);
+    ASSERT_TRUE(Message());
+    EXPECT_EQ(m_contact.m_dtLastModified.m_dt, TimeOfChange().m_dt);
     EXPECT_EQ(m_contact.m_dtLastModified.m_status, 0);
 }
 
@@ -218,12 +218,24 @@ TEST_F(ContactWriting, TimeThatCannotBeReadIsNoDate) {
     EXPECT_EQ(m_contact.m_lFlag, 0);
 }
 
+TEST_F(ContactWriting, IdentifierThatCannotBeReadIsNotTheOneThatWasSent) {
+    Write(8, {{1, L"John"}});
+    recorder::FailMethod("IMessage::GetProps", {}, E_FAIL);
+    Write(8, {{1, L"Jim"}});
+    EXPECT_EQ(m_contact.m_strPIMID, L"");
+    EXPECT_EQ(m_contact.m_lFlag, 0);
+}
+
 TEST_F(ContactWriting, FailedSaveLeavesTheOldMessageAndTheStatusIsSuccess) {
     Write(8, {{1, L"John"}, {104, L"555"}});
+    const CString id = m_contact.m_strPIMID;
     TakeLog();
     recorder::FailMethod("IMessage::SaveChanges", {}, MAPI_E_NO_ACCESS);
-    Write(4, {{1, L"Jim"}});
+    Fill(4, {{1, L"Jim"}});
+    m_contact.m_dtLastModified = Date(2001, 2, 3);
+    EXPECT_EQ(g_MAPIObject.WriteContacts(&m_contact), 0);
     EXPECT_EQ(m_contact.m_lFlag, 4);
+    EXPECT_EQ(m_contact.m_strPIMID, id);
     recorder::ClearFailures();
     EXPECT_EQ(TakeLog(),
               Lines({L"UpdateContact - Begin", L"UpdateContactMessage - Begin",
@@ -231,6 +243,8 @@ TEST_F(ContactWriting, FailedSaveLeavesTheOldMessageAndTheStatusIsSuccess) {
                      L"UpdateContactMessage - Finish(Failed)", L"UpdateContact - Finish(Failed)"}));
     EXPECT_EQ(Text(PR_GIVEN_NAME_W), L"John");
     EXPECT_EQ(Text(PR_MOBILE_TELEPHONE_NUMBER_W), L"555");
+    // The time is that of the old message.
+    EXPECT_EQ(m_contact.m_dtLastModified.m_dt, TimeOfChange().m_dt);
 }
 
 TEST_F(ContactWriting, AddThatCannotBeSavedLeavesNothingBehind) {
@@ -239,6 +253,9 @@ TEST_F(ContactWriting, AddThatCannotBeSavedLeavesNothingBehind) {
     EXPECT_EQ(m_contact.m_lFlag, 8);
     recorder::ClearFailures();
     EXPECT_EQ(g_MAPIObject.GetContactCount(), 0);
+    // What was not saved has a name already, and no time of a change.
+    EXPECT_NE(m_contact.m_strPIMID, L"");
+    EXPECT_TRUE(m_contact.m_dtLastModified.IsNoDate());
 }
 
 TEST_F(ContactWriting, WarningOfSaveChangesCountsAsAFailure) {
@@ -256,6 +273,32 @@ TEST_F(ContactWriting, FailureOfASinglePropertyGoesUnnoticed) {
         EXPECT_EQ(m_contact.m_lFlag, 0) << method;
         recorder::ClearFailures();
     }
+}
+
+TEST_F(ContactWriting, StopDoesNotInterruptAWriteAndStaysInForce) {
+    g_MAPIObject.Stop();
+    Write(8, {{1, L"John"}});
+    EXPECT_EQ(m_contact.m_lFlag, 0);
+    Write(4, {{1, L"Jim"}});
+    EXPECT_EQ(m_contact.m_lFlag, 0);
+    EXPECT_EQ(Text(PR_GIVEN_NAME_W), L"Jim");
+    Write(32, {});
+    EXPECT_EQ(m_contact.m_lFlag, 0);
+    EXPECT_EQ(g_MAPIObject.m_bStop, 1);
+}
+
+TEST_F(ContactWriting, AddGoesToTheChosenFolderWhateverTheRecordSays) {
+    MakeFolder(L"Work\\Mail\\Contacts\\Private");
+    recorder::SetRoot(m_root);
+    LogOn();
+    const CString selection = L"<id>" + FolderId(L"Contacts\\Private") + L"</id>";
+    ASSERT_EQ(g_MAPIObject.SetContactFolder(selection.c_str()), 0);
+    Fill(8, {{1, L"John"}});
+    m_contact.m_strCsFolder = L"Contacts";
+    EXPECT_EQ(g_MAPIObject.WriteContacts(&m_contact), 0);
+    EXPECT_EQ(m_contact.m_lFlag, 0);
+    EXPECT_EQ(Files(L"Contacts\\Private"), 1U);
+    EXPECT_EQ(Files(L"Contacts"), 0U);
 }
 
 TEST_F(ContactWriting, MessageInASubFolderIsUpdatedAndDeletedThere) {

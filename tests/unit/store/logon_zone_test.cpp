@@ -1,5 +1,6 @@
 // The zone of the machine at logon.
 
+#include "localstore/recorder.h"
 #include "tests/unit/store/machine_zones.h"
 #include "tests/unit/store/store_fixture.h"
 #include "tests/unit/text_printer.h"
@@ -42,6 +43,11 @@ TEST_F(LogonZone, IsThatOfTheMachine) {
 TEST_F(LogonZone, OutlivesTheSessionAndIsNotSetByALogonThatFails) {
     EXPECT_EQ(g_MAPIObject.MAPILogOn(0, L"Nobody"), 0);
     EXPECT_EQ(g_MAPIObject.m_CurrentTimeZone.Bias, 0);
+    // The store comes before the zone.
+    localstore::recorder::FailMethod("IMAPISession::OpenMsgStore", {}, MAPI_E_NO_ACCESS);
+    EXPECT_EQ(g_MAPIObject.MAPILogOn(0, L"Work"), 0);
+    EXPECT_EQ(g_MAPIObject.m_CurrentTimeZone.Bias, 0);
+    localstore::recorder::ClearFailures();
     LogOn();
     g_MAPIObject.MAPILogOff();
     EXPECT_EQ(g_MAPIObject.m_CurrentTimeZone.Bias, m_zone.bias);

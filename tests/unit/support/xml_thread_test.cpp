@@ -5,35 +5,9 @@
 #include <thread>
 
 #include "support/xml_parser.h"
+#include "tests/unit/support/com_balance.h"
 
 namespace {
-
-/// How often COM is initialised on this thread. Counting takes all of it away.
-int TakeInitialisations() {
-    int count = 0;
-    APTTYPE type = {};
-    APTTYPEQUALIFIER qualifier = {};
-    while (count < 100 && SUCCEEDED(CoGetApartmentType(&type, &qualifier))) {
-        CoUninitialize();
-        ++count;
-    }
-    return count;
-}
-
-/// Runs some work on a thread on which COM is initialised three times, and returns how often it is
-/// afterwards.
-template<class Work>
-int InitialisationsLeftBy(Work work) {
-    int left = -1;
-    std::thread([&] {
-        for (int i = 0; i < 3; ++i) {
-            CoInitialize(nullptr);
-        }
-        work();
-        left = TakeInitialisations();
-    }).join();
-    return left;
-}
 
 TEST(ComBalance, WithoutADocumentNothingChanges) {
     EXPECT_EQ(InitialisationsLeftBy([] {}), 3);
