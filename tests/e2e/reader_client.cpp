@@ -5,7 +5,9 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <iomanip>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -180,14 +182,28 @@ std::wstring ReadDocument(const std::wstring& path) {
     const FileHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                       FILE_ATTRIBUTE_NORMAL, nullptr));
     const DWORD size = file ? GetFileSize(file.Get(), nullptr) : INVALID_FILE_SIZE;
-    if (size == INVALID_FILE_SIZE) {
+    if (size == INVALID_FILE_SIZE || size % sizeof(wchar_t) != 0) {
         throw std::runtime_error("a document cannot be read");
     }
     std::wstring text(size / sizeof(wchar_t), L'\0');
     DWORD count = 0;
-    ReadFile(file.Get(), text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)), &count, nullptr);
-    text.resize(count / sizeof(wchar_t));
+    if (ReadFile(file.Get(), text.data(), size, &count, nullptr) == 0 || count != size) {
+        throw std::runtime_error("a document cannot be read");
+    }
     return text;
+}
+
+/// A text in ASCII: every other unit as a backslash, "u" and four digits.
+std::string Printable(const wchar_t* text) {
+    std::ostringstream printed;
+    for (; *text != L'\0'; ++text) {
+        if (*text >= L' ' && *text < 0x7F && *text != L'\\') {
+            printed << static_cast<char>(*text);
+        } else {
+            printed << "\\u" << std::hex << std::setw(4) << std::setfill('0') << static_cast<unsigned>(*text);
+        }
+    }
+    return printed.str();
 }
 
 void DoWrite(const std::wstring& path) {
@@ -197,8 +213,7 @@ void DoWrite(const std::wstring& path) {
     long status = -1;
     wchar_t* const texts[] = {document.data(), id, time};
     GuardedRpc([&texts, &status] { WriteContacts(texts[0], texts[1], texts[2], &status); });
-    std::printf("write %ld [%ls] [%ls]\n", status, id, time);
-    std::fflush(stdout);
+    std::cout << "write " << status << " [" << Printable(id) << "] [" << Printable(time) << "]\n";
 }
 
 void AwaitEnd() {
