@@ -207,16 +207,25 @@ class Desktop(Writing):
         self.assertEqual((result, self.files()), ("refused", before))
 
     def test_own_writes_come_with_the_next_read_of_changes_and_can_be_told_by_identifier_and_time(self):
-        changes = self.place.path / "changes.map"
-        read = ["read", "contacts", "--changed", harness.windows_path(changes), "--xml"]
-        self.assertEqual(self.place.run_desktop(*read)[0], 0)
+        self.assertEqual(self.read_changes(), "")
         moment, identifier = self.write_one(document(ADD, LastName="own"))
-        status, output, errors = self.place.run_desktop(*read)
+        self.assert_comes_once(ADD, identifier, moment)
+        moment, _ = self.write_one(document(CHANGE, identifier, LastName="changed"))
+        self.assert_comes_once(CHANGE, identifier, moment)
+        self.delete(identifier)
+        self.assert_comes_once(DELETE, identifier, None)
+
+    def read_changes(self):
+        changes = harness.windows_path(self.place.path / "changes.map")
+        status, output, errors = self.place.run_desktop("read", "contacts", "--changed", changes, "--xml")
         self.assertEqual(status, 0, errors)
-        root = xml.etree.ElementTree.fromstring(output.strip().encode())
-        self.assertEqual((root.findtext("PIMID"), root.findtext("lastModifiedTime"), root.findtext("lFlag")),
-                         (identifier, moment, str(ADD)))
-        self.assertEqual(self.place.run_desktop(*read)[1], "")
+        return output.strip()
+
+    def assert_comes_once(self, flag, identifier, moment):
+        root = xml.etree.ElementTree.fromstring(self.read_changes().encode())
+        self.assertEqual([root.findtext(name) for name in ("lFlag", "PIMID", "lastModifiedTime")],
+                         [str(flag), identifier, moment])
+        self.assertEqual(self.read_changes(), "")
 
 
 class Zones(Writing):

@@ -1,6 +1,7 @@
 """A place for tests of the writing of contacts: documents, writes with the desktop program and with single calls."""
 
 import datetime
+import hashlib
 import re
 import xml.sax.saxutils
 
@@ -163,7 +164,10 @@ class WritingCase(harness.Case):
         return identifier
 
     def files(self, folder=None):
-        return {file.name: file.read_bytes() for file in (folder or self.place.contacts).iterdir() if file.is_file()}
+        """The digests of all files below a folder, by their paths."""
+        folder = folder or self.place.contacts
+        return {str(file.relative_to(folder)): hashlib.sha256(file.read_bytes()).hexdigest()
+                for file in folder.rglob("*") if file.is_file()}
 
     def assert_works(self):
         """The agent is there and writes."""
