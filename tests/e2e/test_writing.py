@@ -206,6 +206,18 @@ class Desktop(Writing):
         [(result, _, _)] = self.write(self.read_one(), status=REFUSED)
         self.assertEqual((result, self.files()), ("refused", before))
 
+    def test_a_document_that_was_read_can_become_another_contact(self):
+        _, identifier = self.write_one(document(ADD, LastName="twice", Email1="a@b.example"))
+        read = self.file(self.read_one())
+        out = self.place.path / "converted"
+        status, output, errors = self.place.run_desktop("convert", "--new", "--out", harness.windows_path(out), read)
+        self.assertEqual((status, output), (0, ""), errors)
+        [converted] = out.iterdir()
+        self.assertNotEqual(self.write_one(converted.read_text(encoding="utf-8"))[1], identifier)
+        both = [read_msg.Message(file) for file in self.place.contacts.glob("*.msg")]
+        self.assertEqual([(one.tags[LAST_NAME], one.named[(ADDRESS_SET, 0x8083)]) for one in both],
+                         [("twice", "a@b.example")] * 2)
+
     def test_own_writes_come_with_the_next_read_of_changes_and_can_be_told_by_identifier_and_time(self):
         self.assertEqual(self.read_changes(), "")
         moment, identifier = self.write_one(document(ADD, LastName="own"))
@@ -320,10 +332,15 @@ class Refusals(Writing):
         [(status, returned, moment)] = self.send(document(CHANGE, identifier, LastName="changed"))
         message = read_msg.Message(below / "moved.msg")
         self.assertEqual((status, returned, moment), (0, identifier, self.moment_of(message)))
-        self.assertEqual((message.tags[LAST_NAME], self.files()), ("changed", {}))
-        self.assertEqual(self.write(document(CHANGE, identifier, LastName="again"))[0][0], "written")
-        self.assertEqual(self.delete(identifier), "deleted")
-        self.assertEqual(self.files(below), {})
+        self.assertEqual((message.tags[LAST_NAME], list(self.files())), ("changed", ["Family/moved.msg"]))
+        self.write_one(document(CHANGE, identifier, LastName="again"))
+        # Where reads do not go nothing is proved, and written all the same.
+        self.place.settings(subfolder="FALSE")
+        self.restart()
+        [(result, _, _)] = self.write(document(CHANGE, identifier, LastName="unseen"), status=REFUSED)
+        self.assertEqual((result, read_msg.Message(below / "moved.msg").tags[LAST_NAME]), ("unproven", "unseen"))
+        self.delete(identifier, status=REFUSED)
+        self.assertEqual(self.files(), {})
 
     def test_a_contact_that_is_gone_stays_gone(self):
         identifier = self.add(LastName="gone")
