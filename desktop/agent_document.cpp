@@ -2,10 +2,7 @@
 
 #include <windows.h>
 
-#include <optional>
-#include <string>
-
-#include "support/owners.h"
+#include "desktop/input_file.h"
 
 namespace {
 
@@ -22,30 +19,6 @@ void RemoveEarlier(const CString& path) {
     }
 }
 
-std::optional<std::string> ReadBytes(const CString& path) {
-    const FileHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
-    LARGE_INTEGER size{};
-    if (!file || GetFileSizeEx(file.Get(), &size) == 0 || size.QuadPart > kLongestDocument) {
-        return std::nullopt;
-    }
-    std::string bytes(static_cast<std::size_t>(size.QuadPart), '\0');
-    DWORD count = 0;
-    if (ReadFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) == 0) {
-        return std::nullopt;
-    }
-    bytes.resize(count);
-    return bytes;
-}
-
-CString WideFromUtf8(const std::string& bytes) {
-    const int size = static_cast<int>(bytes.size());
-    CString text;
-    text.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), size, nullptr, 0)));
-    MultiByteToWideChar(CP_UTF8, 0, bytes.data(), size, text.data(), static_cast<int>(text.size()));
-    return text;
-}
-
 }  // namespace
 
 CString FetchDocument(const AgentConnection& agent, const AgentDocument& document, const CString& folder) {
@@ -58,12 +31,12 @@ CString FetchDocument(const AgentConnection& agent, const AgentDocument& documen
         ThrowReadFailed(
             CString::Format(L"the agent could not write the %s to %s", document.what, path.c_str()));
     }
-    const std::optional<std::string> bytes = ReadBytes(path);
+    const std::optional<std::string> bytes = ReadFileBytes(path, kLongestDocument);
     if (!bytes) {
         ThrowReadFailed(
             CString::Format(L"the agent wrote no %s to %s: if it was running before its settings were made, "
                             L"\"zebdesk shutdown\" ends it, and the next command starts it anew",
                             document.what, path.c_str()));
     }
-    return WideFromUtf8(*bytes);
+    return WideFromUtf8(*bytes).value_or(CString());
 }

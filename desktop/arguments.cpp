@@ -27,6 +27,8 @@ constexpr OptionRule kRules[] = {
     {WIDE("--folder"), kOptionFolder, &Arguments::folder},
     {WIDE("--changed"), kOptionChanged, &Arguments::changed},
     {WIDE("--accept-deletions"), kOptionAcceptDeletions, nullptr},
+    {WIDE("--delete"), kOptionDelete, &Arguments::doomed},
+    {WIDE("--new"), kOptionNew, nullptr},
 };
 
 [[noreturn]] void ThrowUsage(const CString& message) {
@@ -93,6 +95,9 @@ Arguments ParseArguments(const std::vector<CString>& arguments) {
     }
     if (result.Has(kOptionFolder) && !IsIdentifier(result.folder.View())) {
         ThrowUsage(WIDE("--folder needs an identifier as \"zebdesk folders\" shows it"));
+    }
+    if (result.Has(kOptionDelete) && !IsIdentifier(result.doomed.View())) {
+        ThrowUsage(WIDE("--delete needs an identifier as the PIMID of a document shows it"));
     }
     return result;
 }

@@ -16,6 +16,8 @@ enum Option : unsigned {
     kOptionFolder = 128,
     kOptionChanged = 256,
     kOptionAcceptDeletions = 512,
+    kOptionDelete = 1024,
+    kOptionNew = 2048,
 };
 
 /// The command line, taken apart but not yet judged by its command.
@@ -29,6 +31,8 @@ struct Arguments {
     CString folder;
     /// The path of a map file.
     CString changed;
+    /// The identifier of an item to delete, in hexadecimal.
+    CString doomed;
     /// The command and its operands.
     std::vector<CString> words;
 

@@ -10,6 +10,7 @@
 #include "desktop/agent_process.h"
 #include "desktop/callback_service.h"
 #include "desktop/change_command.h"
+#include "desktop/convert_command.h"
 #include "desktop/discovery_commands.h"
 #include "desktop/help.h"
 #include "desktop/interrupt.h"
@@ -18,6 +19,7 @@
 #include "desktop/read_command.h"
 #include "desktop/setup_command.h"
 #include "desktop/single_instance.h"
+#include "desktop/write_command.h"
 
 extern "C" {
 #include "command.h"
@@ -28,6 +30,8 @@ namespace {
 constexpr unsigned kSessionOptions = kOptionHelp | kOptionProfile | kOptionAgent | kOptionQuiet;
 constexpr unsigned kReadOptions = kSessionOptions | kOptionFolder | kOptionOut | kOptionXml | kOptionTabs |
                                   kOptionChanged | kOptionAcceptDeletions;
+constexpr unsigned kWriteOptions = kSessionOptions | kOptionFolder | kOptionTabs | kOptionDelete;
+constexpr std::size_t kAnyNumber = static_cast<std::size_t>(-1);
 
 /// A word of the command line and what it does.
 struct Command {
@@ -87,6 +91,16 @@ void RunRead(const Arguments& arguments) {
     changes ? ReadChanges(kind, arguments) : ReadItems(kind, arguments);
 }
 
+void RunWrite(const Arguments& arguments) {
+    constexpr std::size_t kWithoutFiles = 2;
+    const bool hasFiles = arguments.words.size() > kWithoutFiles;
+    if (hasFiles == arguments.Has(kOptionDelete)) {
+        throw Failure(ExitCode::kUsage, hasFiles ? L"--delete takes no files beside it"
+                                                 : L"write needs files, \"-\" or --delete");
+    }
+    WriteItems(RequireKind(arguments.words[1]), arguments);
+}
+
 void RunShutdown(const Arguments& /*arguments*/) {
     const SingleInstance instance;
     if (!AgentIsRunning()) {
@@ -107,6 +121,8 @@ constexpr Command kCommands[] = {
     {L"folders", kSessionOptions | kOptionXml, 0, 0, PrintFolders},
     {L"count", kSessionOptions | kOptionFolder, 0, 1, RunCount},
     {L"read", kReadOptions, 1, 1, RunRead},
+    {L"convert", kOptionHelp | kOptionOut | kOptionNew, 1, kAnyNumber, ConvertDocuments},
+    {L"write", kWriteOptions, 1, kAnyNumber, RunWrite},
     {L"shutdown", kOptionHelp | kOptionQuiet, 0, 0, RunShutdown},
 };
 
@@ -154,6 +170,7 @@ WideView HintFor(ExitCode code) {
             return L"; \"zebdesk --help\" tells more";
         case ExitCode::kLogonRefused:
         case ExitCode::kReadFailed:
+        case ExitCode::kDocumentRefused:
             return L"; the agent's log, in the folder Logs beside it, may tell why";
         case ExitCode::kFolderRefused:
             return L"; \"zebdesk folders\" shows the folders that are there";

@@ -17,6 +17,7 @@ enum class ExitCode : int {
     kFolderRefused = 8,
     kNotSetUp = 9,
     kDeletionsDoubted = 10,
+    kDocumentRefused = 11,
 };
 
 /// Ends the program with a message for the user and an exit status.

@@ -1,7 +1,8 @@
 #include "desktop/help.h"
 
 const WideView kHelpText =
-    LR"(zebdesk reads the address book of the mail system through its 64-bit agent.
+    LR"(zebdesk reads and writes the address book of the mail system through its 64-bit
+agent.
 
 USAGE
   zebdesk COMMAND [OPTION...]
@@ -16,14 +17,21 @@ COMMANDS
   read contacts      Reads all contacts: as a table on standard output, or as
                      --out, --xml or --tabs say. With --changed: only those
                      that are new, changed or deleted.
+  convert FILE...    Makes of documents that were read ones that can be written,
+                     on standard output or with --out as files.
+  write contacts FILE...
+                     Writes contacts, one document a file, and prints what became
+                     of each. "-" stands for standard input. With --delete in
+                     place of files: deletes one contact.
   shutdown           Ends the agent, and comes back when it has ended.
   help               Prints this text.
 
 OPTIONS
   --profile NAME     The mail profile to log on with. Without it: the default
                      profile.
-  --folder ID        The folder to count or to read, by the identifier that
-                     "folders" shows. Without it: the default one.
+  --folder ID        The folder to count, to read or to write to, by the
+                     identifier that "folders" shows. Without it: the default
+                     one.
   --agent PATH       The agent to start if none is running. Without it:
                      ZebAgentForOutlook64.exe beside this program. An agent that
                      is running already has to be this one for "profiles" and
@@ -41,6 +49,9 @@ OPTIONS
                      everything, and belongs to one profile and folder.
   --accept-deletions
                      Believes deletions however many they are.
+  --new              Converts into new contacts and not into changes of the
+                     same ones.
+  --delete ID        Deletes the contact with this PIMID.
   -q, --quiet        No progress bar and no summary; errors are still printed.
   -h, --help         Prints this text.
 
@@ -67,6 +78,23 @@ READING CHANGES
   A MAP that is damaged is kept under another name, and all items come as new.
   An item that the agent names but cannot send is left out of MAP: the exit status
   is 4, and the next read brings it again if it can be read by then.
+
+WRITING
+  A document that is written replaces the contact as a whole: what it lacks is
+  removed. Its lFlag says what to do: 8 adds, 4 changes, 32 deletes the contact
+  with its PIMID. To edit a contact: read it with --out, convert its file, edit
+  the result and write that. What has no place in a document to be written is
+  dropped: the times, the full name (it is made of the parts of the name) and
+  blanks around a text. PICPath has to name the picture still, or it is removed.
+  The agent does not say whether it wrote. zebdesk looks at the folder before and
+  after, and so the result is one of these:
+    written, deleted  the folder shows it
+    refused           the folder is as it was, or the document was not sent
+    unproven          it cannot be told: the contact is not in the folder, nor in
+                      those below it that reads go into (choose with --folder), or
+                      it was changed once more by somebody else
+    not tried         the command ended before its turn
+  A contact can be changed or deleted once in one command.
 
 PROFILES AND FOLDERS
   The agent writes these lists to files, Profile.xml and Outlook.xml, in the
@@ -99,6 +127,7 @@ EXIT STATUS
   8  the folder is not there, or its store cannot be opened
   9  the agent has no settings for "profiles" and "folders"; see "setup"
  10  too many deletions to be believed; see --accept-deletions
+ 11  a document was not converted, or is not proved to be written
 
 EXAMPLES
   zebdesk setup
@@ -107,4 +136,6 @@ EXAMPLES
   zebdesk read contacts --out contacts
   zebdesk read contacts --profile "Second home" --tabs > contacts.tsv
   zebdesk read contacts --changed contacts.map --out contacts
+  zebdesk convert contacts\contact-4d27e1c2417f2373.xml > edited.xml
+  zebdesk write contacts edited.xml
 )";

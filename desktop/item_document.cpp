@@ -7,6 +7,10 @@ ItemDocument::ItemDocument(const wchar_t* root, WideView text) : m_root(CString(
     }
 }
 
+bool ItemDocument::Has(const wchar_t* name) {
+    return m_valid && m_parser.SelectSingleNode((m_root + L"/" + name).c_str()) != nullptr;
+}
+
 CString ItemDocument::Field(const wchar_t* name) {
     const CString path = m_root + L"/" + name;
     return m_valid ? m_parser.GetNodeText(m_parser.SelectSingleNode(path.c_str()).Get()) : CString();

@@ -15,6 +15,8 @@ class ItemDocument {
     [[nodiscard]] bool IsValid() const { return m_valid; }
     [[nodiscard]] WideView Text() const { return m_text; }
 
+    /// True if there is an element of this name below the root.
+    bool Has(const wchar_t* name);
     /// The text of the first element of this name below the root; empty if there is none.
     CString Field(const wchar_t* name);
     /// The first of these elements that is not empty.

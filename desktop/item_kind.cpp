@@ -17,7 +17,7 @@ namespace {
 
 constexpr ItemKind kKinds[] = {
     {L"contacts", L"contact", L"Contact", "[contact pim]", GetContactCount, SetContactFolder, ReadContacts,
-     ContactHeadings, ContactRow},
+     WriteContacts, ContactHeadings, ContactRow},
 };
 
 }  // namespace

@@ -17,6 +17,7 @@ struct ItemKind {
     void (*count)(long* count, long* status);
     void (*choose)(wchar_t* selection, long* status);
     void (*read)(wchar_t* ignored, wchar_t* mapFile, long* status);
+    void (*write)(wchar_t* document, wchar_t* id, wchar_t* time, long* status);
     /// The headings of its table, and a document's row in it.
     TextTable::Row (*headings)();
     TextTable::Row (*row)(ItemDocument& document);

@@ -81,7 +81,8 @@ ComPtr<IMAPIFolder> CMAPIObject::GetOutlookFolder(const CString& selection, ULON
     text.Trim();
     ComPtr<IMAPIFolder> folder;
     if (text.empty() || text == L"<id></id>") {
-        folder = GetDefaultFolder(m_lpMsgStore.Get(), defaultTag);
+        const ComPtr<IMsgStore> store = m_lpMsgStore;
+        folder = GetDefaultFolder(store.Get(), defaultTag);
     } else if (const CString id = IdOfSelection(text); !id.empty()) {
         folder = GetOutlookFolderFromEntryID(id);
     }
@@ -108,16 +109,17 @@ ComPtr<IMAPIFolder> CMAPIObject::GetOutlookFolderFromEntryID(const CString& hexI
 
 ComPtr<IMAPIFolder> CMAPIObject::SearchStores(const CString& hexId) const {
     const auto id = HexStringToBinary(hexId);
-    if (!m_lpMAPISession) {
+    const ComPtr<IMAPISession> session = m_lpMAPISession;
+    if (!session) {
         AfxThrowUserException();
     }
-    const TableRows stores = QueryStores(m_lpMAPISession.Get(), nullptr, L"GetOutlookFolderFromEntryID");
+    const TableRows stores = QueryStores(session.Get(), nullptr, L"GetOutlookFolderFromEntryID");
     for (ULONG i = 0; i < stores.Count(); ++i) {
         if (stores.Row(i).lpProps == nullptr) {
             continue;
         }
         const ComPtr<IMsgStore> store =
-            OpenStore(m_lpMAPISession.Get(), stores.Row(i), L"GetOutlookFolderFromEntryID");
+            OpenStore(session.Get(), stores.Row(i), L"GetOutlookFolderFromEntryID");
         ComPtr<IMAPIFolder> folder =
             OpenStoreFolder(store.Get(), static_cast<ULONG>(id.size()),
                             reinterpret_cast<const ENTRYID*>(id.empty() ? nullptr : id.data()));

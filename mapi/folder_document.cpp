@@ -66,7 +66,8 @@ int CMAPIObject::GetAppFolder(wchar_t* lpszFolders) {
 }
 
 void CMAPIObject::WriteFolderDocument(CXMLParser& document, wchar_t* lpszFolders) {
-    if (!m_lpMAPISession) {
+    const ComPtr<IMAPISession> session = m_lpMAPISession;
+    if (!session) {
         Log(kLogFailure, L"CMAPIObject::GetAppFolder : NULL m_lpMAPISession\r\n");
         AfxThrowUserException();
     }
@@ -76,7 +77,7 @@ void CMAPIObject::WriteFolderDocument(CXMLParser& document, wchar_t* lpszFolders
     }
     BeginOutlookDocument(document, L"folders", L"GetAppFolder");
     {
-        const TableRows stores = QueryStores(m_lpMAPISession.Get(), nullptr, L"GetAppFolder");
+        const TableRows stores = QueryStores(session.Get(), nullptr, L"GetAppFolder");
         if (!stores.table) {
             return;
         }
@@ -121,7 +122,9 @@ int CMAPIObject::GetAppFolderFromStore(const SRow* row, CXMLParser& document, IX
 }
 
 bool CMAPIObject::AppendStoreFolders(const SRow& row, CXMLParser& document, IXMLDOMNode* node, int depth) {
-    const ComPtr<IMsgStore> store = OpenStore(m_lpMAPISession.Get(), row, L"GetAppFolderFromStore");
+    const ComPtr<IMAPISession> session = m_lpMAPISession;
+    const ComPtr<IMsgStore> store =
+        session ? OpenStore(session.Get(), row, L"GetAppFolderFromStore") : ComPtr<IMsgStore>();
     if (!store) {
         return true;
     }

@@ -117,6 +117,8 @@ class CMAPIObject {
     static int UpdateContactDisplayName(IMessage* message, const tagContactFields& fields);
 
     HWND m_hNotifyWnd = nullptr;  ///< progress messages go here; never set to a window
+    // An operation works on references of its own, so that what another call puts here meanwhile does not
+    // release what it uses.
     ComPtr<IMAPISession> m_lpMAPISession;
     ComPtr<IProfAdmin> m_lpProfAdmin;  ///< kept from the first list of profiles
     ComPtr<IMsgStore> m_lpMsgStore;    ///< the default store

@@ -93,8 +93,9 @@ void CMAPIObject::WriteProfileDocument(CXMLParser& document, wchar_t* lpszProfil
     }
     BeginOutlookDocument(document, L"profiles", L"GetAppProfile");
     OpenProfileAdministration();
+    const ComPtr<IProfAdmin> administration = m_lpProfAdmin;
     ComPtr<IMAPITable> profiles;
-    if (m_lpProfAdmin->GetProfileTable(0, profiles.GetAddressOf()) == S_OK && profiles &&
+    if (administration->GetProfileTable(0, profiles.GetAddressOf()) == S_OK && profiles &&
         !AppendProfiles(document, profiles.Get())) {
         AfxThrowUserException();
     }

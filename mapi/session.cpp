@@ -81,19 +81,19 @@ bool CMAPIObject::OpenSession(const wchar_t* profile) {
 }
 
 bool CMAPIObject::OpenDefaultStore() {
-    const TableRows stores = QueryDefaultStore(m_lpMAPISession.Get());
+    const ComPtr<IMAPISession> session = m_lpMAPISession;
+    const TableRows stores = QueryDefaultStore(session.Get());
     if (stores.Count() == 0) {
         return false;
     }
-    m_lpMsgStore = OpenStore(m_lpMAPISession.Get(), stores.Row(0), L"MAPILogOn");
-    if (!m_lpMsgStore) {
+    const ComPtr<IMsgStore> store = OpenStore(session.Get(), stores.Row(0), L"MAPILogOn");
+    m_lpMsgStore = store;
+    if (!store) {
         return false;
     }
-    LoadDefaultFolderIds(m_lpMsgStore.Get(), m_arrDefaultFolderIds);
-    m_lpContactFolder =
-        GetDefaultFolder(m_lpMsgStore.Get(), kFolderTypes[kContactFolderType].defaultFolderTag);
-    m_lpEventFolder =
-        GetDefaultFolder(m_lpMsgStore.Get(), kFolderTypes[kCalendarFolderType].defaultFolderTag);
+    LoadDefaultFolderIds(store.Get(), m_arrDefaultFolderIds);
+    m_lpContactFolder = GetDefaultFolder(store.Get(), kFolderTypes[kContactFolderType].defaultFolderTag);
+    m_lpEventFolder = GetDefaultFolder(store.Get(), kFolderTypes[kCalendarFolderType].defaultFolderTag);
     m_CurrentTimeZone = ReadCurrentTimeZone();
     return true;
 }
@@ -112,9 +112,9 @@ void CMAPIObject::MAPIRelease() {
         m_lpContactFolder.Reset();
         m_lpEventFolder.Reset();
         m_lpMsgStore.Reset();
-        if (m_lpMAPISession) {
+        if (const ComPtr<IMAPISession> session = m_lpMAPISession) {
             const HRESULT result =
-                m_lpMAPISession->Logoff(reinterpret_cast<ULONG_PTR>(m_hNotifyWnd), MAPI_LOGOFF_UI, 0);
+                session->Logoff(reinterpret_cast<ULONG_PTR>(m_hNotifyWnd), MAPI_LOGOFF_UI, 0);
             Log(kLogTrace, L"CMAPIObject::MAPIRelease - m_lpMAPISession->Logoff(0X%08X)\r\n", result);
             m_lpMAPISession.Reset();
         }

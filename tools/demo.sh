@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Shows the agent at work: makes a sample store, counts and reads its contacts through the desktop program, and ends the
-# agent. Everything that it makes is in build/demo. DEMO_CONTACTS sets how many contacts the timed read has.
+# Shows the agent at work: makes a sample store, writes, counts and reads its contacts through the desktop program, and
+# ends the agent. Everything that it makes is in build/demo. DEMO_CONTACTS sets how many contacts the timed read has.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/wine-server.sh
@@ -37,6 +37,7 @@ rm -rf "$demo"
 mkdir -p "$demo/bin"
 # Programs of the demo's own, so that its settings and its log are not those of build/bin.
 cp build/bin/*.exe build/bin/*.dll "$demo/bin/"
+cp -r localstore/sample/people "$demo/people"
 keep_wine_server
 
 say "A store with people of many scripts in one profile, and $many plain contacts in another"
@@ -50,6 +51,10 @@ show profiles
 
 say "The stores and folders of the default profile. One store cannot be opened, and the others are there all the same"
 show folders
+
+say "More people come in through the agent, a document each. It does not say what it wrote, so zebdesk looks"
+mapfile -t people < <(cd "$demo" && ls people/*.xml)
+show write contacts "${people[@]}"
 
 say "How many contacts a read would send, from the default folder and from a folder of the list"
 show count
@@ -77,6 +82,28 @@ for picture in "$demo"/pictures/*; do
   [ "$(head -c 3 "$picture" | od -An -tx1)" = ' ff d8 ff' ] || { printf 'demo: %s is no JPEG\n' "$picture" >&2; exit 1; }
   printf '%6d bytes  pictures/%s\n' "$(stat -c %s "$picture")" "$(basename "$picture")"
 done
+
+say "Of a contact that was read a document is made that can be written. It is edited and written back"
+remove_pictures() {
+  grep -rhoE '<PICPath>[^<]*' "$demo/$1" | sed -e 's/<PICPath>C://' -e 's:\\:/:g' | while read -r picture; do
+    rm -f "$WINEPREFIX/drive_c$picture"
+  done
+}
+# From here on reads bring what changes.
+zebdesk read contacts --quiet --changed contacts.map --out changes >"$demo/first-read.txt"
+remove_pictures changes
+document=documents/$(basename "$(grep -l '<LastName>Okafor' "$demo"/documents/*.xml)")
+printf '$ zebdesk convert %s > edited.xml\n' "$document"
+zebdesk convert "$document" >"$demo/edited.xml"
+sed -i 's:<JobTitle>.*</JobTitle>:<JobTitle>Head of the gauging station</JobTitle>:' "$demo/edited.xml"
+grep -E 'lFlag|JobTitle' "$demo/edited.xml"
+show write contacts edited.xml
+show read contacts --changed contacts.map --out changes
+
+say "And it is deleted"
+show write contacts --delete "$(sed -n 's:.*<PIMID>\(.*\)</PIMID>.*:\1:p' "$demo/edited.xml")"
+show read contacts --changed contacts.map --out changes
+show count
 
 say "The last lines of the log that the agent wrote"
 tail -n 10 "$demo/bin/Logs/ZebAgentOutlook64.log" | tr -d '\r'

@@ -129,7 +129,7 @@ class Place:
         """Notes that the desktop program may start an agent, which stays when it ends."""
         self._desktops += 1
 
-    def start(self, program, *arguments, runner="run-wine.sh", prepare=None, **more):
+    def start(self, program, *arguments, runner="run-wine.sh", prepare=None, stdin=subprocess.DEVNULL, **more):
         """Starts a Windows program; `more` are variables of its environment, and `prepare` runs in its process before it.
 
         It writes to files: under Wine an agent that it starts keeps what it writes to open, so a pipe would not end.
@@ -138,8 +138,8 @@ class Place:
         streams = [self.path / f"{self._processes}{name}" for name in (".out", ".err")]
         with open(streams[0], "wb") as output, open(streams[1], "wb") as errors:
             process = subprocess.Popen([str(ROOT / "tools" / runner), windows_path(program), *map(str, arguments)],
-                                       env=self.environment(**more), stdin=subprocess.DEVNULL, stdout=output,
-                                       stderr=errors, preexec_fn=prepare)
+                                       env=self.environment(**more), stdin=stdin, stdout=output, stderr=errors,
+                                       preexec_fn=prepare)
         process.streams = streams
         return process
 

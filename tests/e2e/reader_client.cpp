@@ -5,7 +5,9 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <iomanip>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -37,6 +39,7 @@ constexpr const char* kUsage =
     "commands:\n"
     "  logon[=PROFILE] count read stop logoff shutdown profiles folders\n"
     "  contact-folder=SELECTION calendar-folder=SELECTION\n"
+    "  write=FILE         write the document in FILE, which is in UTF-16, and print the three outputs\n"
     "  await-end          wait until the agent is gone, and tell whether it said so before\n";
 
 /// What the callbacks do and have done. They come on the runtime's threads, one at a time.
@@ -175,6 +178,44 @@ bool DoTextCommand(const std::wstring& command) {
     return false;
 }
 
+std::wstring ReadDocument(const std::wstring& path) {
+    const FileHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+    const DWORD size = file ? GetFileSize(file.Get(), nullptr) : INVALID_FILE_SIZE;
+    if (size == INVALID_FILE_SIZE || size % sizeof(wchar_t) != 0) {
+        throw std::runtime_error("a document cannot be read");
+    }
+    std::wstring text(size / sizeof(wchar_t), L'\0');
+    DWORD count = 0;
+    if (ReadFile(file.Get(), text.data(), size, &count, nullptr) == 0 || count != size) {
+        throw std::runtime_error("a document cannot be read");
+    }
+    return text;
+}
+
+/// A text in ASCII: every other unit as a backslash, "u" and four digits.
+std::string Printable(const wchar_t* text) {
+    std::ostringstream printed;
+    for (; *text != L'\0'; ++text) {
+        if (*text >= L' ' && *text < 0x7F && *text != L'\\') {
+            printed << static_cast<char>(*text);
+        } else {
+            printed << "\\u" << std::hex << std::setw(4) << std::setfill('0') << static_cast<unsigned>(*text);
+        }
+    }
+    return printed.str();
+}
+
+void DoWrite(const std::wstring& path) {
+    std::wstring document = ReadDocument(path);
+    wchar_t id[400] = L"";
+    wchar_t time[40] = L"";
+    long status = -1;
+    wchar_t* const texts[] = {document.data(), id, time};
+    GuardedRpc([&texts, &status] { WriteContacts(texts[0], texts[1], texts[2], &status); });
+    std::cout << "write " << status << " [" << Printable(id) << "] [" << Printable(time) << "]\n";
+}
+
 void AwaitEnd() {
     for (DWORD waited = 0; WaitNamedPipeW(kCommandPipe, 1) != 0 || GetLastError() == ERROR_SEM_TIMEOUT;
          waited += kPollMilliseconds) {
@@ -190,6 +231,8 @@ void AwaitEnd() {
 void Do(const std::wstring& command) {
     if (command.rfind(L"logon=", 0) == 0) {
         DoLogOn(command.substr(std::wcslen(L"logon=")));
+    } else if (command.rfind(L"write=", 0) == 0) {
+        DoWrite(command.substr(std::wcslen(L"write=")));
     } else if (command == L"logon") {
         DoLogOn(L"");
     } else if (command == L"count") {

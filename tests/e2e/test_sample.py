@@ -1,4 +1,4 @@
-"""The sample store that the demo shows, read as the demo reads it."""
+"""The sample store that the demo shows, written and read as the demo does it."""
 
 import harness
 from contact_fields import fields, parse
@@ -16,6 +16,8 @@ IN_CONTACTS = {
     "\u03A0\u03B1\u03C0\u03B1\u03B4\u03BF\u03C0\u03BF\u03CD\u03BB\u03BF\u03C5", "I\u015F\u0131k\u00E7\u0131",
     "\u0E43\u0E08\u0E14\u0E35", "Nguy\u1EC5n", "\u0936\u0930\u094D\u092E\u093E", "Quayside Bakery"}
 IN_FAMILY = {"Concei\u00E7\u00E3o", "N\u00ED Bhriain", "\u00C6gisd\u00F3ttir"}
+# Those who are not in the store yet and whose documents are written.
+PEOPLE = {"Okafor", "Pe\u00F1a Ruiz", "\u10D1\u10D4\u10E0\u10D8\u10EB\u10D4"}
 WITH_PICTURE = {
     "\u00C5ngstr\u00F6m-N\u00FA\u00F1ez", "Gro\u00DFmann", "\u5C71\u7530", "\u738B", "\u062D\u062F\u0627\u062F",
     "\u03A0\u03B1\u03C0\u03B1\u03B4\u03BF\u03C0\u03BF\u03CD\u03BB\u03BF\u03C5", "I\u015F\u0131k\u00E7\u0131",
@@ -66,6 +68,19 @@ class Sample(ListCase):
             self.assertNotIn(name, "".join(documents))
         im_elements = [parse(document).find("SP-IMADRESS") for document in documents]
         self.assertEqual({(element.get("IMType"), element.text or "") for element in im_elements}, IM_ADDRESSES)
+
+    def test_people_come_in_through_the_agent(self):
+        files = sorted((harness.ROOT / "localstore/sample/people").glob("*.xml"))
+        rows = self.desktop("write", "contacts", "--tabs", *map(harness.windows_path, files)).splitlines()[1:]
+        self.assertEqual([row.split("\t")[0] for row in rows], ["written"] * len(PEOPLE))
+        documents = self.place.read_with_desktop().values()
+        contacts = [fields(document.decode()) for document in documents]
+        self.remove_pictures(contacts)
+        self.assertEqual(len(contacts), 18 + len(PEOPLE))
+        self.assertEqual(PEOPLE - {one.get("LastName") for one in contacts}, set())
+        [okafor] = [one for one in contacts if one.get("LastName") == "Okafor"]
+        self.assertEqual(okafor["SP-BODY"], "Measures the river every Friday.\nCalls back in the evening.")
+        self.assertEqual((okafor["SuffixName"], okafor["Birthday"]), ("Prof.", "1982-11-04"))
 
     def test_addresses_are_readable_ones(self):
         documents = self.place.read_with_desktop().values()

@@ -41,15 +41,32 @@ struct KeptLine {
 std::mutex g_mutex;
 std::vector<KeptLine, PlainAllocator<KeptLine>> g_lines;
 std::vector<PlainText, PlainAllocator<PlainText>> g_modules;
+CString g_awaited;
+std::function<void()> g_action;
 
-}  // namespace
-
-void OutputString(const wchar_t* module, int level, const wchar_t* text) {
+/// The action that a line was waited for with, once.
+std::function<void()> NoteLine(const wchar_t* module, int level, const wchar_t* text) {
     const std::lock_guard lock(g_mutex);
     g_lines.push_back({level, PlainText(text)});
     if (std::ranges::find(g_modules, PlainText(module)) == g_modules.end()) {
         g_modules.emplace_back(module);
     }
+    return g_awaited == text ? std::exchange(g_action, nullptr) : nullptr;
+}
+
+}  // namespace
+
+void OutputString(const wchar_t* module, int level, const wchar_t* text) {
+    // Outside the lock: the action may write lines of its own.
+    if (const std::function<void()> action = NoteLine(module, level, text)) {
+        action();
+    }
+}
+
+void OnLogLine(const CString& text, std::function<void()> action) {
+    const std::lock_guard lock(g_mutex);
+    g_awaited = text;
+    g_action = std::move(action);
 }
 
 void PrintTo(const LogLine& line, std::ostream* out) {

@@ -2,6 +2,7 @@
 
 // The log of a test program: it defines OutputString itself and keeps what was written.
 
+#include <functional>
 #include <vector>
 
 #include "support/text.h"
@@ -19,6 +20,10 @@ void PrintTo(const LogLine& line, std::ostream* out);
 
 /// All lines since the last call, oldest first.
 LogLines TakeLog();
+
+/// Runs something when a line of this text is written the next time, in the middle of the operation that
+/// writes it. An empty action takes that back.
+void OnLogLine(const CString& text, std::function<void()> action);
 
 /// The module names that the lines since the program's start came with, each once.
 std::vector<CString> LogModules();

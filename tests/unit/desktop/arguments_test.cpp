@@ -53,6 +53,8 @@ TEST(Arguments, AreRefusedIfTheyMakeNoSense) {
                   L"--folder needs an identifier as \"zebdesk folders\" shows it");
     }
     EXPECT_EQ(UsageFailure({L"--folder=00aBF9"}), L"");
+    EXPECT_EQ(UsageFailure({L"--delete", L"<PIMID>"}),
+              L"--delete needs an identifier as the PIMID of a document shows it");
     EXPECT_EQ(UsageFailure({L"--xml=yes"}), L"--xml takes no value");
     EXPECT_EQ(UsageFailure({L"read", L"contacts"}), L"");
 }
@@ -68,6 +70,12 @@ TEST(Commands, AreRefusedBeforeAnythingHappens) {
              {L"count", L"--out", L"x"},
              {L"shutdown", L"--profile", L"x"},
              {L"help", L"me"},
+             {L"convert"},
+             {L"convert", L"--out", L"x", L"-"},
+             {L"write"},
+             {L"write", L"contacts"},
+             {L"write", L"letters", L"x.xml"},
+             {L"write", L"contacts", L"x.xml", L"--delete", L"00AB"},
          }) {
         EXPECT_EQ(RunDesktop(arguments), ExitCode::kUsage);
     }

@@ -1,0 +1,91 @@
+// Calls that come in the middle of others: what they replace stays alive for those who use it.
+
+#include "tests/unit/recorded_log.h"
+#include "tests/unit/store/contact_writing_fixture.h"
+#include "tests/unit/text_printer.h"
+
+namespace {
+
+constexpr const wchar_t* kInTheMiddleOfAWrite = L"CMAPIObject::UpdateContactDisplayName - Begin\r\n";
+
+class OverlappingCalls : public ContactWriting {
+  protected:
+    void SetUp() override {
+        ContactWriting::SetUp();
+        MakeFolder(L"Work\\Mail\\Other");
+        WriteFile(L"Work\\Mail\\Other\\folder.ini", "[Folder]\r\nClass=IPF.Contact\r\n");
+        m_other = L"<id>" + FolderId(L"Other") + L"</id>";
+    }
+    void TearDown() override {
+        OnLogLine(L"", nullptr);
+        ContactWriting::TearDown();
+    }
+
+    /// The number of contacts in a folder.
+    static long CountIn(const CString& selection) {
+        EXPECT_EQ(g_MAPIObject.SetContactFolder(selection.c_str()), 0);
+        return g_MAPIObject.GetContactCount();
+    }
+    /// Another call while one is in the middle of a write. Returns how often it was made.
+    static void InTheMiddle(std::function<void()> call, int& made) {
+        OnLogLine(kInTheMiddleOfAWrite, [call = std::move(call), &made] {
+            ++made;
+            call();
+        });
+    }
+
+    CString m_other;
+};
+
+TEST_F(OverlappingCalls, AnAddGoesToTheFolderThatWasChosenWhenItBegan) {
+    int made = 0;
+    InTheMiddle([this] { g_MAPIObject.SetContactFolder(m_other.c_str()); }, made);
+    Write(8, {{1, L"John"}});
+    EXPECT_EQ(made, 1);
+    EXPECT_EQ(m_contact.m_lFlag, 0);
+    EXPECT_EQ(CountIn(L""), 1);
+    EXPECT_EQ(CountIn(m_other), 0);
+}
+
+TEST_F(OverlappingCalls, AChangeOutlivesTheSessionThatItBeganIn) {
+    Write(8, {{1, L"John"}});
+    int made = 0;
+    InTheMiddle([] { g_MAPIObject.MAPIRelease(); }, made);
+    Write(4, {{1, L"Jim"}});
+    EXPECT_EQ(made, 1);
+    LogOn();
+    // The old contact or the new one, and nothing else.
+    EXPECT_EQ(g_MAPIObject.GetContactCount(), 1);
+    EXPECT_EQ(Text(PR_GIVEN_NAME_W), m_contact.m_lFlag == 0 ? L"Jim" : L"John");
+}
+
+TEST_F(OverlappingCalls, AWriteThatFindsNoSessionDoesNothing) {
+    g_MAPIObject.MAPIRelease();
+    Write(8, {{1, L"John"}});
+    EXPECT_EQ(m_contact.m_lFlag, 8);
+    EXPECT_EQ(m_contact.m_strPIMID, L"");
+}
+
+TEST_F(OverlappingCalls, AReadGoesOnInTheFolderThatItBeganIn) {
+    for (const wchar_t* const name : {L"John", L"Jim", L"Joe"}) {
+        m_contact.m_strPIMID = L"";
+        Write(8, {{1, name}});
+    }
+    OnSend([this] { g_MAPIObject.SetContactFolder(m_other.c_str()); });
+    EXPECT_EQ(g_MAPIObject.ReadContacts(L""), 0);
+    EXPECT_EQ(TakeSent().size(), 3U);
+}
+
+TEST_F(OverlappingCalls, AChoiceOfAFolderOutlivesTheSessionThatItBeganIn) {
+    int made = 0;
+    OnLogLine(L"CMAPIObject::GetOutlookFolderFromEntryID - pfnHrQueryAllRows(0X00000000)\r\n", [&made] {
+        ++made;
+        g_MAPIObject.MAPIRelease();
+    });
+    // The stores of a session that was logged off cannot be relied upon, so either result will do.
+    const int result = g_MAPIObject.SetContactFolder(m_other.c_str());
+    EXPECT_EQ(made, 1);
+    EXPECT_EQ(result == 0, static_cast<bool>(g_MAPIObject.m_lpContactFolder));
+}
+
+}  // namespace
