@@ -4,8 +4,8 @@
 
 namespace {
 
-// A function that finds one member, which may stand in an address inside the record and so takes no
-// parentheses. NOLINTNEXTLINE(bugprone-macro-parentheses)
+// A function that finds one member. The name of a member behind a dot cannot stand in parentheses.
+// NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define MEMBER(name) [](tagContactFields& fields) -> CString& { return fields.name; }
 
 constexpr ContactField kFields[] = {

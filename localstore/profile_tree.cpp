@@ -81,23 +81,24 @@ std::vector<ProfileInfo> ListProfiles() {
     const Text root = RootPath();
     for (const FileEntry& entry : ListFolder(root)) {
         if (entry.isFolder) {
-            profiles.push_back({entry.name, false});
-            wishes.push_back(ReadFolderIni(JoinPath(root, entry.name)).FindFlag(L"Profile", L"Default"));
+            const FolderIni ini = ReadFolderIni(JoinPath(root, entry.name));
+            profiles.push_back({ini.Find(L"Profile", L"Name").value_or(entry.name), entry.name, false});
+            wishes.push_back(ini.FindFlag(L"Profile", L"Default"));
         }
     }
     ChooseDefault(profiles, wishes);
     return profiles;
 }
 
-std::vector<StoreInfo> ListStores(const Text& profile) {
+std::vector<StoreInfo> ListStores(const Text& directory) {
     std::vector<StoreInfo> stores;
     std::vector<std::optional<bool>> wishes;
-    const Text folder = JoinPath(RootPath(), profile);
+    const Text folder = JoinPath(RootPath(), directory);
     for (const FileEntry& entry : ListFolder(folder)) {
         if (entry.isFolder) {
             const FolderIni ini = ReadFolderIni(JoinPath(folder, entry.name));
             const bool refuses = ini.FindFlag(L"Store", L"Refuse").value_or(false);
-            stores.push_back({StoreTree::Of(folder, profile, entry.name), false, refuses});
+            stores.push_back({StoreTree::Of(folder, directory, entry.name), false, refuses});
             wishes.push_back(ini.FindFlag(L"Store", L"Default"));
         }
     }

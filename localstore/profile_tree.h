@@ -18,11 +18,14 @@ Text RootPath();
 void SetRootPath(const Text& path);
 
 struct ProfileInfo {
+    /// What it is called and logged on to by.
     Text name;
+    /// Its folder's own name, which the identifiers in it are made of.
+    Text directory;
     bool isDefault = false;
 };
 
-/// The profiles in order of name. At most one is the default.
+/// The profiles in order of their directories. At most one is the default.
 std::vector<ProfileInfo> ListProfiles();
 
 struct StoreInfo {
@@ -32,8 +35,8 @@ struct StoreInfo {
     bool refuses = false;
 };
 
-/// The message stores of a profile in order of name. At most one is the default.
-std::vector<StoreInfo> ListStores(const Text& profile);
+/// The message stores of a profile, given by its directory, in order of name. At most one is the default.
+std::vector<StoreInfo> ListStores(const Text& directory);
 
 /// The folder.ini of a folder; an empty one if there is none.
 FolderIni ReadFolderIni(const Text& folder);

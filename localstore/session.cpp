@@ -171,7 +171,7 @@ STDMETHODIMP ProfileAdmin::GetProfileTable(ULONG flags, LPMAPITABLE* table) {
 ComPtr<Session> LogOn(const Text& name, bool useDefault) {
     for (const ProfileInfo& profile : ListProfiles()) {
         if (name.empty() ? useDefault && profile.isDefault : SameName(name, profile.name)) {
-            return MakeObject<Session>(profile.name);
+            return MakeObject<Session>(profile.directory);
         }
     }
     throw StoreError(MAPI_E_LOGON_FAILED);

@@ -98,7 +98,8 @@ using Handle = Owner<HandleTraits>;
 /// A handle of CreateFile, of which the empty value is INVALID_HANDLE_VALUE.
 struct FileHandleTraits {
     using Type = HANDLE;
-    static Type Empty() noexcept { return INVALID_HANDLE_VALUE; }  // NOLINT(performance-no-int-to-ptr)
+    // The platform's macro makes a pointer of a number. NOLINTNEXTLINE(performance-no-int-to-ptr)
+    static Type Empty() noexcept { return INVALID_HANDLE_VALUE; }
     static void Close(Type handle) noexcept { CloseHandle(handle); }
 };
 using FileHandle = Owner<FileHandleTraits>;
@@ -106,7 +107,8 @@ using FileHandle = Owner<FileHandleTraits>;
 /// A directory search.
 struct FindHandleTraits {
     using Type = HANDLE;
-    static Type Empty() noexcept { return INVALID_HANDLE_VALUE; }  // NOLINT(performance-no-int-to-ptr)
+    // The platform's macro makes a pointer of a number. NOLINTNEXTLINE(performance-no-int-to-ptr)
+    static Type Empty() noexcept { return INVALID_HANDLE_VALUE; }
     static void Close(Type search) noexcept { FindClose(search); }
 };
 using FindHandle = Owner<FindHandleTraits>;

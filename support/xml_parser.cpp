@@ -221,6 +221,7 @@ ComPtr<IXMLDOMNode> CXMLParser::SelectSingleNode(const wchar_t* path) {
     return node;
 }
 
+// An operation of the document to its callers, though it works on the node alone.
 // NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 CString CXMLParser::GetNodeText(IXMLDOMNode* node) {
     Bstr text;

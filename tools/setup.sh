@@ -9,9 +9,9 @@ cd "$here"
 # Without these nothing can be built or run.
 required=(
   g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools
-  cmake ninja-build make wine64 googletest)
+  cmake ninja-build make wine64 googletest python3)
 # These serve lint, the sanitized and fuzzed builds, the independent reader of .msg files and the 32-bit Wine.
-wanted=(clang clang-format clang-tidy libclang-rt-14-dev python3 python3-olefile libc6-i386)
+wanted=(clang clang-format clang-tidy libclang-rt-14-dev python3-olefile libc6-i386)
 
 # What the 32-bit Wine loads besides itself. Without FreeType every program begins with a complaint, and with FreeType but
 # without Fontconfig it hangs when it makes its first window.

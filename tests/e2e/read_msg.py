@@ -10,6 +10,7 @@ import uuid
 
 import olefile
 
+CODE_PAGE = 0x3FFD0003
 MULTIPLE = 0x1000
 # The known property sets, by the number that stands for them in the mapping of names.
 KNOWN_SETS = {1: "00020328-0000-0000-c000-000000000046", 2: "00020329-0000-0000-c000-000000000046"}
@@ -51,6 +52,10 @@ class Object:
         self.flags = {}
         self.named = {}
         entries = [stream[i:i + 16] for i in range(header, len(stream), 16)]
+        # 8-bit texts are of the code page that the object names, or else of that of the message around it.
+        for entry in entries:
+            if struct.unpack("<I", entry[:4])[0] == CODE_PAGE:
+                code_page = f"cp{struct.unpack('<I', entry[8:12])[0]}"
         for entry in entries:
             tag, flags = struct.unpack("<II", entry[:8])
             if tag in self.tags:

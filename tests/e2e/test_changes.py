@@ -250,6 +250,32 @@ class Changes(harness.Case):
         self.assertEqual(self.flags(documents), {one: DELETED for one in identifiers})
         self.assertEqual(self.read()[0], [])
 
+    def test_a_message_that_cannot_be_read_for_a_while_is_not_taken_for_deleted(self):
+        self.make(3)
+        self.read()
+        known = self.map.read_bytes()
+        # A new agent has not read it before.
+        self.place.run_desktop("shutdown")
+        holder = self.place.start(harness.TEST_BIN / "write_messages.exe", harness.windows_path(self.place.bin / "MAPI32.dll"),
+                                  "lock", harness.windows_path(self.file(1)))
+        harness.wait_until(lambda: holder.streams[0].stat().st_size != 0, "the file is held")
+        documents, _, _ = self.read(status=4)
+        self.assertEqual(documents, [])
+        self.assertEqual(self.map.read_bytes(), known)
+        holder.kill()
+        holder.wait()
+        self.assertEqual(self.read()[0], [])
+
+    def test_ctrl_c_in_the_middle_loses_nothing(self):
+        self.make(300)
+        self.place.start_agent()
+        status, _, _ = self.place.interrupt_desktop("read", "contacts", "--changed", harness.windows_path(self.map),
+                                                    "--xml")
+        self.assertEqual(status, 5)
+        self.assertFalse(self.map.exists())
+        self.assert_new(self.read()[0], names(300))
+        self.assertEqual(self.read()[0], [])
+
     def test_few_items_may_all_be_deleted(self):
         self.make(4)
         self.read()

@@ -44,6 +44,16 @@ class DamagedFiles(harness.Case):
         self.spoil(**files)
         self.assert_good_ones_arrive(files)
 
+    def test_a_file_of_which_half_or_more_is_there_is_read_or_named(self):
+        for length in (len(self.good) // 2, len(self.good) * 3 // 4):
+            self.spoil(cut=self.good[:length])
+            self.diagnostics.unlink(missing_ok=True)
+            documents = self.place.read_with_desktop(LOCALSTORE_LOG=harness.windows_path(self.diagnostics))
+            lines = self.diagnostics.read_text(encoding="utf-8") if self.diagnostics.exists() else ""
+            self.assertEqual(len(documents), len(GOOD) + ("cut.msg: " not in lines), (length, lines))
+            arrived = [fields(document.decode()).get("LastName") for document in documents.values()]
+            self.assertLessEqual(set(GOOD), set(arrived))
+
     def test_a_document_of_another_kind(self):
         self.spoil(text=b"Dear reader,\r\n")
         self.assert_good_ones_arrive(["text"])

@@ -12,7 +12,16 @@ from list_case import LOCALE, ListCase
 KNOWN = {"Calendar": "IPF.Appointment", "Contacts": "IPF.Contact", "Journal": "IPF.Journal", "Notes": "IPF.StickyNote",
          "Tasks": "IPF.Task", "Drafts": "IPF.Note", "Inbox": "IPF.Note"}
 TYPES = ["IPF.Note", "IPF.Appointment", "IPF.Contact", "IPF.Task", "IPF.Journal", "IPF.StickyNote"]
-READ_FAILED, FOLDER_REFUSED, NOT_SET_UP = 4, 8, 9
+# Names as they stand in a folder.ini, with what becomes of them.
+NAMES = {
+    "n1": ("Tom & \"Jerry\"", "Tom & \"Jerry\""),
+    "n2": ("<a href='x'>]]>", "<a href='x'>]]>"),
+    "n3": ("be\x01ll\x07 \x1Besc \x0Bvt", "bell esc vt"),
+    "n4": ("a\tb", "a\tb"),
+    "n5": ("\u5C71\u7530 \U0001F600 \uFFFE\u05DC", "\u5C71\u7530 \U0001F600 \u05DC"),
+    "n6": ("Stra\u00DFe d\u00E9j\u00E0 \u00D8", "Stra\u00DFe d\u00E9j\u00E0 \u00D8"),
+}
+LOGON_REFUSED, READ_FAILED, FOLDER_REFUSED, NOT_SET_UP = 3, 4, 8, 9
 
 
 def ini(folder, section, **keys):
@@ -113,24 +122,37 @@ class Profiles(ListCase):
         self.assertFalse((self.documents / "Profile.xml").exists())
 
 
+class NamesOfProfiles(ListCase):
+    """Names that only a mail system has and no folder on the disk."""
+
+    # The names of profiles are 8-bit texts, so those of other scripts are left out.
+    NAMES = {number: names for number, names in NAMES.items() if names[1].isascii() or number == "n6"}
+
+    def test_they_are_listed_as_far_as_a_document_can_hold_them(self):
+        for number, (text, _) in self.NAMES.items():
+            ini(self.place.folder(number), "Profile", Name=text)
+        document = xml.etree.ElementTree.fromstring(self.desktop("profiles", "--xml").encode())
+        self.assertEqual([node.findtext("pname") for node in document],
+                         ["Work", *(shown for _, shown in self.NAMES.values())])
+
+    def test_a_logon_finds_the_profile_by_its_name_and_not_by_its_folder(self):
+        for number, (text, _) in self.NAMES.items():
+            ini(self.place.folder(number), "Profile", Name=text)
+            self.make_contact(f"{number}/Mail/Contacts", f"of {number}")
+        for number, (text, _) in self.NAMES.items():
+            self.assertEqual(self.surnames("--profile", text), [f"of {number}"])
+            self.refused(LOGON_REFUSED, "count", "--profile", number)
+
+
 class Tree(ListCase):
     """The document of the folders is the tree on the disk."""
-
-    # Names as they stand in a folder.ini, with what becomes of them.
-    NAMES = {
-        "n1": ("Tom & \"Jerry\"", "Tom & \"Jerry\""),
-        "n2": ("<a href='x'>]]>", "<a href='x'>]]>"),
-        "n3": ("be\x01ll\x07 \x1Besc \x0Bvt", "bell esc vt"),
-        "n4": ("a\tb", "a\tb"),
-        "n5": ("\u5C71\u7530 \U0001F600 \uFFFE\u05DC", "\u5C71\u7530 \U0001F600 \u05DC"),
-    }
 
     def make(self):
         mail = self.place.root / "Work/Mail"
         ini(mail, "Store", Default=1, Name="Mail & more")
         for name in KNOWN:
             self.place.folder(f"Work/Mail/{name}")
-        for name, (text, _) in self.NAMES.items():
+        for name, (text, _) in NAMES.items():
             ini(self.place.folder(f"Work/Mail/{name}"), "Folder", Name=text)
             ini(self.place.folder(f"Work/Mail/Tasks/{name}/below"), "Folder", Class="IPF.Contact.\"<&'>")
         ini(self.place.folder("Work/Mail/none"), "Folder", Class="")
@@ -146,7 +168,7 @@ class Tree(ListCase):
         if (folder / "folder.ini").exists():
             keys = dict(re.findall(r"^(\w+)=(.*)\r$", (folder / "folder.ini").read_bytes().decode(), re.MULTILINE))
             own = keys.get("Class")
-            name = self.NAMES[name][1] if "Name" in keys else name
+            name = NAMES[name][1] if "Name" in keys else name
         if own is not None:
             container = own
         elif not inherited:

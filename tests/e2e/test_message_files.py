@@ -9,6 +9,7 @@ import time
 import unittest
 
 import harness
+from contact_fields import fields
 
 try:
     import read_msg
@@ -164,11 +165,11 @@ class Refusals(MessageFiles):
         self.kill(holder)
         self.assertEqual(self.write("touch").strip(), "1")
 
-    def test_a_message_that_nobody_may_read_is_named_in_the_log(self):
+    def test_a_folder_with_a_message_that_nobody_may_read_says_so(self):
         log = self.place.path / "store.log"
         holder = self.start_until_killed("lock", harness.windows_path(self.path))
         writer = self.start_writer("touch", LOCALSTORE_LOG=harness.windows_path(log))
-        self.assertEqual(self.assert_exit(writer)[0].strip(), "0")
+        self.assertEqual(self.assert_exit(writer, 1)[1].strip(), "GetContentsTable gives 8004010B")
         self.assertIn(f"{self.path.name}: it cannot be read now", log.read_text(encoding="utf-8"))
         self.assertEqual(self.files(), self.before)
         self.kill(holder)
@@ -184,6 +185,25 @@ class Refusals(MessageFiles):
                 self.kill(holder)
                 self.assertEqual(self.files(), self.before)
         self.assertEqual(self.write("touch").strip(), "1")
+
+
+class NarrowTexts(MessageFiles):
+    """Messages with 8-bit texts, written by neither the store nor the reader."""
+
+    # The same two bytes are other letters in each.
+    BYTES = b"\xE1\xE2"
+    LETTERS = {1253: "\u03B1\u03B2", 1251: "\u0431\u0432", 1252: "\u00E1\u00E2"}
+
+    def test_they_are_of_the_code_page_that_the_message_names(self):
+        for code_page in self.LETTERS:
+            process = self.place.start(harness.TEST_BIN / "write_narrow_contact.exe",
+                                       harness.windows_path(self.place.contacts / f"{code_page}.msg"), code_page,
+                                       self.BYTES.hex())
+            self.assert_exit(process)
+            message = read_msg.Message(self.place.contacts / f"{code_page}.msg")
+            self.assertEqual((message.tags[0x3A11001E], message.tags[0x3FFD0003]), (self.LETTERS[code_page], code_page))
+        arrived = [fields(document.decode())["LastName"] for document in self.place.read_with_desktop().values()]
+        self.assertEqual(sorted(arrived), sorted(self.LETTERS.values()))
 
 
 @unittest.skipUnless(list(harness.REAL_ITEMS.glob("*.msg")), harness.NO_REAL_ITEMS)

@@ -13,6 +13,9 @@ namespace {
 
 constexpr DWORD kAccess = STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
 constexpr std::uint32_t kMessageClass = 0x001A001F;
+constexpr std::uint32_t kNarrowMessageClass = 0x001A001E;
+constexpr std::uint32_t kNarrowSurname = 0x3A11001E;
+constexpr std::uint32_t kCodePage = 0x3FFD0003;
 constexpr std::uint32_t kSurname = 0x3A11001F;
 constexpr std::uint32_t kBody = 0x1000001F;
 /// Readable and writable.
@@ -34,30 +37,40 @@ void WriteStream(IStorage* storage, const wchar_t* name, const Bytes& bytes) {
 }
 
 /// A text: its units in a stream of its own, and an entry whose size counts the terminator that is not there.
-void AddText(IStorage* storage, ByteWriter& entries, std::uint32_t tag, const std::wstring& text) {
+void AddUnits(IStorage* storage, ByteWriter& entries, std::uint32_t tag, const Bytes& units,
+              std::size_t terminator) {
     std::wostringstream name;
     name << L"__substg1.0_" << std::hex << std::uppercase << std::setw(8) << std::setfill(L'0') << tag;
+    WriteStream(storage, name.str().c_str(), units);
+    entries.U32(tag).U32(kPropertyFlags).U32(static_cast<std::uint32_t>(units.size() + terminator)).U32(0);
+}
+
+void AddText(IStorage* storage, ByteWriter& entries, std::uint32_t tag, const std::wstring& text) {
     ByteWriter units;
     for (const wchar_t unit : text) {
         units.U16(unit);
     }
-    WriteStream(storage, name.str().c_str(), units.Written());
-    entries.U32(tag).U32(kPropertyFlags).U32(static_cast<std::uint32_t>(2 * (text.size() + 1))).U32(0);
+    AddUnits(storage, entries, tag, units.Written(), 2);
 }
 
-}  // namespace
+void AddNarrowText(IStorage* storage, ByteWriter& entries, std::uint32_t tag, const std::string& text) {
+    AddUnits(storage, entries, tag, Bytes(text.begin(), text.end()), 1);
+}
 
-void WriteContactFile(const std::filesystem::path& path, const std::wstring& surname,
-                      const std::wstring& body) {
-    ComPtr<IStorage> storage;
-    Require(StgCreateDocfile(path.c_str(), kAccess, 0, storage.GetAddressOf()));
+ByteWriter BeginEntries() {
     ByteWriter entries;
     entries.Raw(Bytes(32));  // the header: no recipients, no attachments
-    AddText(storage.Get(), entries, kMessageClass, L"IPM.Contact");
-    AddText(storage.Get(), entries, kSurname, surname);
-    AddText(storage.Get(), entries, kBody, body);
-    WriteStream(storage.Get(), L"__properties_version1.0", entries.Written());
+    return entries;
+}
 
+ComPtr<IStorage> CreateContactFile(const std::filesystem::path& path) {
+    ComPtr<IStorage> storage;
+    Require(StgCreateDocfile(path.c_str(), kAccess, 0, storage.GetAddressOf()));
+    return storage;
+}
+
+void Finish(IStorage* storage, const ByteWriter& entries) {
+    WriteStream(storage, L"__properties_version1.0", entries.Written());
     // Every message has the table of named properties, even if it names none.
     ComPtr<IStorage> names;
     Require(storage->CreateStorage(L"__nameid_version1.0", kAccess, 0, 0, names.GetAddressOf()));
@@ -67,4 +80,26 @@ void WriteContactFile(const std::filesystem::path& path, const std::wstring& sur
     }
     Require(names->Commit(STGC_DEFAULT));
     Require(storage->Commit(STGC_DEFAULT));
+}
+
+}  // namespace
+
+void WriteContactFile(const std::filesystem::path& path, const std::wstring& surname,
+                      const std::wstring& body) {
+    const ComPtr<IStorage> storage = CreateContactFile(path);
+    ByteWriter entries = BeginEntries();
+    AddText(storage.Get(), entries, kMessageClass, L"IPM.Contact");
+    AddText(storage.Get(), entries, kSurname, surname);
+    AddText(storage.Get(), entries, kBody, body);
+    Finish(storage.Get(), entries);
+}
+
+void WriteNarrowContactFile(const std::filesystem::path& path, const std::string& surname,
+                            std::uint32_t codePage) {
+    const ComPtr<IStorage> storage = CreateContactFile(path);
+    ByteWriter entries = BeginEntries();
+    AddNarrowText(storage.Get(), entries, kNarrowMessageClass, "IPM.Contact");
+    AddNarrowText(storage.Get(), entries, kNarrowSurname, surname);
+    entries.U32(kCodePage).U32(kPropertyFlags).U32(codePage).U32(0);
+    Finish(storage.Get(), entries);
 }

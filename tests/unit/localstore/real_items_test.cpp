@@ -12,9 +12,16 @@ using localstore::FileEntry;
 using localstore::MessageContent;
 using localstore::StorageTree;
 
+/// The variable holds a path of the machine that the tests are started on, which Wine has on its drive Z.
 std::wstring ItemsFolder() {
     wchar_t path[MAX_PATH] = {};
-    return GetEnvironmentVariableW(L"ZEB_REAL_ITEMS", path, MAX_PATH) == 0 ? L"" : path;
+    if (GetEnvironmentVariableW(L"ZEB_REAL_ITEMS", path, MAX_PATH) == 0) {
+        return {};
+    }
+    const std::wstring given = path[0] == L'/' ? std::wstring(L"Z:") + path : std::wstring(path);
+    wchar_t full[MAX_PATH] = {};
+    GetFullPathNameW(given.c_str(), MAX_PATH, full, nullptr);
+    return full;
 }
 
 std::optional<StorageTree> ReadTree(const std::wstring& path) {
