@@ -61,9 +61,10 @@ inline BlobBytes DateBytes(const NAMESPACE_MAPI::tagRecurrenceException& excepti
         .U32(exception.OriginalStartDate);
 }
 
-/// An 8-bit text, of which only the length matters here. It goes in with and without its terminator.
+/// An 8-bit text, of which only the length matters here. It goes in with and without its terminator; one for
+/// which the first has no room is left out.
 inline BlobBytes NarrowTextBytes(const CString& text) {
-    const auto length = static_cast<std::uint16_t>(text.size());
+    const auto length = static_cast<std::uint16_t>(text.size() < 0xFFFF ? text.size() : 0);
     return BlobBytes().U16(static_cast<std::uint16_t>(length + 1)).U16(length).Fill(length, '?');
 }
 
