@@ -146,7 +146,6 @@ class CMAPIObject {
     bool ReadChosenContacts(const CString& lParam1);
     bool ReadAllContacts(const FolderIdentity& identity);
     bool ReadChangedContacts(const FolderIdentity& identity, const CString& mapFile);
-    bool SendContactsOfLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
     void SendContactRow(IMAPIFolder* chosen, const SRow& row, const CString& path);
     void WriteOneContact(CContactEx* contact) const;
 };
