@@ -26,8 +26,8 @@ class BlobBytes {
         }
         return *this;
     }
-    BlobBytes& Fill(std::size_t count, std::uint8_t byte) {
-        m_bytes.insert(m_bytes.end(), count, byte);
+    BlobBytes& Fill(std::size_t count, std::uint8_t filling) {
+        m_bytes.insert(m_bytes.end(), count, filling);
         return *this;
     }
     BlobBytes& Add(const BlobBytes& other) {

@@ -55,11 +55,11 @@ TEST(DamagedRecurrence, EveryPrefixKeepsWhatLiesInFrontOfTheCut) {
 // field.
 
 TEST(DamagedRecurrence, EveryPrefixGivesTheSameAnswerInEveryBuild) {
-    EXPECT_EQ(DigestOfAllPrefixes(RecurrenceBytes(WithExceptions()).Bytes()), 0x237BEBDCB0391BAEU);
+    EXPECT_EQ(DigestOfAllPrefixes(RecurrenceBytes(WithExceptions()).Bytes()), 0xC8A7FBE6B905113U);
 }
 
 TEST(DamagedRecurrence, EveryValueOfEveryByteGivesTheSameAnswerInEveryBuild) {
-    EXPECT_EQ(DigestOfAllChanges(RecurrenceBytes(WithExceptions()).Bytes()), 0xC1C77D55804A4483U);
+    EXPECT_EQ(DigestOfAllChanges(RecurrenceBytes(WithExceptions()).Bytes()), 0x48A42D753ED97787U);
 }
 
 }  // namespace

@@ -12,9 +12,9 @@ namespace sample_series {
 using NAMESPACE_MAPI::tagRecurrenceException;
 using NAMESPACE_MAPI::tagRecurrencePattern;
 
-/// Days as minutes since 1601-01-01: 2011-03-07 is the day 149,816.
+/// Days as minutes since 1601-01-01: 2011-03-07 is the day 149,814.
 constexpr std::uint32_t kDay = 1440;
-constexpr std::uint32_t kFirstMonday = 149'816 * kDay;
+constexpr std::uint32_t kFirstMonday = 149'814 * kDay;
 
 inline void SetDeleted(tagRecurrencePattern& pattern, const std::vector<std::uint32_t>& dates) {
     pattern.DeletedInstanceCount = static_cast<std::uint32_t>(dates.size());
