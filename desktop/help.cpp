@@ -1,7 +1,8 @@
 #include "desktop/help.h"
 
 const WideView kHelpText =
-    LR"(zebdesk reads the address book of the mail system through its 64-bit agent.
+    LR"(zebdesk reads the address book and the calendar of the mail system through its
+64-bit agent.
 
 USAGE
   zebdesk COMMAND [OPTION...]
@@ -12,10 +13,11 @@ COMMANDS
   profiles           Prints the mail profiles; nobody has to log on for that.
   folders            Prints the stores and folders of a profile as a tree, and
                      the identifiers of the folders.
-  count [contacts]   Prints how many items a read would deliver.
-  read contacts      Reads all contacts: as a table on standard output, or as
-                     --out, --xml or --tabs say. With --changed: only those
-                     that are new, changed or deleted.
+  count [KIND]       Prints how many items a read would deliver. KIND is
+                     contacts, as without it, or calendars.
+  read KIND          Reads all contacts, or all calendar items: as a table on
+                     standard output, or as --out, --xml or --tabs say. With
+                     --changed: only those that are new, changed or deleted.
   shutdown           Ends the agent, and comes back when it has ended.
   help               Prints this text.
 
@@ -38,7 +40,7 @@ OPTIONS
                      cells, nothing cut.
   --changed MAP      Reads what changed since MAP was written, with --out or
                      --xml. MAP is made by the first such read, which brings
-                     everything, and belongs to one profile and folder.
+                     everything, and belongs to one profile, kind and folder.
   --accept-deletions
                      Believes deletions however many they are.
   -q, --quiet        No progress bar and no summary; errors are still printed.
@@ -105,4 +107,5 @@ EXAMPLES
   zebdesk read contacts --out contacts
   zebdesk read contacts --profile "Second home" --tabs > contacts.tsv
   zebdesk read contacts --changed contacts.map --out contacts
+  zebdesk read calendars
 )";

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "desktop/calendar_row.h"
 #include "desktop/contact_row.h"
 
 extern "C" {
@@ -16,8 +17,10 @@ extern "C" {
 namespace {
 
 constexpr ItemKind kKinds[] = {
-    {L"contacts", L"contact", L"Contact", GetContactCount, SetContactFolder, ReadContacts, ContactHeadings,
-     ContactRow},
+    {L"contacts", L"contact", L"Contact", L"<id>", L"</id>", GetContactCount, SetContactFolder, ReadContacts,
+     ContactHeadings, ContactRow},
+    {L"calendars", L"calendar", L"Calendar", L"<id><event>", L"</event></id>", GetCalendarCount,
+     SetCalendarFolder, ReadCalendars, CalendarHeadings, CalendarRow},
 };
 
 }  // namespace

@@ -11,6 +11,9 @@ struct ItemKind {
     const wchar_t* fileWord;
     /// The root element of its documents.
     const wchar_t* root;
+    /// What stands around the identifier of a folder in a selection of one.
+    const wchar_t* selectionHead;
+    const wchar_t* selectionTail;
     /// The remote procedures.
     void (*count)(long* count, long* status);
     void (*choose)(wchar_t* selection, long* status);
