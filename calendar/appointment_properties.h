@@ -21,7 +21,7 @@ int GetNamedBoolProperty(IMessage* message, ULONG propertySet, LONG id, std::int
 int GetNamedLongProperty(IMessage* message, ULONG propertySet, LONG id, std::int32_t& value);
 
 /// Reads bytes into a new array, or a null one if there are none or there is no memory for them; the count
-/// tells how many the store has. Always asks in PSETID_Appointment, whatever set is given. Returns 1, or 0
-/// with no bytes.
+/// tells how many the store has. What the store refuses as too large for a value comes through a stream.
+/// Always asks in PSETID_Appointment, whatever set is given. Returns 1, or 0 with no bytes.
 int GetNamedBinaryProperty(IMessage* message, ULONG propertySet, LONG id, std::uint32_t& count,
                            std::unique_ptr<std::uint8_t[]>& bytes);

@@ -104,6 +104,24 @@ TEST_F(AppointmentProperties, WithoutBytesAreReadWithoutAnArray) {
     EXPECT_FALSE(bytes);
 }
 
+TEST_F(AppointmentProperties, TooLargeForAValueComeThroughAStream) {
+    std::vector<BYTE> large(200'000);
+    for (std::size_t i = 0; i < large.size(); ++i) {
+        large[i] = static_cast<BYTE>(i * 7 >> 3);
+    }
+    Message().Binary(lid::kRecur, large);
+    std::uint32_t count = 0;
+    std::unique_ptr<std::uint8_t[]> bytes;
+    EXPECT_EQ(GetNamedBinaryProperty(m_message.Get(), PSETID_Appointment, lid::kRecur, count, bytes), 1);
+    ASSERT_EQ(count, large.size());
+    EXPECT_TRUE(std::equal(large.begin(), large.end(), bytes.get()));
+
+    recorder::FailMethod("IMessage::OpenProperty", {}, E_FAIL);
+    EXPECT_EQ(GetNamedBinaryProperty(m_message.Get(), PSETID_Appointment, lid::kRecur, count, bytes), 0);
+    EXPECT_EQ(count, 0U);
+    EXPECT_FALSE(bytes);
+}
+
 TEST_F(AppointmentProperties, OfAnotherTypeAreTakenAsTheNumberTheyBegin) {
     Message().Number(lid::kSubType, 0x10002).Boolean(lid::kRecurrenceType, true);
     std::int32_t number = 0;
