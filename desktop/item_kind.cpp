@@ -17,10 +17,10 @@ extern "C" {
 namespace {
 
 constexpr ItemKind kKinds[] = {
-    {L"contacts", L"contact", L"Contact", L"<id>", L"</id>", GetContactCount, SetContactFolder, ReadContacts,
-     ContactHeadings, ContactRow},
-    {L"calendars", L"calendar", L"Calendar", L"<id><event>", L"</event></id>", GetCalendarCount,
-     SetCalendarFolder, ReadCalendars, CalendarHeadings, CalendarRow},
+    {L"contacts", L"contact", L"Contact", L"<id>", L"</id>", "[contact pim]", GetContactCount,
+     SetContactFolder, ReadContacts, ContactHeadings, ContactRow},
+    {L"calendars", L"calendar", L"Calendar", L"<id><event>", L"</event></id>", "[calendar pim]",
+     GetCalendarCount, SetCalendarFolder, ReadCalendars, CalendarHeadings, CalendarRow},
 };
 
 }  // namespace

@@ -14,6 +14,8 @@ struct ItemKind {
     /// What stands around the identifier of a folder in a selection of one.
     const wchar_t* selectionHead;
     const wchar_t* selectionTail;
+    /// The line that stands in front of its items in a map.
+    const char* mapSection;
     /// The remote procedures.
     void (*count)(long* count, long* status);
     void (*choose)(wchar_t* selection, long* status);

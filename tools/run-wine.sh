@@ -13,4 +13,9 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 # mapi32=n: the MAPI32.dll beside the program and not the one that Wine brings along.
 # winedbg.exe=d: an unhandled exception ends the process at once, without a debugger.
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mapi32=n;winedbg.exe=d;mscoree=;mshtml=}"
-exec "${ZEB_WINE_LOADER:-/usr/lib/wine/wine64}" "$@"
+# Debian's Wine has no preloader, and its loader lies just below the gigabyte in which the kernel places the heap at random:
+# of some thousand programs one found its heap where Windows has a page of its own, and ended with 1 and without a word. Without
+# randomisation the heap stays below. Where a sandbox forbids that, programs run all the same.
+without_randomisation=(setarch "$(uname -m)" -R)
+"${without_randomisation[@]}" true 2>/dev/null || without_randomisation=()
+exec "${without_randomisation[@]}" "${ZEB_WINE_LOADER:-/usr/lib/wine/wine64}" "$@"
