@@ -39,3 +39,8 @@ void SendBackOneContact(const CString& xml) {
     auto* const text = const_cast<wchar_t*>(xml.c_str());
     GuardedRpc([text] { MAPISendBackOneContact(text); });
 }
+
+void SendBackOneCalendar(const CString& xml) {
+    auto* const text = const_cast<wchar_t*>(xml.c_str());
+    GuardedRpc([text] { MAPISendBackOneCalenda(text); });
+}

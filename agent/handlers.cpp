@@ -77,6 +77,11 @@ void GetContactCount(long* count, long* status) {
     *status = kStatusSuccess;
 }
 
+void GetCalendarCount(long* count, long* status) {
+    *count = g_MAPIObject.GetCalendarCount();
+    *status = kStatusSuccess;
+}
+
 void GetContactFolder(wchar_t* /*folder*/, long* status) {
     Log(kLogTrace, L"CMAPIObject::GetContactFolder - Begin\r\n");
     Log(kLogTrace, L"CMAPIObject::GetContactFolder - Finish\r\n");
@@ -95,6 +100,10 @@ void ReadContacts(wchar_t* /*ignored*/, wchar_t* lParam1, long* status) {
     *status = g_MAPIObject.ReadContacts(lParam1);
 }
 
+void ReadCalendars(wchar_t* /*ignored*/, wchar_t* lParam1, long* status) {
+    *status = g_MAPIObject.ReadCalendars(lParam1);
+}
+
 void WriteContacts(wchar_t* xml, wchar_t* id, wchar_t* time, long* status) {
     ReturnNothing(id, time, status);
     try {
@@ -110,17 +119,8 @@ void WriteContacts(wchar_t* xml, wchar_t* id, wchar_t* time, long* status) {
     }
 }
 
-// Procedures that are not served: each fails, with outputs that carry nothing.
+// Not served: it fails, with outputs that carry nothing.
 
 void WriteCalendars(wchar_t* /*xml*/, wchar_t* id, wchar_t* time, long* status) {
     ReturnNothing(id, time, status);
-}
-
-void ReadCalendars(wchar_t* /*ignored*/, wchar_t* /*lParam1*/, long* status) {
-    *status = kStatusFailure;
-}
-
-void GetCalendarCount(long* count, long* status) {
-    *count = 0;
-    *status = kStatusFailure;
 }

@@ -1,43 +1,27 @@
 #include "changelog/folder_log.h"
+#include "changelog/marked_items.h"
 #include "contacts/contact_sending.h"
 #include "contacts/contact_xml_output.h"
 #include "mapi/mapi_object.h"
-#include "mapi/operation_log.h"
-#include "mapi/store_entries.h"
-#include "support/errors.h"
-#include "support/log.h"
 #include "timezone/conversions.h"
 
 namespace NAMESPACE_MAPI {
 
 namespace {
 
-constexpr std::int32_t kSentInFull = kItemNew | kItemChanged;
+constexpr const wchar_t* kOperation = L"ReadContactFromLog";
 
 /// Deletions name no time before this year.
 constexpr int kFirstYear = 1901;
 
-MapiBuffer<SPropValue> ReadContactValues(IMessage* message, ULONG& count) {
-    MapiBuffer<SPropValue> values;
-    // Absent properties make the result a warning; the values are there all the same.
-    message->GetProps(const_cast<LPSPropTagArray>(kContactColumns), MAPI_UNICODE, &count, values.Put());
-    if (!values) {
-        Log(kLogFailure, L"CMAPIObject::ReadContactFromLog - NULL lpPropValues\r\n");
-        AfxThrowUserException();
-    }
-    return values;
-}
-
 /// Sends a contact that is new or changed; one that is gone meanwhile is passed over.
 void SendChangedContact(IMAPIFolder* chosen, const tagLogItem& item, const CString& path) {
-    Log(kLogTrace, L"CMAPIObject::ReadContactFromLog - %s(%s)\r\n",
-        (item.m_lLogFlag & kItemNew) != 0 ? L"New" : L"Update", item.m_strId.c_str());
-    const ComPtr<IMessage> message = OpenMessageByHexId(chosen, item.m_strId);
+    const ComPtr<IMessage> message = OpenMarkedItem(kOperation, chosen, item);
     if (!message) {
         return;
     }
     ULONG count = 0;
-    const MapiBuffer<SPropValue> values = ReadContactValues(message.Get(), count);
+    const MapiBuffer<SPropValue> values = ReadColumns(kOperation, message.Get(), kContactColumns, count);
     CXMLParser document;
     BeginContactDocument(document);
     AppendElement(document, L"CsFolder", path);
@@ -54,14 +38,14 @@ void SendChangedContact(IMAPIFolder* chosen, const tagLogItem& item, const CStri
 
 /// Sends a deletion, for which the list is all there is.
 void SendDeletedContact(const tagLogItem& item) {
-    Log(kLogTrace, L"CMAPIObject::ReadContactFromLog - Delete(%s)\r\n", item.m_strId.c_str());
+    LogDeletion(kOperation, item);
     CXMLParser document;
     BeginContactDocument(document);
     AppendElement(document, L"lFlag", CString::FromNumber(item.m_lLogFlag));
     AppendElement(document, L"PIMID", item.m_strId);
     if (SplitDate(item.m_dtModified).year >= kFirstYear) {
         // The capital letter is particular to deletions.
-        AppendElement(document, L"LastModifiedTime", item.m_dtModified.Format(L"%m/%d/%Y %H:%M:%S"));
+        AppendElement(document, L"LastModifiedTime", DateAndTimeText(item.m_dtModified));
     }
     SendContact(document.GetDocumentText());
 }
@@ -76,33 +60,11 @@ int CMAPIObject::ReadContactLogFromFolder(const SBinary& entryId,
 }
 
 int CMAPIObject::ReadContactFromLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path) {
-    Log(kLogTrace, L"CMAPIObject::ReadContactFromLog - Begin\r\n");
-    bool succeeded = false;
-    try {
-        succeeded = SendContactsOfLog(items, path);
-    } catch (const NoDocument&) {
-        return 0;
-    } catch (...) {
-        succeeded = false;
-    }
-    LogFinish(L"ReadContactFromLog", succeeded);
-    return succeeded ? 1 : 0;
-}
-
-bool CMAPIObject::SendContactsOfLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path) {
     const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
-    m_nItemTotal = static_cast<int>(items.GetSize());
-    for (const tagLogItem& item : items) {
-        if (m_bStop != 0) {
-            return false;
-        }
-        if ((item.m_lLogFlag & kSentInFull) != 0) {
-            SendChangedContact(chosen.Get(), item, path);
-        } else if ((item.m_lLogFlag & kItemDeleted) != 0) {
-            SendDeletedContact(item);
-        }
-    }
-    return true;
+    const MarkedItemRead read{kOperation, &m_bStop, m_nItemTotal,
+                              [&](const tagLogItem& item) { SendChangedContact(chosen.Get(), item, path); },
+                              [](const tagLogItem& item, int /*index*/) { SendDeletedContact(item); }};
+    return SendMarkedItems(read, items);
 }
 
 }  // namespace NAMESPACE_MAPI

@@ -1,7 +1,5 @@
 #include "contacts/contact_record.h"
 
-#include <new>
-
 #include "contacts/contact_fields.h"
 #include "contacts/im_address.h"
 
@@ -20,25 +18,6 @@ void CContactEx::Reset() {
     m_strCsFolder.clear();
     m_dtLastModified = COleDateTime::GetCurrentTime();
     m_dtStamp = COleDateTime::GetCurrentTime();
-}
-
-int CContactEx::AddField(std::int32_t fieldId, const CString& value) {
-    if (value.empty()) {
-        return 0;
-    }
-    CContactInfoEx field;
-    field.m_nFieldId = fieldId;
-    field.m_strValue = value;
-    return AddFieldCopy(field);
-}
-
-int CContactEx::AddFieldCopy(const CContactInfoEx& source) {
-    try {
-        m_arrFields.Add(std::make_unique<CContactInfoEx>(source));
-        return 1;
-    } catch (const std::bad_alloc&) {
-        return 0;
-    }
 }
 
 void tagContactFields::Reset() {

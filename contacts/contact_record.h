@@ -5,10 +5,10 @@
 
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 #include "support/containers.h"
+#include "support/record_entries.h"
 #include "support/text.h"
 #include "timezone/ole_date_time.h"
 
@@ -50,16 +50,16 @@ class CContactEx {
     void Reset();
 
     /// Appends a field. Returns 1, or 0 with nothing added for an empty value.
-    int AddField(std::int32_t fieldId, const CString& value);
+    int AddField(std::int32_t fieldId, const CString& value) { return AddEntry(m_arrFields, fieldId, value); }
 
     /// Appends a deep copy of an entry; ids may repeat. Returns 1, or 0 if there is no memory.
-    int AddFieldCopy(const CContactInfoEx& source);
+    int AddFieldCopy(const CContactInfoEx& source) { return AddEntryCopy(m_arrFields, source); }
 
     std::int32_t m_nTypeCode = 100;
     std::int32_t m_lFlag = 0;  ///< 8 add, 4 update, 32 delete
     std::array<std::int32_t, 3> m_arrReserved1{-1, -1, -1};
     std::array<std::int32_t, 2> m_arrReserved2{};
-    CArray<std::unique_ptr<CContactInfoEx>> m_arrFields;  ///< in order of insertion
+    RecordEntries<CContactInfoEx> m_arrFields;  ///< in order of insertion
     std::vector<std::uint8_t> m_arrReserved3;
     std::int32_t m_nReserved4 = 0;
     CString m_strPIMID;     ///< entry identifier as hexadecimal text

@@ -4,15 +4,13 @@
 // leaves.
 
 #include "mapi/folder_walk.h"
-#include "support/xml_parser.h"
+#include "mapi/item_document.h"
 
 /// Contacts, as the walks through folders look for them.
 extern const ItemKind kContactItems;
 
-/// Starts an empty document with its declaration and its root. Without the XML service it logs and raises
-/// NoDocument.
+/// Starts the document of a contact.
 void BeginContactDocument(CXMLParser& document);
 
-/// Sends the text of one contact. One that cannot be delivered is logged and does not end the read: the next
-/// one may be.
+/// Sends the text of one contact.
 void SendContact(const CString& xml);

@@ -59,10 +59,6 @@ COleDateTime LocalTimeOf(const FILETIME& utc) {
     return local;
 }
 
-CString DateAndTimeText(const FILETIME& utc) {
-    return LocalTimeOf(utc).Format(L"%m/%d/%Y %H:%M:%S");
-}
-
 CString DateText(const COleDateTime& date) {
     return date.Format(L"%Y-%m-%d");
 }
@@ -140,10 +136,6 @@ void AppendMessage(CXMLParser& document, IMessage* message) {
 }  // namespace
 
 const SPropTagArray* const kContactColumns = reinterpret_cast<const SPropTagArray*>(&kColumns);
-
-void AppendElement(CXMLParser& document, const wchar_t* name, const CString& text) {
-    document.CreateChildElement(name, text.c_str(), nullptr, true, kElementDepth);
-}
 
 void AppendContactRowToXml(CXMLParser& document, CString& id, const SPropValue* values, ULONG count,
                            CString* text) {

@@ -3,15 +3,12 @@
 // One contact of the store as one XML document, the form in which it leaves the agent. Nothing here logs, and
 // a property that fails leaves out what it would have given.
 
+#include "mapi/item_document.h"
 #include "support/owners.h"
 #include "support/text.h"
-#include "support/xml_parser.h"
 
 /// The properties that a row of a contact folder is read with, in order.
 extern const SPropTagArray* const kContactColumns;
-
-/// Appends one element with a text below the root, on a line of its own.
-void AppendElement(CXMLParser& document, const wchar_t* name, const CString& text);
 
 /// Appends the row part: an element for each property that the row has. `id` receives the identifier as
 /// hexadecimal text, the long-term one if the row brings it. `text`, unless null, receives the document as it

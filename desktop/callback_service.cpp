@@ -23,6 +23,14 @@ void SetReceiver(ItemReceiver* receiver) {
     g_receiver = receiver;
 }
 
+/// One read runs at a time, of one kind, so both kinds go to the one receiver.
+void Receive(const wchar_t* xml) {
+    const std::lock_guard lock(g_receiverMutex);
+    if (g_receiver != nullptr) {
+        g_receiver->Receive(xml);
+    }
+}
+
 void RequireOk(RPC_STATUS status) {
     if (status != RPC_S_OK) {
         throw Failure(
@@ -41,14 +49,11 @@ void MAPIServerShutdown() {
 }
 
 void MAPISendBackOneContact(wchar_t* xml) {
-    const std::lock_guard lock(g_receiverMutex);
-    if (g_receiver != nullptr) {
-        g_receiver->Receive(xml);
-    }
+    Receive(xml);
 }
 
-void MAPISendBackOneCalenda(wchar_t* /*xml*/) {
-    // No command asks for calendar items.
+void MAPISendBackOneCalenda(wchar_t* xml) {
+    Receive(xml);
 }
 
 CallbackService::CallbackService() {

@@ -1,8 +1,8 @@
 #include "desktop/help.h"
 
 const WideView kHelpText =
-    LR"(zebdesk reads and writes the address book of the mail system through its 64-bit
-agent.
+    LR"(zebdesk reads and writes the address book of the mail system, and reads its
+calendar, through its 64-bit agent.
 
 USAGE
   zebdesk COMMAND [OPTION...]
@@ -13,10 +13,11 @@ COMMANDS
   profiles           Prints the mail profiles; nobody has to log on for that.
   folders            Prints the stores and folders of a profile as a tree, and
                      the identifiers of the folders.
-  count [contacts]   Prints how many items a read would deliver.
-  read contacts      Reads all contacts: as a table on standard output, or as
-                     --out, --xml or --tabs say. With --changed: only those
-                     that are new, changed or deleted.
+  count [KIND]       Prints how many items a read would deliver. KIND is
+                     contacts, as without it, or calendars.
+  read KIND          Reads all contacts, or all calendar items: as a table on
+                     standard output, or as --out, --xml or --tabs say. With
+                     --changed: only those that are new, changed or deleted.
   convert FILE...    Makes of documents that were read ones that can be written,
                      on standard output or with --out as files.
   write contacts FILE...
@@ -46,7 +47,7 @@ OPTIONS
                      cells, nothing cut.
   --changed MAP      Reads what changed since MAP was written, with --out or
                      --xml. MAP is made by the first such read, which brings
-                     everything, and belongs to one profile and folder.
+                     everything, and belongs to one profile, kind and folder.
   --accept-deletions
                      Believes deletions however many they are.
   --new              Converts into new contacts and not into changes of the
@@ -138,4 +139,5 @@ EXAMPLES
   zebdesk read contacts --changed contacts.map --out contacts
   zebdesk convert contacts\contact-4d27e1c2417f2373.xml > edited.xml
   zebdesk write contacts edited.xml
+  zebdesk read calendars
 )";

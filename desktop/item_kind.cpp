@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "desktop/calendar_row.h"
 #include "desktop/contact_row.h"
 
 extern "C" {
@@ -16,8 +17,10 @@ extern "C" {
 namespace {
 
 constexpr ItemKind kKinds[] = {
-    {L"contacts", L"contact", L"Contact", "[contact pim]", GetContactCount, SetContactFolder, ReadContacts,
-     WriteContacts, ContactHeadings, ContactRow},
+    {L"contacts", L"contact", L"Contact", L"<id>", L"</id>", "[contact pim]", GetContactCount,
+     SetContactFolder, ReadContacts, WriteContacts, ContactHeadings, ContactRow},
+    {L"calendars", L"calendar", L"Calendar", L"<id><event>", L"</event></id>", "[calendar pim]",
+     GetCalendarCount, SetCalendarFolder, ReadCalendars, nullptr, CalendarHeadings, CalendarRow},
 };
 
 }  // namespace

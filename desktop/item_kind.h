@@ -11,13 +11,17 @@ struct ItemKind {
     const wchar_t* fileWord;
     /// The root element of its documents.
     const wchar_t* root;
+    /// What stands around the identifier of a folder in a selection of one.
+    const wchar_t* selectionHead;
+    const wchar_t* selectionTail;
     /// The line that stands in front of its items in a map.
     const char* mapSection;
     /// The remote procedures.
     void (*count)(long* count, long* status);
     void (*choose)(wchar_t* selection, long* status);
     void (*read)(wchar_t* ignored, wchar_t* mapFile, long* status);
-    void (*write)(wchar_t* document, wchar_t* id, wchar_t* time, long* status);
+    void (*write)(wchar_t* document, wchar_t* id, wchar_t* time,
+                  long* status);  ///< null if it cannot be written
     /// The headings of its table, and a document's row in it.
     TextTable::Row (*headings)();
     TextTable::Row (*row)(ItemDocument& document);

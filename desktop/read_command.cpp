@@ -45,7 +45,7 @@ void ChooseFolder(const AgentConnection& agent, const ItemKind& kind, const Argu
     if (!arguments.Has(kOptionFolder)) {
         return;
     }
-    CString selection = L"<id>" + arguments.folder + L"</id>";
+    CString selection = kind.selectionHead + arguments.folder + kind.selectionTail;
     long status = 1;
     agent.Call([&] { kind.choose(selection.data(), &status); });
     if (status != 0) {

@@ -2,6 +2,7 @@
 
 #include <mapitags.h>
 
+#include "mapi/item_document.h"
 #include "mapi/operation_log.h"
 #include "support/errors.h"
 #include "support/log.h"

@@ -58,6 +58,3 @@ struct FolderRead {
 /// Takes all items, depth first in table order. Returns 1, or 0 if a folder could not be read or the read was
 /// stopped.
 int ReadFolderItems(const FolderRead& read, IMAPIFolder* chosen, const SBinary& entryId, const CString& path);
-
-/// Raised when no XML document can be made: it ends a read at once, without the operation's last line.
-struct NoDocument {};

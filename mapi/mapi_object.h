@@ -116,6 +116,32 @@ class CMAPIObject {
     /// Writes what is made of the parts of the name. Returns 1, or 0 after an exception.
     static int UpdateContactDisplayName(IMessage* message, const tagContactFields& fields);
 
+    // calendar/calendar_reading.cpp.
+
+    /// The number of appointments that a full read sends; 0 without a calendar folder.
+    long GetCalendarCount();
+    /// The same, without the lines of the remote procedure.
+    long GetCalendarEventCount();
+    /// Counts the appointments of a folder and, by setting, of its sub-folders. Failures count as 0.
+    ULONG GetCalendarEventCountFromFolder(const SBinary& entryId);
+    /// Sends all appointments of the chosen folder or, for the path of a map file, what changed in it since
+    /// the map was written. Returns 0 for success and 1 for failure.
+    int ReadCalendars(const wchar_t* lParam1);
+    /// The read itself, behind the count. Returns 1 for success and 0 for failure.
+    int ReadCalendarEvent(const CString& lParam1);
+    /// Sends the appointments of a folder, then those of its sub-folders. `path` names the folder in the
+    /// documents. Returns 1 if all was walked to the end, otherwise 0.
+    int ReadCalendarEventFromFolder(const SBinary& entryId, const CString& path);
+
+    // calendar/calendar_changes.cpp.
+
+    /// Appends what a calendar folder and, by setting, its sub-folders hold now. Returns 1, or 0 for a list
+    /// that is not complete.
+    int ReadCalendarEventLogFromFolder(const SBinary& entryId, CArray<tagLogItem, const tagLogItem&>& items);
+    /// Sends the marked items, to the end even when stopped: new and changed ones in full, deleted ones as
+    /// what the list knows of them. Returns 1, or 0 after an exception.
+    int ReadCalendarEventFromLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
+
     HWND m_hNotifyWnd = nullptr;  ///< progress messages go here; never set to a window
     // An operation works on references of its own, so that what another call puts here meanwhile does not
     // release what it uses.
@@ -149,8 +175,13 @@ class CMAPIObject {
     bool ReadChosenContacts(const CString& lParam1);
     bool ReadAllContacts(const FolderIdentity& identity);
     bool ReadChangedContacts(const FolderIdentity& identity, const CString& mapFile);
-    bool SendContactsOfLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
     void SendContactRow(IMAPIFolder* chosen, const SRow& row, const CString& path);
+    bool CountAndReadCalendars(const CString& lParam1);
+    void ReportCalendarRead(bool succeeded) const;
+    bool ReadChosenCalendar(const CString& lParam1);
+    bool ReadAllCalendars(const FolderIdentity& identity);
+    bool ReadChangedCalendars(const FolderIdentity& identity, const CString& mapFile);
+    void SendCalendarRow(IMAPIFolder* chosen, const SRow& row, const CString& path);
     void WriteOneContact(CContactEx* contact) const;
 };
 

@@ -8,3 +8,6 @@
 /// Sends one contact as an XML text and waits until the desktop program has taken it. Raises an exception if
 /// the call fails.
 void SendBackOneContact(const CString& xml);
+
+/// The same for one appointment.
+void SendBackOneCalendar(const CString& xml);

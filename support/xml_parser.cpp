@@ -231,6 +231,12 @@ CString CXMLParser::GetNodeText(IXMLDOMNode* node) {
     return TakeText(text);
 }
 
+// Likewise.
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
+bool CXMLParser::SetNodeText(const wchar_t* text, IXMLDOMNode* node) {
+    return node != nullptr && node->put_text(MakeContentBstr(text).Get()) == S_OK;
+}
+
 CString CXMLParser::GetDocumentText() {
     Bstr text;
     if (!m_pXMLDoc || FAILED(m_pXMLDoc->get_xml(text.Put()))) {

@@ -76,6 +76,9 @@ class CXMLParser {
     /// The text of a node and its descendants, trimmed as MSXML does by default; empty for null.
     CString GetNodeText(IXMLDOMNode* node);
 
+    /// Replaces the text of a node; false for null and on failure.
+    bool SetNodeText(const wchar_t* text, IXMLDOMNode* node);
+
     /// The text of the whole document; empty without a document or on failure.
     CString GetDocumentText();
 

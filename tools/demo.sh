@@ -64,7 +64,11 @@ show count --folder "$family"
 say "The agent sends each contact as a document; the desktop program makes a table"
 show read contacts --quiet
 
-say "The same as files, one a contact"
+say "The appointments, with their series in words"
+show count calendars
+show read calendars --quiet
+
+say "The contacts as files, one a contact"
 show read contacts --out documents
 ls "$demo/documents" | head -n 3
 printf '...\n'

@@ -6,6 +6,7 @@
 
 #include "localstore/sample/message_properties.h"
 #include "localstore/sample/sample_error.h"
+#include "localstore/sample/sample_times.h"
 
 namespace sample {
 
@@ -60,29 +61,6 @@ std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator) {
         start = end + 1;
     }
     return parts;
-}
-
-/// Midnight of a date such as "2001-12-31", in no zone.
-FILETIME Midnight(const std::wstring& text) {
-    SYSTEMTIME date{};
-    date.wYear = static_cast<WORD>(std::stoi(text.substr(0, 4)));
-    date.wMonth = static_cast<WORD>(std::stoi(text.substr(5, 2)));
-    date.wDay = static_cast<WORD>(std::stoi(text.substr(8, 2)));
-    FILETIME time{};
-    RequireTrue(SystemTimeToFileTime(&date, &time) != FALSE, L"convert a date");
-    return time;
-}
-
-/// A time of this machine's zone as UTC.
-FILETIME LocalToUtc(const FILETIME& local) {
-    SYSTEMTIME here{};
-    SYSTEMTIME utc{};
-    FILETIME time{};
-    RequireTrue(FileTimeToSystemTime(&local, &here) != FALSE &&
-                    TzSpecificLocalTimeToSystemTime(nullptr, &here, &utc) != FALSE &&
-                    SystemTimeToFileTime(&utc, &time) != FALSE,
-                L"convert a time");
-    return time;
 }
 
 void AppendText(std::vector<BYTE>& bytes, const std::wstring& text) {
@@ -238,7 +216,7 @@ class ItemProperties {
     void AddDate(Field field, ULONG tag, LONG localNumber) {
         const std::wstring text = m_item.Text(field);
         if (!text.empty()) {
-            const FILETIME midnight = Midnight(text);
+            const FILETIME midnight = TimeOf(text);
             m_properties.Time(tag, LocalToUtc(midnight));
             m_properties.Time(Named(localNumber, PT_SYSTIME), midnight);
         }

@@ -1,6 +1,6 @@
-// zebsample ROOT [COUNT]: makes profiles with stores and contacts below ROOT, which the local store serves
-// from then on, and in the second profile COUNT plain contacts. All messages are written through the MAPI
-// interface, as any program would.
+// zebsample ROOT [COUNT]: makes profiles with stores, contacts and appointments below ROOT, which the local
+// store serves from then on, and in the second profile COUNT plain contacts. All messages are written through
+// the MAPI interface, as any program would.
 
 #include <windows.h>
 
@@ -8,6 +8,7 @@
 #include <cwchar>
 #include <exception>
 
+#include "localstore/sample/appointment_writer.h"
 #include "localstore/sample/contact_writer.h"
 #include "localstore/sample/sample_error.h"
 #include "localstore/sample/sample_session.h"
@@ -31,6 +32,11 @@ unsigned WriteSampleItems() {
     unsigned written = 0;
     for (const sample::SampleItem& item : sample::SampleItems()) {
         sample::WriteItem(OpenFolderOf(session, contacts.Get(), item.folder).Get(), item, tags);
+        ++written;
+    }
+    const ComPtr<IMAPIFolder> calendar = session.OpenCalendar();
+    for (const sample::SampleAppointment& appointment : sample::SampleAppointments()) {
+        sample::WriteAppointment(calendar.Get(), appointment, tags);
         ++written;
     }
     return written;

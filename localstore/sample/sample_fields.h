@@ -84,6 +84,7 @@ const TextField* FindTextField(Field field);
 
 /// Property sets (MS-OXPROPS 1.3.2).
 extern const GUID kAddressSet;
+extern const GUID kAppointmentSet;
 extern const GUID kCommonSet;
 extern const GUID kPublicStringsSet;
 

@@ -8,7 +8,8 @@ namespace sample {
 
 namespace {
 
-constexpr ULONG kContactFolderTag = 0x36D10102;  // PR_IPM_CONTACT_ENTRYID
+constexpr ULONG kContactFolderTag = 0x36D10102;   // PR_IPM_CONTACT_ENTRYID
+constexpr ULONG kCalendarFolderTag = 0x36D00102;  // PR_IPM_APPOINTMENT_ENTRYID
 
 /// The one row in which a property has a value.
 RowSet QueryRow(IMAPITable* table, const SPropTagArray* columns, SPropValue& value, const wchar_t* doing) {
@@ -86,14 +87,22 @@ void SampleSession::OpenDefaultStore() {
 }
 
 ComPtr<IMAPIFolder> SampleSession::OpenContacts() {
+    return OpenDefaultFolder(kContactFolderTag, L"open the contact folder");
+}
+
+ComPtr<IMAPIFolder> SampleSession::OpenCalendar() {
+    return OpenDefaultFolder(kCalendarFolderTag, L"open the calendar folder");
+}
+
+ComPtr<IMAPIFolder> SampleSession::OpenDefaultFolder(ULONG tag, const wchar_t* doing) {
     ULONG cb = 0;
     MapiBuffer<ENTRYID> inboxId;
     Require(m_store->GetReceiveFolder(nullptr, 0, &cb, inboxId.Put(), nullptr), L"find the inbox");
     const SBinary inboxEntry{cb, reinterpret_cast<LPBYTE>(inboxId.Get())};
     const ComPtr<IMAPIFolder> inbox = OpenFolder(m_store.Get(), inboxEntry, L"open the inbox");
-    MapiBuffer<SPropValue> contacts;
-    Require(pfnHrGetOneProp(inbox.Get(), kContactFolderTag, contacts.Put()), L"find the contact folder");
-    return OpenFolder(m_store.Get(), contacts->Value.bin, L"open the contact folder");
+    MapiBuffer<SPropValue> folder;
+    Require(pfnHrGetOneProp(inbox.Get(), tag, folder.Put()), doing);
+    return OpenFolder(m_store.Get(), folder->Value.bin, doing);
 }
 
 ComPtr<IMAPIFolder> SampleSession::OpenSubFolder(IMAPIFolder* parent, const std::wstring& name) {

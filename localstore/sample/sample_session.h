@@ -19,13 +19,15 @@ class SampleSession {
     SampleSession& operator=(const SampleSession&) = delete;
     ~SampleSession();
 
-    /// The store's default contact folder.
+    /// The store's default contact folder and its default calendar folder.
     ComPtr<IMAPIFolder> OpenContacts();
+    ComPtr<IMAPIFolder> OpenCalendar();
     /// The folder of a name in another one.
     ComPtr<IMAPIFolder> OpenSubFolder(IMAPIFolder* parent, const std::wstring& name);
 
   private:
     void OpenDefaultStore();
+    ComPtr<IMAPIFolder> OpenDefaultFolder(ULONG tag, const wchar_t* doing);
 
     ComPtr<IMAPISession> m_session;
     ComPtr<IMsgStore> m_store;

@@ -213,24 +213,28 @@ class Place:
         return self.finish(self.start(TEST_BIN / "interrupt_program.exe", windows_path(self.bin / "zebdesk.exe"),
                                       *arguments))
 
-    def read_with_desktop(self, *options, **more):
-        """Has the desktop program read all contacts. Gives the bytes of the documents by the names of their files."""
+    def read_with_desktop(self, *options, kind="contacts", **more):
+        """Has the desktop program read all items of a kind. Gives the bytes of the documents by the names of their files."""
         self._desktops += 1
         out = self.path / f"read{self._desktops}"
-        status, output, errors = self.run_desktop("read", "contacts", "--out", windows_path(out), *options, **more)
+        status, output, errors = self.run_desktop("read", kind, "--out", windows_path(out), *options, **more)
         if status != 0:
             raise AssertionError(f"the desktop program ended with {status}: {output}{errors}\n{self.log()}")
         return {file.name: file.read_bytes() for file in out.iterdir()}
 
     def make_contacts(self, contacts):
         """Makes contacts through MAPI. Each is a list of lines for make_contacts."""
-        wishes = self.path / "contacts.txt"
-        wishes.write_text("".join("contact\n" + "\n".join(lines) + "\n" for lines in contacts))
+        self.make_items(["contact", *lines] for lines in contacts)
+
+    def make_items(self, items):
+        """Makes items through MAPI. Each is a list of lines for make_contacts, of which the first tells its kind."""
+        wishes = self.path / "items.txt"
+        wishes.write_text("".join("\n".join(lines) + "\n" for lines in items))
         process = self.start(TEST_BIN / "make_contacts.exe", windows_path(self.bin / "MAPI32.dll"),
                              windows_path(wishes))
         status, output, errors = self.finish(process)
         if status != 0:
-            raise AssertionError(f"no contacts were made: {output}{errors}")
+            raise AssertionError(f"no items were made: {output}{errors}")
 
     def multiply_contact(self, text, texts):
         """Makes copies of the one contact that is there, each with another text of the same length in place of `text`."""

@@ -1,11 +1,17 @@
-// Makes contacts in the default contact folder of the default profile, with whatever texts it is given: also
-// such that no user could type. make_contacts MAPI32.DLL LIST, where LIST is a file of lines:
+// Makes contacts and appointments in the default folders of the default profile, with whatever it is given:
+// also what no user could type. make_contacts MAPI32.DLL LIST, where LIST is a file of lines:
 //
 //   contact                        begins a contact; the lines behind it are its properties
+//   appointment                    the same for an appointment
 //   tag 3A11001F TEXT              a property by its tag
 //   named 00062004 8083 TEXT       one by the first 32 bits of its property set and its number
 //   time 3A420040 125911260000000000   a time by its tag
 //   keywords TEXT TEXT ...         the categories
+//   number 00260003 1              a number by its tag
+//   namednumber 00062002 8231 2    one by property set and number, as are the next ones
+//   namedflag 00062002 8223 1      a yes or no
+//   namedtime 00062002 820D 129439548000000000
+//   namedbytes 00062002 8216 HEX   bytes, or "-" for none
 //
 // A TEXT is the hexadecimal form of its UTF-16 units, four digits each, or "-" for an empty one.
 
@@ -53,12 +59,14 @@ class Mail {
                                m_session.GetAddressOf()),
                 "MAPILogonEx");
         OpenStore();
-        OpenContacts();
+        m_contacts = OpenDefaultFolder(kContactFolder);
+        m_calendar = OpenDefaultFolder(kCalendarFolder);
     }
     Mail(const Mail&) = delete;
     Mail& operator=(const Mail&) = delete;
     ~Mail() {
         m_contacts.Reset();
+        m_calendar.Reset();
         m_store.Reset();
         if (m_session) {
             m_session->Logoff(0, 0, 0);
@@ -67,13 +75,22 @@ class Mail {
         pfnMAPIUninitialize();
     }
 
-    [[nodiscard]] ComPtr<IMessage> CreateContact() const {
+    [[nodiscard]] ComPtr<IMessage> CreateContact() const { return Create(m_contacts.Get()); }
+    [[nodiscard]] ComPtr<IMessage> CreateAppointment() const { return Create(m_calendar.Get()); }
+
+  private:
+    static constexpr ULONG kContactFolder = 0x36D10102;   // PR_IPM_CONTACT_ENTRYID
+    static constexpr ULONG kCalendarFolder = 0x36D00102;  // PR_IPM_APPOINTMENT_ENTRYID
+
+    static ComPtr<IMessage> Create(IMAPIFolder* folder) {
         ComPtr<IMessage> message;
-        Require(m_contacts->CreateMessage(nullptr, 0, message.GetAddressOf()), "CreateMessage");
+        if (folder == nullptr) {
+            throw std::runtime_error("the store has no folder for this");
+        }
+        Require(folder->CreateMessage(nullptr, 0, message.GetAddressOf()), "CreateMessage");
         return message;
     }
 
-  private:
     void OpenStore() {
         ComPtr<IMAPITable> table;
         Require(m_session->GetMsgStoresTable(0, table.GetAddressOf()), "GetMsgStoresTable");
@@ -107,26 +124,26 @@ class Mail {
         return ComPtr<Interface>(static_cast<Interface*>(object.Get()));
     }
 
-    /// The folder's identifier stands on the Inbox, or on the root of a store without one.
-    void OpenContacts() {
-        constexpr ULONG kContactFolder = 0x36D10102;  // PR_IPM_CONTACT_ENTRYID
+    /// The folder's identifier stands on the Inbox, or on the root of a store without one. Null if it is on
+    /// neither.
+    [[nodiscard]] ComPtr<IMAPIFolder> OpenDefaultFolder(ULONG tag) const {
         SBinary inbox{};
         const HRESULT found = m_store->GetReceiveFolder(nullptr, 0, &inbox.cb,
                                                         reinterpret_cast<LPENTRYID*>(&inbox.lpb), nullptr);
         const MapiBuffer<BYTE> owner(inbox.lpb);
         MapiBuffer<SPropValue> id;
-        if (found != S_OK ||
-            pfnHrGetOneProp(Open<IMAPIFolder>(inbox).Get(), kContactFolder, id.Put()) != S_OK) {
-            Require(pfnHrGetOneProp(Open<IMAPIFolder>(SBinary{}).Get(), kContactFolder, id.Put()),
-                    "HrGetOneProp");
+        if ((found != S_OK || pfnHrGetOneProp(Open<IMAPIFolder>(inbox).Get(), tag, id.Put()) != S_OK) &&
+            pfnHrGetOneProp(Open<IMAPIFolder>(SBinary{}).Get(), tag, id.Put()) != S_OK) {
+            return nullptr;
         }
-        m_contacts = Open<IMAPIFolder>(id->Value.bin);
+        return Open<IMAPIFolder>(id->Value.bin);
     }
 
     Library m_library;
     ComPtr<IMAPISession> m_session;
     ComPtr<IMsgStore> m_store;
     ComPtr<IMAPIFolder> m_contacts;
+    ComPtr<IMAPIFolder> m_calendar;
 };
 
 void SetOne(IMessage* message, SPropValue& value) {
@@ -163,13 +180,38 @@ GUID PropertySet(ULONG first) {
     return {first, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 }
 
-void SetNamed(IMessage* message, ULONG set, ULONG number, const std::wstring& text) {
+ULONG NumberedTag(IMessage* message, ULONG set, ULONG number) {
     GUID guid = PropertySet(set);
     MAPINAMEID name{};
     name.lpguid = &guid;
     name.ulKind = MNID_ID;
     name.Kind.lID = static_cast<LONG>(number);
-    SetText(message, NamedTag(message, name), text);
+    return NamedTag(message, name);
+}
+
+void SetNumber(IMessage* message, ULONG tag, LONG number) {
+    SPropValue value{};
+    value.ulPropTag = CHANGE_PROP_TYPE(tag, PT_LONG);
+    value.Value.l = number;
+    SetOne(message, value);
+}
+
+void SetFlag(IMessage* message, ULONG tag, bool flag) {
+    SPropValue value{};
+    value.ulPropTag = CHANGE_PROP_TYPE(tag, PT_BOOLEAN);
+    value.Value.b = flag ? TRUE : FALSE;
+    SetOne(message, value);
+}
+
+void SetBytes(IMessage* message, ULONG tag, const std::string& hex) {
+    std::vector<BYTE> bytes;
+    for (std::size_t i = 0; i + 2 <= hex.size(); i += 2) {
+        bytes.push_back(static_cast<BYTE>(std::stoul(hex.substr(i, 2), nullptr, 16)));
+    }
+    SPropValue value{};
+    value.ulPropTag = CHANGE_PROP_TYPE(tag, PT_BINARY);
+    value.Value.bin = {static_cast<ULONG>(bytes.size()), bytes.data()};
+    SetOne(message, value);
 }
 
 void SetKeywords(IMessage* message, std::vector<std::wstring> texts) {
@@ -197,10 +239,21 @@ void SetFromLine(IMessage* message, const std::string& kind, std::istringstream&
     ULONG tagOrSet = 0;
     ULONG number = 0;
     ULONGLONG time = 0;
+    LONG value = 0;
     if (kind == "tag" && words >> std::hex >> tagOrSet >> text) {
         SetText(message, tagOrSet, Text(text));
     } else if (kind == "named" && words >> std::hex >> tagOrSet >> number >> text) {
-        SetNamed(message, tagOrSet, number, Text(text));
+        SetText(message, NumberedTag(message, tagOrSet, number), Text(text));
+    } else if (kind == "number" && words >> std::hex >> tagOrSet >> std::dec >> value) {
+        SetNumber(message, tagOrSet, value);
+    } else if (kind == "namednumber" && words >> std::hex >> tagOrSet >> number >> std::dec >> value) {
+        SetNumber(message, NumberedTag(message, tagOrSet, number), value);
+    } else if (kind == "namedflag" && words >> std::hex >> tagOrSet >> number >> std::dec >> value) {
+        SetFlag(message, NumberedTag(message, tagOrSet, number), value != 0);
+    } else if (kind == "namedtime" && words >> std::hex >> tagOrSet >> number >> std::dec >> time) {
+        SetTime(message, CHANGE_PROP_TYPE(NumberedTag(message, tagOrSet, number), PT_SYSTIME), time);
+    } else if (kind == "namedbytes" && words >> std::hex >> tagOrSet >> number >> text) {
+        SetBytes(message, NumberedTag(message, tagOrSet, number), text);
     } else if (kind == "time" && words >> std::hex >> tagOrSet >> std::dec >> time) {
         SetTime(message, tagOrSet, time);
     } else if (kind == "keywords") {
@@ -214,7 +267,7 @@ void SetFromLine(IMessage* message, const std::string& kind, std::istringstream&
     }
 }
 
-int MakeContacts(const Mail& mail, std::istream& list) {
+int MakeItems(const Mail& mail, std::istream& list) {
     int made = 0;
     ComPtr<IMessage> message;
     const auto save = [&message, &made] {
@@ -231,6 +284,10 @@ int MakeContacts(const Mail& mail, std::istream& list) {
             save();
             message = mail.CreateContact();
             SetText(message.Get(), PR_MESSAGE_CLASS_W, L"IPM.Contact");
+        } else if (kind == "appointment") {
+            save();
+            message = mail.CreateAppointment();
+            SetText(message.Get(), PR_MESSAGE_CLASS_W, L"IPM.Appointment");
         } else if (message) {
             SetFromLine(message.Get(), kind, words);
         }
@@ -252,7 +309,7 @@ int wmain(int count, wchar_t** arguments) {
             throw std::runtime_error("the list cannot be read");
         }
         const Mail mail(arguments[1]);
-        std::cout << MakeContacts(mail, list) << " contacts\n";
+        std::cout << MakeItems(mail, list) << " items\n";
         return 0;
     } catch (const std::exception& failure) {
         std::cerr << "make_contacts: " << failure.what() << '\n';

@@ -1,5 +1,6 @@
 """The sample store that the demo shows, written and read as the demo does it."""
 
+import appointments
 import harness
 from contact_fields import fields, parse
 from list_case import ListCase
@@ -31,13 +32,29 @@ IM_ADDRESSES = {
 NEIGHBOURS = ["Custom", "Another", "Form<", "choir", "letter", "Filed", "Called", "Yesterday", "Quick"]
 
 
+# The appointments and what makes series of some.
+RECURRENCES = {
+    "Backup tapes": "every day", "Book club": "every month on the second Tue", "Call with the supplier": "",
+    "Chorprobe": "every 2 weeks on Thu until 2026-06-25, 4 deleted, 1 changed", "Dentist": "",
+    "Election": "every 2 years on the first Tue of November", "F\u00EAte nationale": "",
+    "Invoice run": "every 3 months on day 15 until 2027-10-15, 1 deleted",
+    "Leap day party": "every 4 years on day 29 of February until 2040-02-29",
+    "Night shift over the change of clocks": "", "Oma Geburtstag": "every year on day 28 of February",
+    "Rent": "every month on day 31", "Review": "every week on Tue until 2026-06-30, 11 changed",
+    "Stand-up": "every weekday, 2 deleted", "Town hall meeting": "every month on the last Fri until 2026-12-25",
+    "Trade fair <North & South>": "", "Training": "every week on Mon, Wed, Fri",
+    "Water the plants": "every 3 days until 2026-04-29", "\u0645\u0648\u0639\u062F": "",
+    "\u30D7\u30ED\u30B8\u30A7\u30AF\u30C8\u4F1A\u8B70": "",
+    "\u656C\u8001\u306E\u65E5": "every year on the third Mon of September"}
+
+
 class Sample(ListCase):
     def setUp(self):
         super().setUp()
         self.place.root = self.place.path / "sample"
         self.place.settings(XMLPath=self.xml_path, subfolder="true")
         output, _ = self.assert_exit(self.place.start(ZEBSAMPLE, harness.windows_path(self.place.root), PLAIN_CONTACTS))
-        self.assertEqual(output.strip(), f"25 items in profile Sample, {PLAIN_CONTACTS} in profile Second")
+        self.assertEqual(output.strip(), f"46 items in profile Sample, {PLAIN_CONTACTS} in profile Second")
 
     def test_it_has_two_profiles(self):
         table = [line.split() for line in self.desktop("profiles").splitlines()]
@@ -56,6 +73,24 @@ class Sample(ListCase):
         family = self.identifier("Sample mailbox", *FAMILY.split("\\"))
         self.assertEqual(self.desktop("count", "--folder", family), "contacts: 3\n")
         self.assertEqual(self.desktop("count", "--profile", "Second"), f"contacts: {PLAIN_CONTACTS}\n")
+
+    def test_appointments_are_told_in_words(self):
+        self.assertEqual(self.desktop("count", "calendars"), "calendars: 21\n")
+        rows = [row.split("\t") for row in self.desktop("read", "calendars", "--tabs").splitlines()[1:]]
+        self.assertEqual({row[2]: row[4] for row in rows}, RECURRENCES)
+        times = {row[2]: (row[0], row[1]) for row in rows}
+        self.assertEqual(times["Dentist"], ("2026-01-14 08:15", "2026-01-14 09:00"))
+        self.assertEqual(times["Trade fair <North & South>"], ("2026-10-24", "2026-10-27"))
+
+    def test_appointments_are_whole(self):
+        documents = self.place.read_with_desktop(kind="calendars").values()
+        found = {item["Description"]: item for item in (appointments.fields(document.decode()) for document in documents)}
+        self.assertEqual(set(found), set(RECURRENCES))
+        self.assertEqual(found["Stand-up"]["TimeZone"], "GMT:+300;DST:60;STD:0000110102000000;DLT:0000030202000000")
+        self.assertEqual((found["Call with the supplier"]["nRingTone"], found["Dentist"]["nRingTone"]), ("0", "1"))
+        rule = found["Review"]["ExceptionRule"]
+        self.assertEqual((rule.count("<modification "), rule.count("<deletion ")), (11, 0))
+        self.assertEqual(rule.count("<allday>1</allday>"), 1)
 
     def test_contacts_are_read_and_their_neighbours_are_not(self):
         documents = [document.decode() for document in self.place.read_with_desktop().values()]

@@ -170,15 +170,30 @@ TEST_F(Handlers, WhatIsNotServedFailsAndReturnsNothing) {
     EXPECT_EQ(status, 1);
     EXPECT_EQ(CString(id), L"");
     EXPECT_EQ(CString(time), L"");
-    status = 77;
+    EXPECT_TRUE(TakeLog().empty());
+}
+
+TEST_F(Handlers, GetCalendarCountBeforeLogonIsZeroAndSucceeds) {
+    long count = 77;
+    long status = 77;
+    GetCalendarCount(&count, &status);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetCalendarCount - Begin\r\n"},
+                                   {1, L"CMAPIObject::GetCalendarEventCount - Begin\r\n"},
+                                   {1, L"CMAPIObject::GetCalendarEventCount - Finish\r\n"},
+                                   {1, L"CMAPIObject::GetCalendarCount - Finish\r\n"}}));
+}
+
+TEST_F(Handlers, ReadCalendarsBeforeLogonFails) {
+    wchar_t text[] = L"";
+    long status = 77;
     ReadCalendars(text, text, &status);
     EXPECT_EQ(status, 1);
-    long count = 77;
-    status = 77;
-    GetCalendarCount(&count, &status);
-    EXPECT_EQ(status, 1);
-    EXPECT_EQ(count, 0);
-    EXPECT_TRUE(TakeLog().empty());
+    const LogLines log = TakeLog();
+    ASSERT_FALSE(log.empty());
+    EXPECT_EQ(log.front(), (LogLine{1, L"CMAPIObject::ReadCalendars - Begin\r\n"}));
+    EXPECT_EQ(log.back(), (LogLine{1, L"CMAPIObject::ReadCalendars - Finish\r\n"}));
 }
 
 }  // namespace

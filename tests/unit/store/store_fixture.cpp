@@ -21,6 +21,7 @@ namespace recorder = localstore::recorder;
 namespace {
 
 std::vector<CString> g_sent;
+std::vector<CString> g_sentCalendars;
 std::function<void()> g_onSend;
 
 void Require(HRESULT result, const char* what) {
@@ -102,6 +103,17 @@ void SendBackOneContact(const CString& xml) {
     g_sent.push_back(xml);
 }
 
+void SendBackOneCalendar(const CString& xml) {
+    if (g_onSend) {
+        g_onSend();
+    }
+    g_sentCalendars.push_back(xml);
+}
+
+std::vector<CString> TakeSentCalendars() {
+    return std::exchange(g_sentCalendars, {});
+}
+
 std::vector<CString> TakeSent() {
     return std::exchange(g_sent, {});
 }
@@ -130,6 +142,14 @@ PropertyValues& PropertyValues::Boolean(ULONG tag, bool isTrue) {
     SPropValue value{};
     value.ulPropTag = tag;
     value.Value.b = isTrue ? TRUE : FALSE;
+    m_values.push_back(value);
+    return *this;
+}
+
+PropertyValues& PropertyValues::Binary(ULONG tag, const std::vector<BYTE>& bytes) {
+    SPropValue value{};
+    value.ulPropTag = tag;
+    value.Value.bin = {static_cast<ULONG>(bytes.size()), const_cast<BYTE*>(bytes.data())};
     m_values.push_back(value);
     return *this;
 }
@@ -208,6 +228,12 @@ ULONG FolderWriter::AddressTag(IMessage* message, LONG id, ULONG type) {
     return CHANGE_PROP_TYPE(GetNamedPropertyTag(message, PSETID_Address, id), type);
 }
 
+ULONG FolderWriter::AppointmentTag(IMessage* message, LONG id, ULONG type) {
+    // The numbers of the two sets do not overlap (MS-OXPROPS 2).
+    const ULONG set = id < 0x8500 ? PSETID_Appointment : PSETID_Common;
+    return CHANGE_PROP_TYPE(GetNamedPropertyTag(message, set, id), type);
+}
+
 ULONG FolderWriter::KeywordsTag(IMessage* message) {
     return CHANGE_PROP_TYPE(GetNamedPropertyTag(message, PS_PUBLIC_STRINGS_Data1, L"Keywords"),
                             PT_MV_UNICODE);
@@ -255,6 +281,7 @@ void StoreTest::SetUp() {
     g_bSubFolder = false;
     OnSend({});
     TakeSent();
+    TakeSentCalendars();
     TakeLog();
 }
 

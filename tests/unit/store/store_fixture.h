@@ -19,6 +19,7 @@ class PropertyValues {
     PropertyValues& Text(ULONG tag, const wchar_t* text);
     PropertyValues& Number(ULONG tag, LONG number);
     PropertyValues& Boolean(ULONG tag, bool value);
+    PropertyValues& Binary(ULONG tag, const std::vector<BYTE>& bytes);
     PropertyValues& Time(ULONG tag, WORD year, WORD month, WORD day, WORD hour = 0, WORD minute = 0);
     PropertyValues& Texts(ULONG tag, std::vector<const wchar_t*> texts);
 
@@ -46,6 +47,8 @@ class FolderWriter {
     ComPtr<IMessage> NewMessage(const wchar_t* messageClass, const PropertyValues& values = {});
     /// The tag of a property named by number in PSETID_Address, or by text in the public strings.
     static ULONG AddressTag(IMessage* message, LONG id, ULONG type = PT_UNICODE);
+    /// The tag of a property named by number in PSETID_Appointment, or from 0x8500 on in PSETID_Common.
+    static ULONG AppointmentTag(IMessage* message, LONG id, ULONG type);
     static ULONG KeywordsTag(IMessage* message);
     /// Adds an attachment with data and saves it.
     static void AddAttachment(IMessage* message, const std::string& data, bool isPhoto);
@@ -84,8 +87,9 @@ class StoreTest : public ::testing::Test {
     long m_buffersBefore = 0;
 };
 
-/// What the agent sent since the last call, oldest first.
+/// What the agent sent since the last call, oldest first: contacts, and appointments.
 std::vector<CString> TakeSent();
+std::vector<CString> TakeSentCalendars();
 
 /// Makes sending run something first, or fail; reset by the fixture.
 void OnSend(std::function<void()> action);

@@ -1,0 +1,40 @@
+#include "localstore/sample/sample_times.h"
+
+#include "localstore/sample/sample_error.h"
+
+namespace sample {
+
+FILETIME TimeOf(const std::wstring& text) {
+    constexpr std::size_t kDayUnits = 10;
+    SYSTEMTIME date{};
+    date.wYear = static_cast<WORD>(std::stoi(text.substr(0, 4)));
+    date.wMonth = static_cast<WORD>(std::stoi(text.substr(5, 2)));
+    date.wDay = static_cast<WORD>(std::stoi(text.substr(8, 2)));
+    if (text.size() > kDayUnits) {
+        date.wHour = static_cast<WORD>(std::stoi(text.substr(11, 2)));
+        date.wMinute = static_cast<WORD>(std::stoi(text.substr(14, 2)));
+    }
+    FILETIME time{};
+    RequireTrue(SystemTimeToFileTime(&date, &time) != FALSE, L"convert a date");
+    return time;
+}
+
+FILETIME LocalToUtc(const FILETIME& local) {
+    SYSTEMTIME here{};
+    SYSTEMTIME utc{};
+    FILETIME time{};
+    RequireTrue(FileTimeToSystemTime(&local, &here) != FALSE &&
+                    TzSpecificLocalTimeToSystemTime(nullptr, &here, &utc) != FALSE &&
+                    SystemTimeToFileTime(&utc, &time) != FALSE,
+                L"convert a time");
+    return time;
+}
+
+std::uint32_t LocalMinutes(const std::wstring& text) {
+    constexpr std::uint64_t kFileTimesPerMinute = 600'000'000;
+    const FILETIME time = TimeOf(text);
+    const std::uint64_t count = std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+    return static_cast<std::uint32_t>(count / kFileTimesPerMinute);
+}
+
+}  // namespace sample

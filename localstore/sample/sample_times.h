@@ -1,0 +1,19 @@
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+
+namespace sample {
+
+/// A time such as "2001-12-31" or "2001-12-31 09:30", in no zone.
+FILETIME TimeOf(const std::wstring& text);
+
+/// A time of this machine's zone as UTC.
+FILETIME LocalToUtc(const FILETIME& local);
+
+/// Such a time as minutes since 1601, in no zone.
+std::uint32_t LocalMinutes(const std::wstring& text);
+
+}  // namespace sample

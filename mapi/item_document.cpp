@@ -1,0 +1,42 @@
+#include "mapi/item_document.h"
+
+#include "support/log.h"
+#include "timezone/conversions.h"
+
+namespace {
+
+constexpr int kElementDepth = 1;
+
+}  // namespace
+
+void BeginItemDocument(CXMLParser& document, const wchar_t* root) {
+    if (!document.InitDocument()) {
+        Log(kLogFailure, L"Xml to calnedaex - failed\r\n");
+        document.ReleaseDocument();
+        throw NoDocument();
+    }
+    document.CreateHeader();
+    document.CreateRootElement(root);
+}
+
+void AppendElement(CXMLParser& document, const wchar_t* name, const CString& text) {
+    document.CreateChildElement(name, text.c_str(), nullptr, true, kElementDepth);
+}
+
+CString DateAndTimeText(const COleDateTime& local) {
+    return local.Format(L"%m/%d/%Y %H:%M:%S");
+}
+
+CString DateAndTimeText(const FILETIME& utc) {
+    COleDateTime local;
+    FileTimeToLocalDateTime(utc, local);
+    return DateAndTimeText(local);
+}
+
+void SendItem(const CString& xml, void (*sendBack)(const CString& xml), const wchar_t* failureLine) {
+    try {
+        sendBack(xml);
+    } catch (...) {
+        Log(kLogFailure, failureLine);
+    }
+}

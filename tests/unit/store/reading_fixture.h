@@ -1,0 +1,38 @@
+#pragma once
+
+// What the tests of reading contacts and of reading appointments share.
+
+#include <algorithm>
+
+#include <mapitags.h>
+
+#include "localstore/recorder.h"
+#include "tests/unit/store/store_fixture.h"
+
+class ReadingTest : public StoreTest {
+  protected:
+    static bool Contains(const CString& text, const wchar_t* part) {
+        return text.find(part) != CString::npos;
+    }
+    /// The number of the last call of a method since logon, from 1 on; 0 if there was none.
+    static std::size_t LastCallOf(const std::string& method) {
+        const std::vector<localstore::recorder::Call> calls = localstore::recorder::Calls();
+        const auto last =
+            std::find_if(calls.rbegin(), calls.rend(),
+                         [&](const localstore::recorder::Call& call) { return call.method == method; });
+        return static_cast<std::size_t>(calls.rend() - last);
+    }
+    /// The number of the nth call of a method since logon, from 1 on.
+    static std::size_t NthCallOf(const std::string& method, std::size_t n) {
+        const std::vector<localstore::recorder::Call> calls = localstore::recorder::Calls();
+        for (std::size_t i = 0; i < calls.size(); ++i) {
+            if (calls[i].method == method && --n == 0) {
+                return i + 1;
+            }
+        }
+        return 0;
+    }
+    static void Append(LogLines& lines, const LogLines& more) {
+        lines.insert(lines.end(), more.begin(), more.end());
+    }
+};
