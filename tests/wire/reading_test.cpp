@@ -5,6 +5,7 @@
 #include "tests/wire/agent_process.h"
 #include "tests/wire/callback_endpoint.h"
 #include "tests/wire/command_connection.h"
+#include "tests/wire/contact_file.h"
 
 namespace {
 
@@ -15,6 +16,7 @@ using testing::StartsWith;
 
 constexpr std::uint16_t kMAPIServerShutdown = 0;
 constexpr std::uint16_t kMAPISendBackOneContact = 1;
+constexpr std::uint16_t kMAPISendBackOneCalenda = 2;
 
 Bytes Success() {
     return Hex("00 00 00 00");
@@ -33,8 +35,8 @@ Bytes DefaultProfile() {
 }
 
 /// The document of a callback, whose stub holds this one text and nothing else.
-std::wstring Document(const CallPdu& call) {
-    EXPECT_EQ(call.procedure, kMAPISendBackOneContact);
+std::wstring Document(const CallPdu& call, std::uint16_t procedure = kMAPISendBackOneContact) {
+    EXPECT_EQ(call.procedure, procedure);
     ByteReader reader(call.stub);
     const WireString text = ReadString(reader);
     EXPECT_TRUE(reader.AtEnd());
@@ -69,6 +71,29 @@ TEST(Reading, ContactsArriveOneACall) {
         EXPECT_THAT(document, StartsWith(L"<?xml version="));
         EXPECT_THAT(document, HasSubstr(SurnameElement(surnames[i])));
         EXPECT_THAT(document, HasSubstr(L"</Contact>"));
+    }
+}
+
+TEST(Reading, AppointmentsArriveOneACallOfTheirOwn) {
+    const AgentProcess agent({L"Alpha"});
+    const std::filesystem::path calendar = agent.MakeMailFolder(L"Calendar");
+    WriteAppointmentFile(calendar / "1.msg", L"Review");
+    WriteAppointmentFile(calendar / "2.msg", L"Training");
+    const CallbackEndpoint endpoint;
+    CommandConnection connection;
+    LogOn(connection);
+    EXPECT_EQ(connection.Call(6).stub, Hex("02 00 00 00  00 00 00 00"));
+    EXPECT_EQ(connection.Call(16, ReadAll()).stub, Success());
+
+    EXPECT_THAT(endpoint.ProposedInterfaces(), Each(CallbackSyntax()));
+    const std::vector<CallPdu> calls = endpoint.Calls();
+    ASSERT_THAT(calls, SizeIs(2));
+    const wchar_t* const subjects[] = {L"Review", L"Training"};
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        const std::wstring document = Document(calls[i], kMAPISendBackOneCalenda);
+        EXPECT_THAT(document, StartsWith(L"<?xml version="));
+        EXPECT_THAT(document, HasSubstr(std::wstring(L"\t<Description>") + subjects[i] + L"</Description>"));
+        EXPECT_THAT(document, HasSubstr(L"\t<lCalType>3</lCalType></Calendar>"));
     }
 }
 
