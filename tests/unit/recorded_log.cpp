@@ -5,6 +5,7 @@
 #include <mutex>
 #include <ostream>
 #include <string>
+#include <utility>
 
 #include "support/output_string.h"
 #include "tests/unit/text_printer.h"

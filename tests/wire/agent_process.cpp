@@ -75,6 +75,12 @@ AgentProcess::~AgentProcess() {
     std::filesystem::remove_all(m_folder, ignored);
 }
 
+std::filesystem::path AgentProcess::MakeMailFolder(const std::wstring& name) const {
+    const std::filesystem::path folder = m_folder / "Work" / "Mail" / name;
+    std::filesystem::create_directories(folder);
+    return folder;
+}
+
 bool AgentProcess::IsRunning() const {
     return WaitForSingleObject(m_process.Get(), 0) == WAIT_TIMEOUT;
 }

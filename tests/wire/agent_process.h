@@ -19,6 +19,9 @@ class AgentProcess {
     AgentProcess& operator=(const AgentProcess&) = delete;
     ~AgentProcess();
 
+    /// A folder of the store, made if it is not there. One named Calendar is the default calendar folder of
+    /// sessions that begin later.
+    [[nodiscard]] std::filesystem::path MakeMailFolder(const std::wstring& name) const;
     [[nodiscard]] bool IsRunning() const;
     /// Waits for the end of the process and gives its exit status; nothing if it goes on living.
     [[nodiscard]] std::optional<DWORD> WaitForExit() const;

@@ -7,6 +7,7 @@
 #include "tests/wire/command_connection.h"
 
 inline constexpr std::uint16_t kMAPISendBackOneContact = 1;
+inline constexpr std::uint16_t kMAPISendBackOneCalenda = 2;
 
 inline Bytes Success() {
     return Hex("00 00 00 00");
@@ -25,8 +26,8 @@ inline Bytes DefaultProfile() {
 }
 
 /// The document of a callback, whose stub holds this one text and nothing else.
-inline std::wstring Document(const CallPdu& call) {
-    EXPECT_EQ(call.procedure, kMAPISendBackOneContact);
+inline std::wstring Document(const CallPdu& call, std::uint16_t procedure = kMAPISendBackOneContact) {
+    EXPECT_EQ(call.procedure, procedure);
     ByteReader reader(call.stub);
     const WireString text = ReadString(reader);
     EXPECT_TRUE(reader.AtEnd());

@@ -17,13 +17,14 @@ constexpr std::uint32_t kNarrowMessageClass = 0x001A001E;
 constexpr std::uint32_t kNarrowSurname = 0x3A11001E;
 constexpr std::uint32_t kCodePage = 0x3FFD0003;
 constexpr std::uint32_t kSurname = 0x3A11001F;
+constexpr std::uint32_t kSubject = 0x0037001F;
 constexpr std::uint32_t kBody = 0x1000001F;
 /// Readable and writable.
 constexpr std::uint32_t kPropertyFlags = 6;
 
 void Require(HRESULT result) {
     if (FAILED(result)) {
-        throw std::runtime_error("a contact file cannot be written, result " + std::to_string(result));
+        throw std::runtime_error("a message file cannot be written, result " + std::to_string(result));
     }
 }
 
@@ -63,7 +64,7 @@ ByteWriter BeginEntries() {
     return entries;
 }
 
-ComPtr<IStorage> CreateContactFile(const std::filesystem::path& path) {
+ComPtr<IStorage> CreateMessageFile(const std::filesystem::path& path) {
     ComPtr<IStorage> storage;
     Require(StgCreateDocfile(path.c_str(), kAccess, 0, storage.GetAddressOf()));
     return storage;
@@ -86,7 +87,7 @@ void Finish(IStorage* storage, const ByteWriter& entries) {
 
 void WriteContactFile(const std::filesystem::path& path, const std::wstring& surname,
                       const std::wstring& body) {
-    const ComPtr<IStorage> storage = CreateContactFile(path);
+    const ComPtr<IStorage> storage = CreateMessageFile(path);
     ByteWriter entries = BeginEntries();
     AddText(storage.Get(), entries, kMessageClass, L"IPM.Contact");
     AddText(storage.Get(), entries, kSurname, surname);
@@ -94,9 +95,17 @@ void WriteContactFile(const std::filesystem::path& path, const std::wstring& sur
     Finish(storage.Get(), entries);
 }
 
+void WriteAppointmentFile(const std::filesystem::path& path, const std::wstring& subject) {
+    const ComPtr<IStorage> storage = CreateMessageFile(path);
+    ByteWriter entries = BeginEntries();
+    AddText(storage.Get(), entries, kMessageClass, L"IPM.Appointment");
+    AddText(storage.Get(), entries, kSubject, subject);
+    Finish(storage.Get(), entries);
+}
+
 void WriteNarrowContactFile(const std::filesystem::path& path, const std::string& surname,
                             std::uint32_t codePage) {
-    const ComPtr<IStorage> storage = CreateContactFile(path);
+    const ComPtr<IStorage> storage = CreateMessageFile(path);
     ByteWriter entries = BeginEntries();
     AddNarrowText(storage.Get(), entries, kNarrowMessageClass, "IPM.Contact");
     AddNarrowText(storage.Get(), entries, kNarrowSurname, surname);

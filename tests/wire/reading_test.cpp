@@ -6,6 +6,7 @@
 #include "tests/wire/callback_endpoint.h"
 #include "tests/wire/command_connection.h"
 #include "tests/wire/contact_calls.h"
+#include "tests/wire/contact_file.h"
 
 namespace {
 
@@ -37,6 +38,29 @@ TEST(Reading, ContactsArriveOneACall) {
         EXPECT_THAT(document, StartsWith(L"<?xml version="));
         EXPECT_THAT(document, HasSubstr(SurnameElement(surnames[i])));
         EXPECT_THAT(document, HasSubstr(L"</Contact>"));
+    }
+}
+
+TEST(Reading, AppointmentsArriveOneACallOfTheirOwn) {
+    const AgentProcess agent({L"Alpha"});
+    const std::filesystem::path calendar = agent.MakeMailFolder(L"Calendar");
+    WriteAppointmentFile(calendar / "1.msg", L"Review");
+    WriteAppointmentFile(calendar / "2.msg", L"Training");
+    const CallbackEndpoint endpoint;
+    CommandConnection connection;
+    LogOn(connection);
+    EXPECT_EQ(connection.Call(6).stub, Hex("02 00 00 00  00 00 00 00"));
+    EXPECT_EQ(connection.Call(16, ReadAll()).stub, Success());
+
+    EXPECT_THAT(endpoint.ProposedInterfaces(), Each(CallbackSyntax()));
+    const std::vector<CallPdu> calls = endpoint.Calls();
+    ASSERT_THAT(calls, SizeIs(2));
+    const wchar_t* const subjects[] = {L"Review", L"Training"};
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        const std::wstring document = Document(calls[i], kMAPISendBackOneCalenda);
+        EXPECT_THAT(document, StartsWith(L"<?xml version="));
+        EXPECT_THAT(document, HasSubstr(std::wstring(L"\t<Description>") + subjects[i] + L"</Description>"));
+        EXPECT_THAT(document, HasSubstr(L"\t<lCalType>3</lCalType></Calendar>"));
     }
 }
 
