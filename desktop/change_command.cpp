@@ -1,7 +1,5 @@
 #include "desktop/change_command.h"
 
-#include <algorithm>
-
 #include "desktop/change_output.h"
 #include "desktop/output_stream.h"
 #include "desktop/read_command.h"
@@ -14,8 +12,7 @@ void PrintNote(const CString& text) {
 }
 
 /// The doubt about a read that reports too many deletions, if there is one.
-std::optional<Failure> Doubt(const ChangeCounts& changes, std::size_t now, const ItemKind& kind) {
-    const std::size_t known = KnownBefore(changes, now);
+std::optional<Failure> Doubt(const ChangeCounts& changes, std::size_t known, const ItemKind& kind) {
     if (!LooksLikeAFailedRead(changes, known)) {
         return std::nullopt;
     }
@@ -34,26 +31,15 @@ void PrintSummary(const ChangeCounts& changes, const ItemKind& kind, const Argum
     }
 }
 
-void TellOfMapSetAside(const MapOutcome& outcome) {
-    if (!outcome.setAside.empty()) {
-        PrintNote(
-            L"zebdesk: the map is damaged or of a later version, so all items came as new; it is kept as " +
-            outcome.setAside + L"\n");
+void TellOfDamage(const MapOutcome& outcome) {
+    if (outcome.damaged) {
+        PrintNote(L"zebdesk: the map is damaged or of a later version, so all items came as new\n");
     }
 }
 
-/// The agent knows nothing of a document that did not arrive, and passes over an item that it cannot open,
-/// but in the map both count as told.
-std::optional<Failure> Gap(const ChangeOutput& output, const MapOutcome& outcome) {
-    const auto missing = std::count_if(outcome.changes.begin(), outcome.changes.end(),
-                                       [&](const std::string& id) { return !output.HasArrived(id); });
-    if (missing != 0) {
-        return Failure(
-            ExitCode::kReadFailed,
-            CString::Format(L"%Iu of %Iu changes did not arrive; the next read brings all of them again",
-                            static_cast<std::size_t>(missing), outcome.changes.size()));
-    }
-    if (!outcome.written && output.Counts().Total() != 0) {
+/// What is wrong with the map that the agent made, if anything is.
+std::optional<Failure> MapFailure(const MapOutcome& outcome, const ChangeCounts& changes) {
+    if (!outcome.written && changes.Total() != 0) {
         return Failure(
             ExitCode::kOutputFailed,
             L"the agent could not bring the map up to date; the next read brings the same changes again");
@@ -61,21 +47,29 @@ std::optional<Failure> Gap(const ChangeOutput& output, const MapOutcome& outcome
     return std::nullopt;
 }
 
+/// Puts the new map into the place of the old one.
+void Keep(const WorkingMap& map, const std::vector<std::string>& missing) {
+    const CString aside = map.Keep(missing);
+    if (!aside.empty()) {
+        PrintNote(L"zebdesk: the damaged map is kept as " + aside + L"\n");
+    }
+}
+
 }  // namespace
 
 void ReadChanges(const ItemKind& kind, const Arguments& arguments) {
-    const WorkingMap map(arguments.changed);
+    const WorkingMap map(arguments.changed, kind.mapSection);
     ChangeOutput output(kind, MakeItemOutput(kind, arguments), arguments.Has(kOptionOut));
     const ReadResult result = ReadThrough(kind, arguments, map.Path(), output);
     const MapOutcome outcome = map.Examine();
-    TellOfMapSetAside(outcome);
+    TellOfDamage(outcome);
 
     std::optional<Failure> failure = FailureOf(result, kind);
     if (!failure) {
-        failure = Gap(output, outcome);
+        failure = MapFailure(outcome, output.Counts());
     }
     if (!failure && !arguments.Has(kOptionAcceptDeletions)) {
-        failure = Doubt(output.Counts(), result.counted, kind);
+        failure = Doubt(output.Counts(), outcome.known, kind);
     }
     if (!failure) {
         output.BelieveDeletions();
@@ -86,8 +80,14 @@ void ReadChanges(const ItemKind& kind, const Arguments& arguments) {
     if (failure) {
         throw Failure(*failure);
     }
+    const std::vector<std::string> missing = output.MissingOf(outcome.changes);
     if (outcome.written) {
-        map.Keep();
+        Keep(map, missing);
     }
     PrintSummary(output.Counts(), kind, arguments);
+    if (!missing.empty()) {
+        throw Failure(ExitCode::kReadFailed,
+                      CString::Format(L"%Iu of %Iu changes did not arrive; the next read brings them again",
+                                      missing.size(), outcome.changes.size()));
+    }
 }

@@ -11,11 +11,6 @@ struct ChangeCounts {
     [[nodiscard]] std::size_t Total() const { return added + changed + deleted; }
 };
 
-/// The number of items that were known before a read of changes, by the number that there are now.
-[[nodiscard]] constexpr std::size_t KnownBefore(const ChangeCounts& changes, std::size_t now) {
-    return changes.deleted + (now > changes.added ? now - changes.added : 0);
-}
-
 /// True if so many of the known items are said to be deleted that a folder which could not be read, or not
 /// wholly, is the likelier reason: all of five or more, or more than half of fifty or more.
 [[nodiscard]] constexpr bool LooksLikeAFailedRead(const ChangeCounts& changes, std::size_t known) {

@@ -1,5 +1,8 @@
 #include "desktop/change_output.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "desktop/output_stream.h"
 #include "support/number_text.h"
 #include "support/utf8.h"
@@ -39,6 +42,13 @@ void ChangeOutput::Take(ItemDocument& document) {
         ++m_counts.deleted;
         m_deletions.emplace_back(document.Text());
     }
+}
+
+std::vector<std::string> ChangeOutput::MissingOf(const std::vector<std::string>& ids) const {
+    std::vector<std::string> missing;
+    std::copy_if(ids.begin(), ids.end(), std::back_inserter(missing),
+                 [this](const std::string& id) { return !m_arrived.contains(id); });
+    return missing;
 }
 
 void ChangeOutput::BelieveDeletions() {

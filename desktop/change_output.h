@@ -20,8 +20,9 @@ class ChangeOutput : public ItemOutput {
     [[nodiscard]] bool WritesAtOnce() const override { return m_documents->WritesAtOnce(); }
 
     [[nodiscard]] const ChangeCounts& Counts() const { return m_counts; }
-    /// True if a document of the item has come. Identifiers are hexadecimal.
-    [[nodiscard]] bool HasArrived(const std::string& id) const { return m_arrived.contains(id); }
+    /// Those of the identifiers of which no document has come: the agent knows nothing of a document that got
+    /// lost on its way, and passes over an item that it cannot open, but in its map both count as told.
+    [[nodiscard]] std::vector<std::string> MissingOf(const std::vector<std::string>& ids) const;
 
     /// Hands the deletions on too.
     void BelieveDeletions();

@@ -76,6 +76,8 @@ READING CHANGES
   than half of fifty or more, something is wrong with the folder more often than
   not. Then neither the deletions nor MAP are kept, and the exit status is 10.
   A MAP that is damaged is kept under another name, and all items come as new.
+  An item that the agent names but cannot send is left out of MAP: the exit status
+  is 4, and the next read brings it again if it can be read by then.
 
 WRITING
   A document that is written replaces the contact as a whole: what it lacks is

@@ -16,8 +16,8 @@ extern "C" {
 namespace {
 
 constexpr ItemKind kKinds[] = {
-    {L"contacts", L"contact", L"Contact", GetContactCount, SetContactFolder, ReadContacts, WriteContacts,
-     ContactHeadings, ContactRow},
+    {L"contacts", L"contact", L"Contact", "[contact pim]", GetContactCount, SetContactFolder, ReadContacts,
+     WriteContacts, ContactHeadings, ContactRow},
 };
 
 }  // namespace

@@ -11,6 +11,8 @@ struct ItemKind {
     const wchar_t* fileWord;
     /// The root element of its documents.
     const wchar_t* root;
+    /// The line that stands in front of its items in a map.
+    const char* mapSection;
     /// The remote procedures.
     void (*count)(long* count, long* status);
     void (*choose)(wchar_t* selection, long* status);

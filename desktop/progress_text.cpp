@@ -4,8 +4,10 @@
 
 CString ProgressText(std::size_t done, std::size_t expected) {
     constexpr std::size_t kBarWidth = 40;
-    const std::size_t total = std::max<std::size_t>(expected, 1);
-    const std::size_t filled = std::min(done, total) * kBarWidth / total;
+    if (expected == 0) {
+        return CString::FromNumber(static_cast<long long>(done));
+    }
+    const std::size_t filled = std::min(done, expected) * kBarWidth / expected;
     CString text(WIDE("["));
     text.append(filled, WIDE('#'));
     text.append(kBarWidth - filled, WIDE('.'));

@@ -72,7 +72,10 @@ ReadResult ReadThrough(const ItemKind& kind, const Arguments& arguments, CString
     const AgentSession session(agent, arguments.profile);
     ChooseFolder(agent, kind, arguments);
     ReadResult result;
-    result.counted = static_cast<std::size_t>(std::max(CountItems(agent, kind), 0L));
+    // How much has changed is known at the end only.
+    if (mapFile.empty()) {
+        result.counted = static_cast<std::size_t>(std::max(CountItems(agent, kind), 0L));
+    }
     const bool drawBar = !arguments.Has(kOptionQuiet) &&
                          !(output.WritesAtOnce() && OutputStream(STD_OUTPUT_HANDLE).IsConsole());
     ProgressBar progress(result.counted, drawBar);
@@ -90,9 +93,10 @@ std::optional<Failure> FailureOf(const ReadResult& result, const ItemKind& kind)
         return result.outputFailure;
     }
     if (result.readFailure) {
+        const CString goal = result.counted != 0 ? CString::Format(L" of %Iu", result.counted) : CString();
         return Failure(result.readFailure->Code(),
                        result.readFailure->Message() +
-                           CString::Format(L" after %Iu of %Iu %s", result.taken, result.counted, kind.word));
+                           CString::Format(L" after %Iu%s %s", result.taken, goal.c_str(), kind.word));
     }
     if (result.invalid != 0) {
         return Failure(ExitCode::kReadFailed, CString::Format(L"%Iu documents are damaged", result.invalid));

@@ -18,7 +18,7 @@ long CountItems(const AgentConnection& agent, const ItemKind& kind);
 
 /// What became of a read.
 struct ReadResult {
-    std::size_t counted = 0;  ///< the items that were there just before
+    std::size_t counted = 0;  ///< the items that were there just before; 0 for a read of changes
     std::size_t taken = 0;    ///< documents that arrived and went to the output
     std::size_t invalid = 0;  ///< how many of them were damaged
     std::optional<Failure> readFailure;

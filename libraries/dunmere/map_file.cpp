@@ -129,6 +129,7 @@ bool MapFile::ReadBytes(std::string& bytes) {
 }
 
 void MapFile::SetAside(const wchar_t* reason) {
+    DWORD error = ERROR_SUCCESS;
     for (int number = 1; number <= kAsideNames; ++number) {
         const CString aside = m_path + L".aside" + (number == 1 ? CString() : CString::FromNumber(number));
         if (MoveFileExW(m_path.c_str(), aside.c_str(), MOVEFILE_WRITE_THROUGH) != FALSE) {
@@ -137,12 +138,15 @@ void MapFile::SetAside(const wchar_t* reason) {
                        m_path.c_str(), reason, aside.c_str());
             return;
         }
-        const DWORD error = GetLastError();
+        error = GetLastError();
         if (error != ERROR_ALREADY_EXISTS && error != ERROR_FILE_EXISTS) {
-            throw FileError{error};
+            break;
         }
     }
-    throw FileError{ERROR_ALREADY_EXISTS};
+    LogLibrary(kLibraryFailure,
+               L"The map file %s %s and cannot be renamed (error %lu). All items count as new, and it stays "
+               L"as it is.",
+               m_path.c_str(), reason, error);
 }
 
 void MapFile::Replace(const std::string& text) noexcept {

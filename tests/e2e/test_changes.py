@@ -102,13 +102,14 @@ class Changes(harness.Case):
         self.assertEqual(sorted(lines), ["CHANGE", "changed", "deleted", "deleted", "new", "new"])
         self.assertEqual(self.read()[0], [])
 
-    def test_a_deletion_replaces_the_file_of_the_item(self):
+    def test_a_deletion_replaces_the_file_of_the_item_and_has_its_time(self):
         self.make(2)
-        self.read()
+        times = {one["PIMID"]: one["lastModifiedTime"] for one in self.read()[0]}
         first = sorted(file.name for file in self.out.iterdir())
         self.file(0).unlink()
         [document] = self.read()[0]
         self.assertEqual(set(document), {"lFlag", "PIMID", "LastModifiedTime"})
+        self.assertEqual(document["LastModifiedTime"], times[document["PIMID"]])
         self.assertIn([file.name for file in self.out.iterdir()][0], first)
 
     def test_documents_can_go_to_standard_output(self):
@@ -204,16 +205,56 @@ class Changes(harness.Case):
         self.make(6)
         self.read()
         good = self.map.read_bytes()
+        kept = set()
         for damaged in (b"", b"DunmereMap 2\n", good[:-1], good.replace(b"contact", b"kontakt"), os.urandom(500)):
             with self.subTest(damaged=damaged[:20]):
                 self.map.write_bytes(damaged)
                 documents, _, errors = self.read()
                 self.assert_new(documents, names(6))
-                self.assertIn("so all items came as new; it is kept as", errors)
+                self.assertIn("the map is damaged or of a later version, so all items came as new\n", errors)
                 self.assertEqual(self.map.read_bytes(), good)
-                aside = self.place.path / "contacts.map.aside"
+                [aside] = set(self.place.path.glob("contacts.map.*")) - kept
+                self.assertIn(f"the damaged map is kept as {harness.windows_path(aside)}\n", errors)
                 self.assertEqual(aside.read_bytes(), damaged)
-                aside.unlink()
+                kept.add(aside)
+                self.assertEqual(self.read()[0], [])
+
+    def test_a_damaged_map_stays_until_a_read_succeeds(self):
+        self.make(300)
+        self.map.write_bytes(b"damaged")
+        self.place.start_agent()
+        for _ in range(2):
+            status, _, _ = self.place.interrupt_desktop("read", "contacts", "--changed",
+                                                        harness.windows_path(self.map), "--xml")
+            self.assertEqual(status, 5)
+            self.assertEqual([file.name for file in self.place.path.glob("contacts.map*")], ["contacts.map"])
+            self.assertEqual(self.map.read_bytes(), b"damaged")
+        self.assert_new(self.read()[0], names(300))
+        self.assertEqual(self.read()[0], [])
+
+    def test_what_a_killed_program_left_beside_a_good_map_does_not_count(self):
+        self.make(3)
+        self.read()
+        for ending in (".working", ".working.aside"):
+            (self.place.path / ("contacts.map" + ending)).write_bytes(b"left over")
+        documents, _, errors = self.read()
+        self.assertEqual((documents, errors), ([], "contacts: 0 new, 0 changed, 0 deleted\n"))
+        self.assertEqual([file.name for file in self.place.path.glob("contacts.map*")], ["contacts.map"])
+
+    def test_contacts_that_go_while_the_read_runs_are_told_next_time(self):
+        self.make(300)
+        process = self.start()
+        harness.wait_until(lambda: self.out.exists() and any(self.out.iterdir()), "the first document arrives")
+        for number in range(290, 300):
+            self.file(number).rename(self.place.path / f"{number}.msg")
+        status, _, errors = self.place.finish(process)
+        self.assertEqual(status, 4, errors)
+        self.assertIn("10 of 300 changes did not arrive; the next read brings them again", errors)
+        self.assert_new(self.arrived(), names(290))
+        for number in range(290, 295):
+            (self.place.path / f"{number}.msg").rename(self.file(number))
+        self.assert_new(self.read()[0], names(295)[290:])
+        self.assertEqual(self.read()[0], [])
 
     def test_a_map_that_cannot_be_used_is_refused_before_the_read(self):
         self.make(1)
@@ -308,7 +349,7 @@ class Changes(harness.Case):
             begin = time.monotonic()
             documents, _, _ = self.read("-q")
             seconds = time.monotonic() - begin
-            print(f"{what}: {count} contacts in {seconds:.2f} s, {count / seconds:.0f} a second", flush=True)
+            harness.tell_measured(f"{what}: {count} contacts in {seconds:.2f} s, {count / seconds:.0f} a second")
             self.assertEqual(len(documents), count if what.startswith("first") else 0)
 
 

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <random>
 
 #include "libraries/dunmere/change_map.h"
 #include "support/owners.h"
@@ -141,10 +142,20 @@ TEST_F(CompareWithMapTest, KindsDoNotKnowOfEachOther) {
     EXPECT_EQ(Compare(contacts, L"contact"), 0);
 }
 
+TEST_F(CompareWithMapTest, DomainsDoNotKnowOfEachOther) {
+    Know({L"A"});
+    LogItems items = ItemsCalled({L"B"});
+    const GetChangeLogArgs arguments{L"contact", L"other", m_folder.File(L"map")};
+    EXPECT_EQ(CompareWithMap(&items, &arguments), 1);
+    EXPECT_EQ(FlagsOf(items), (Flags{8}));
+    LogItems known = ItemsCalled({L"A"});
+    EXPECT_EQ(Compare(known), 0);
+}
+
 TEST_F(CompareWithMapTest, ADamagedMapIsKeptAsideAndAllItemsAreNew) {
     Know({L"A", L"B", L"C"});
     const std::string good = m_folder.Read(L"map");
-    for (std::size_t place = 0; place < good.size(); place += 7) {
+    for (std::size_t place = 0; place < good.size(); ++place) {
         std::string damaged = good;
         damaged[place] = static_cast<char>(damaged[place] ^ 0x80);
         m_folder.Write(L"map", damaged);
@@ -159,12 +170,68 @@ TEST_F(CompareWithMapTest, ADamagedMapIsKeptAsideAndAllItemsAreNew) {
 TEST_F(CompareWithMapTest, AMapThatWasCutOffIsKeptAsideAndAllItemsAreNew) {
     Know({L"A", L"B", L"C"});
     const std::string good = m_folder.Read(L"map");
-    for (std::size_t length = 0; length < good.size(); length += 5) {
+    for (std::size_t length = 0; length < good.size(); ++length) {
         m_folder.Write(L"map", good.substr(0, length));
         ExpectAllNew();
+        EXPECT_EQ(FailureLine(),
+                  L"The map file MAP is damaged. It is kept as MAP.aside, and all items count as new.\r\n");
         EXPECT_EQ(m_folder.Read(L"map.aside"), good.substr(0, length));
         fs::remove(m_folder.File(L"map.aside").c_str());
     }
+}
+
+TEST_F(CompareWithMapTest, AFileOfRandomBytesIsKeptAsideAndAllItemsAreNew) {
+    std::mt19937 random(20250611);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same files each time.
+    for (int file = 0; file < 300; ++file) {
+        std::string bytes(random() % 4096, '\0');
+        for (char& byte : bytes) {
+            byte = static_cast<char>(random());
+        }
+        m_folder.Write(L"map", file % 2 == 0 ? bytes : "DunmereMap 1\n[contact pim]\n" + bytes);
+        ExpectAllNew();
+        EXPECT_EQ(FailureLine(),
+                  L"The map file MAP is damaged. It is kept as MAP.aside, and all items count as new.\r\n");
+        fs::remove(m_folder.File(L"map.aside").c_str());
+    }
+}
+
+TEST_F(CompareWithMapTest, AFileLongerThanAnyMapIsKeptAside) {
+    constexpr LONGLONG kTooLong = (1LL << 30) + 1;
+    {
+        const FileHandle file(CreateFileW(m_folder.File(L"map").c_str(), GENERIC_WRITE, 0, nullptr,
+                                          CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+        LARGE_INTEGER size{};
+        size.QuadPart = kTooLong;
+        ASSERT_NE(SetFilePointerEx(file.Get(), size, nullptr, FILE_BEGIN), 0);
+        ASSERT_NE(SetEndOfFile(file.Get()), 0);
+    }
+    ExpectAllNew();
+    EXPECT_EQ(fs::file_size(m_folder.File(L"map.aside").c_str()), std::uintmax_t{kTooLong});
+}
+
+TEST_F(CompareWithMapTest, ADamagedMapThatCannotBeRenamedMakesAllItemsNewEachTime) {
+    m_folder.Write(L"map", "damaged");
+    const FileHandle held(CreateFileW(m_folder.File(L"map").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(held);
+    for (int times = 0; times < 2; ++times) {
+        ExpectAllNew();
+        EXPECT_EQ(FailureLine(),
+                  L"The map file MAP is damaged and cannot be renamed (error 32). All items count as "
+                  L"new, and it stays as it is.\r\n");
+    }
+    EXPECT_EQ(m_folder.Read(L"map"), "damaged");
+}
+
+TEST_F(CompareWithMapTest, AFileBesideTheMapThatCannotBeMadeLeavesTheChangesForTheNextTime) {
+    fs::create_directory(m_folder.File(L"map.writing").c_str());
+    for (int times = 0; times < 2; ++times) {
+        ExpectAllNew();
+        EXPECT_EQ(FailureLine(),
+                  L"The map file MAP cannot be written (error 5). The next comparison finds the same "
+                  L"changes again.\r\n");
+    }
+    EXPECT_THAT(Files(), ElementsAre("map.writing"));
 }
 
 TEST_F(CompareWithMapTest, AMapOfALaterVersionIsKeptAside) {
@@ -277,8 +344,8 @@ TEST_F(CompareWithMapTest, TakesAHundredThousandItems) {
         const auto start = std::chrono::steady_clock::now();
         EXPECT_EQ(Compare(items), expected);
         const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
-        std::printf("%d items, %s: compared in %.0f ms, map of %.1f MB\n", kItems, what, time.count(),
-                    static_cast<double>(fs::file_size(m_folder.File(L"map").c_str())) / 1e6);
+        std::printf("MEASURED: %d items, %s: compared in %.0f ms, map of %.1f MB\n", kItems, what,
+                    time.count(), static_cast<double>(fs::file_size(m_folder.File(L"map").c_str())) / 1e6);
     };
     measure("all new", kItems);
     measure("none changed", 0);
@@ -288,8 +355,8 @@ TEST_F(CompareWithMapTest, TakesAHundredThousandItems) {
     measure("one of a hundred changed", kItems / 100);
     PROCESS_MEMORY_COUNTERS counters{};
     GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
-    std::printf("memory: %.0f MB for the items, %.0f MB at the most\n", static_cast<double>(before) / 1e6,
-                static_cast<double>(counters.PeakWorkingSetSize) / 1e6);
+    std::printf("MEASURED: memory of the comparison: %.0f MB for the items, %.0f MB at the most\n",
+                static_cast<double>(before) / 1e6, static_cast<double>(counters.PeakWorkingSetSize) / 1e6);
 }
 
 }  // namespace

@@ -1,11 +1,15 @@
 // Reads of changes: the walk that lists a folder, and what is sent of the marked list.
 
+#include <algorithm>
+#include <filesystem>
+
 #include "changelog/folder_log.h"
 #include "mapi/hex_text.h"
 #include "mapi/property_tags.h"
 #include "support/settings.h"
 #include "tests/unit/store/change_log.h"
 #include "tests/unit/store/contact_reading_fixture.h"
+#include "tests/unit/store/without_document_class.h"
 #include "tests/unit/temporary_folder.h"
 #include "tests/unit/text_printer.h"
 
@@ -292,6 +296,97 @@ TEST_F(ContactChanges, MessageWithoutValuesEndsTheSending) {
                         {1, L"CMAPIObject::ReadContactFromLog - Finish(Failed)\r\n"},
                         {3, L"CMAPIObject::ReadContacts - Failed to read contacts from log\r\n"},
                         {1, L"CMAPIObject::ReadContacts - Finish\r\n"}}));
+}
+
+TEST_F(ContactChanges, WithoutTheXmlServiceTheSendingEndsAtOnce) {
+    AddContacts(L"Contacts", {L"One", L"Two"});
+    LogOn();
+    tagLogItem gone;
+    gone.m_lLogFlag = 32;
+    gone.m_strId = L"00FF";
+    for (const bool deletion : {false, true}) {
+        MarkAs({deletion ? 0 : 8, 8}, {gone});
+        if (deletion) {
+            OnGetChangeLog([&](LogItems& items, const GetChangeLogArgs&) {
+                items.RemoveAll();
+                items.Add(gone);
+                return 1;
+            });
+        }
+        TakeLog();
+        int result = 0;
+        {
+            const WithoutDocumentClass nothing;
+            result = ReadChanges();
+        }
+        EXPECT_EQ(result, 1);
+        EXPECT_TRUE(TakeSent().empty());
+        const LogLines log = TakeLog();
+        EXPECT_TRUE(log[log.size() - 4].text.starts_with(deletion
+                                                             ? L"CMAPIObject::ReadContactFromLog - Delete("
+                                                             : L"CMAPIObject::ReadContactFromLog - New("));
+        EXPECT_EQ(LogLines(log.end() - 3, log.end()),
+                  (LogLines{{3, L"Xml to calnedaex - failed\r\n"},
+                            {3, L"CMAPIObject::ReadContacts - Failed to read contacts from log\r\n"},
+                            {1, L"CMAPIObject::ReadContacts - Finish\r\n"}}));
+    }
+}
+
+TEST_F(ContactChanges, ItemThatDoesNotOpenIsPassedOverWithoutAWord) {
+    LogOn();
+    tagLogItem away;
+    away.m_lLogFlag = 8;
+    away.m_strId = L"00FF";
+    MarkAs({}, {away});
+    EXPECT_EQ(ReadChanges(), 0);
+    EXPECT_TRUE(TakeSent().empty());
+    LogLines expected = FirstLines(0);
+    Append(expected, WalkLines());
+    Append(expected, {{1, L"CMAPIObject::ReadContacts - Call GetChangeLog\r\n"},
+                      {1, L"CMAPIObject::ReadContacts - Read Changes\r\n"},
+                      {1, L"CMAPIObject::ReadContactFromLog - Begin\r\n"},
+                      {1, L"CMAPIObject::ReadContactFromLog - New(00FF)\r\n"},
+                      {1, L"CMAPIObject::ReadContactFromLog - Finish(Succeeded)\r\n"},
+                      {1, L"CMAPIObject::ReadContacts - Finish\r\n"}});
+    EXPECT_EQ(TakeLog(), expected);
+}
+
+TEST_F(ContactChanges, ComparisonThatFailsCountsAsNoChange) {
+    AddContacts(L"Contacts", {L"One"});
+    LogOn();
+    OnGetChangeLog([](LogItems& items, const GetChangeLogArgs&) {
+        items[0].m_lLogFlag = 8;
+        return -1;
+    });
+    EXPECT_EQ(ReadChanges(), 0);
+    EXPECT_TRUE(TakeSent().empty());
+    LogLines expected = FirstLines(1);
+    Append(expected, WalkLines());
+    Append(expected, {{1, L"CMAPIObject::ReadContacts - Call GetChangeLog\r\n"},
+                      {3, L"CMAPIObject::ReadContacts - No Change\r\n"},
+                      {1, L"CMAPIObject::ReadContacts - Finish\r\n"}});
+    EXPECT_EQ(TakeLog(), expected);
+}
+
+TEST_F(ContactChanges, ChangeOfAnItemWithALongTermIdentifierIsSentUnderIt) {
+    AddContacts(L"Contacts", {L"One"});
+    WriteFile(L"Work\\Mail\\folder.ini", "[Store]\nLongTermIds=1\n");
+    LogOn();
+    ASSERT_EQ(g_MAPIObject.ReadContacts(L""), 0);
+    const CString full = TakeSent().at(0);
+    const std::size_t start = full.find(L"<PIMID>");
+    const CString id(full.substr(start, full.find(L"</PIMID>") - start));
+    ASSERT_EQ(ReadChanges(), 0);
+    EXPECT_TRUE(Contains(TakeSent().at(0), id.c_str()));
+    EXPECT_EQ(ReadChanges(), 0);
+    EXPECT_TRUE(TakeSent().empty());
+    const std::filesystem::directory_iterator files(m_root + L"\\Work\\Mail\\Contacts");
+    const auto message = std::find_if(begin(files), end(files),
+                                      [](const auto& entry) { return entry.path().extension() == L".msg"; });
+    ASSERT_NE(message, end(files));
+    std::filesystem::remove(message->path());
+    EXPECT_EQ(ReadChanges(), 0);
+    EXPECT_TRUE(Contains(TakeSent().at(0), id.c_str()));
 }
 
 TEST_F(ContactChanges, ContactOfASubFolderIsSentUnderTheNameOfTheTopFolder) {

@@ -15,6 +15,11 @@ namespace {
 
 namespace recorder = localstore::recorder;
 
+const LogLines kRefusedLines{
+    {1, L"CMAPIObject::ReadContactLogFromFolder - Begin\r\n"},
+    {3, L"CMAPIObject::ReadContactLogFromFolder - Interrupted or INVALID Parameter\r\n"},
+    {1, L"CMAPIObject::ReadContactLogFromFolder - Finish(Failed)\r\n"}};
+
 class FolderLogTest : public ContactReading {
   protected:
     void TearDown() override {
@@ -90,8 +95,16 @@ TEST_F(FolderLogTest, NewItemIsUnmarkedAndHasTheTimeOfItsChange) {
     EXPECT_EQ(items[0].m_lLogFlag, 0);
     EXPECT_EQ(items[0].m_lReserved, 0);
     EXPECT_EQ(items[0].m_dtModified.m_status, kDateValid);
-    // The tests run in a zone without an offset unless told otherwise.
-    EXPECT_EQ(items[0].m_dtModified.Format(L"%Y"), L"2020");
+}
+
+TEST_F(FolderLogTest, TimeOfAnItemIsLocal) {
+    const SYSTEMTIME utc{2020, 7, 3, 1, 12, 0, 0, 0};
+    SYSTEMTIME local{};
+    ASSERT_NE(SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local), 0);
+    const LogItems items = ItemsOf({Binary(PR_ENTRYID, "\x01"), Time(2020)});
+    EXPECT_EQ(items[0].m_dtModified.Format(L"%m/%d/%Y %H:%M:%S"),
+              CString::Format(L"%02d/%02d/%04d %02d:%02d:00", local.wMonth, local.wDay, local.wYear,
+                              local.wHour, local.wMinute));
 }
 
 TEST_F(FolderLogTest, RowWithoutATimeKeepsTheValueForNoDate) {
@@ -119,14 +132,44 @@ TEST_F(FolderLogTest, ItemsOfSubFoldersFollowInOneList) {
 
 TEST_F(FolderLogTest, ListNamesItemsAsAFullReadDoes) {
     AddContacts(L"Contacts", {L"One"});
+    std::vector<CString> ids;
+    for (const bool longTerm : {false, true}) {
+        WriteFile(L"Work\\Mail\\folder.ini", longTerm ? "[Store]\nLongTermIds=1\n" : "[Store]\n");
+        LogOn();
+        ASSERT_EQ(g_MAPIObject.ReadContacts(L""), 0);
+        const CString document = TakeSent().at(0);
+        OnGetChangeLog([&](LogItems& list, const GetChangeLogArgs&) {
+            ids.push_back(list[0].m_strId);
+            EXPECT_TRUE(Contains(document, (L"<PIMID>" + ids.back() + L"</PIMID>").c_str()));
+            return 0;
+        });
+        EXPECT_EQ(g_MAPIObject.ReadContacts(L"map"), 0);
+    }
+    ASSERT_EQ(ids.size(), 2U);
+    EXPECT_NE(ids[0], ids[1]);
+}
+
+TEST_F(FolderLogTest, RowThatHasNotThreeValuesIsSkipped) {
+    AddContacts(L"Contacts", {L"One", L"Two", L"Three"});
     LogOn();
-    ASSERT_EQ(g_MAPIObject.ReadContacts(L""), 0);
-    const CString document = TakeSent().at(0);
+    static decltype(pfnHrQueryAllRows) queryAllRows;
+    queryAllRows = pfnHrQueryAllRows;
+    pfnHrQueryAllRows = [](LPMAPITABLE table, LPSPropTagArray columns, LPSRestriction restriction,
+                           LPSSortOrderSet order, LONG most, LPSRowSet* rows) -> HRESULT {
+        const HRESULT result = queryAllRows(table, columns, restriction, order, most, rows);
+        if (columns->cValues == 3) {
+            (*rows)->aRow[1].cValues = 2;
+        }
+        return result;
+    };
+    std::size_t items = 0;
     OnGetChangeLog([&](LogItems& list, const GetChangeLogArgs&) {
-        EXPECT_TRUE(Contains(document, (L"<PIMID>" + list[0].m_strId + L"</PIMID>").c_str()));
+        items = list.GetSize();
         return 0;
     });
     EXPECT_EQ(g_MAPIObject.ReadContacts(L"map"), 0);
+    pfnHrQueryAllRows = queryAllRows;
+    EXPECT_EQ(items, 2U);
 }
 
 TEST_F(FolderLogTest, WalkOfSubFoldersWritesItsLinesInOrder) {
@@ -171,9 +214,60 @@ TEST_F(FolderLogTest, FolderThatDoesNotOpenFailsTheWalk) {
                                    {1, L"CMAPIObject::ReadContactLogFromFolder - Finish(Failed)\r\n"}}));
     BYTE junk[] = {1, 2, 3};
     EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder({3, junk}, items), 0);
-    EXPECT_EQ(
-        TakeLog()[2],
-        (LogLine{3, L"CMAPIObject::ReadContactLogFromFolder - OpenEntry Failed or NULL lpContainer\r\n"}));
+    const LogLines log = TakeLog();
+    ASSERT_EQ(log.size(), 4U);
+    // The code behind OpenEntry is the store's.
+    EXPECT_TRUE(log[1].text.starts_with(
+        L"CMAPIObject::ReadContactLogFromFolder - m_lpContactFolder->OpenEntry(0X80"));
+    EXPECT_EQ(log[2], (LogLine{3,
+                               L"CMAPIObject::ReadContactLogFromFolder - OpenEntry Failed or NULL "
+                               L"lpContainer\r\n"}));
+    EXPECT_EQ(log[3], (LogLine{1, L"CMAPIObject::ReadContactLogFromFolder - Finish(Failed)\r\n"}));
+    EXPECT_TRUE(items.IsEmpty());
+}
+
+TEST_F(FolderLogTest, WithoutAChosenFolderTheWalkFails) {
+    LogOn();
+    const ComPtr<IMAPIFolder> chosen = std::move(g_MAPIObject.m_lpContactFolder);
+    BYTE id[] = {1};
+    LogItems items;
+    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder({1, id}, items), 0);
+    EXPECT_EQ(TakeLog(), kRefusedLines);
+}
+
+TEST_F(FolderLogTest, WalkThatIsStoppedBeforehandFailsWithItsLines) {
+    LogOn();
+    g_MAPIObject.m_bStop = 1;
+    BYTE id[] = {1};
+    LogItems items;
+    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder({1, id}, items), 0);
+    EXPECT_EQ(TakeLog(), kRefusedLines);
+}
+
+TEST_F(FolderLogTest, WalkWithoutItsTableFailsWithItsLines) {
+    AddContacts(L"Contacts", {L"One"});
+    LogOn();
+    MapiBuffer<SPropValue> id;
+    ASSERT_EQ(pfnHrGetOneProp(g_MAPIObject.m_lpContactFolder.Get(), PR_ENTRYID, id.Put()), S_OK);
+    LogLines expected{
+        {1, L"CMAPIObject::ReadContactLogFromFolder - Begin\r\n"},
+        {1, L"CMAPIObject::ReadContactLogFromFolder - m_lpContactFolder->OpenEntry(0X00000000)\r\n"},
+        {1, L"CMAPIObject::ReadContactLogFromFolder - lpContainer->GetContentsTable(0X80004005)\r\n"},
+        {1, L"CMAPIObject::ReadContactLogFromFolder - Finish(Failed)\r\n"}};
+    LogItems items;
+    TakeLog();
+    recorder::FailMethod("IMAPIFolder::GetContentsTable", {}, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder(id->Value.bin, items), 0);
+    EXPECT_EQ(TakeLog(), expected);
+    recorder::ClearFailures();
+    recorder::FailMethod("HrQueryAllRows", {}, E_FAIL);
+    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder(id->Value.bin, items), 0);
+    expected[2].text =
+        L"CMAPIObject::ReadContactLogFromFolder - lpContainer->GetContentsTable(0X00000000)\r\n";
+    expected.insert(expected.begin() + 3,
+                    {1, L"CMAPIObject::ReadContactLogFromFolder - pfnHrQueryAllRows(0X80004005)\r\n"});
+    EXPECT_EQ(TakeLog(), expected);
+    EXPECT_TRUE(items.IsEmpty());
 }
 
 TEST_F(FolderLogTest, FailureAtAnyCallOfTheWalkNeverReachesTheComparison) {
@@ -195,10 +289,11 @@ TEST_F(FolderLogTest, FailureAtAnyCallOfTheWalkNeverReachesTheComparison) {
     ASSERT_EQ(g_MAPIObject.ReadContacts(L"map"), 0);
     const std::size_t calls = recorder::CallCount();
     ASSERT_GT(calls, callsOfTheCount + 10);
+    ExpectNoComparison();
     for (std::size_t n = callsOfTheCount + 1; n <= calls; ++n) {
         recorder::FailCall(n, false);
-        // What is compared, if it comes to that, is whole.
-        g_MAPIObject.ReadContacts(L"map");
+        EXPECT_EQ(g_MAPIObject.ReadContacts(L"map"), 1) << n;
+        EXPECT_TRUE(TakeSent().empty());
         EXPECT_TRUE(recorder::HasFailed()) << n;
         recorder::ClearFailures();
         EXPECT_EQ(TakeLog().back(), (LogLine{1, L"CMAPIObject::ReadContacts - Finish\r\n"})) << n;
