@@ -61,7 +61,7 @@ class StoppingReceiver : public ItemReceiver {
 
   private:
     /// The file of the picture belongs to whoever receives the document.
-    void RemovePicture(const wchar_t* document) {
+    void RemovePicture(const wchar_t* document) const {
         const ComApartmentHold hold;
         ItemDocument item(m_kind.root, document);
         const CString path = item.Field(L"PICPath");
