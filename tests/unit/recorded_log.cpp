@@ -78,6 +78,7 @@ void PrintTo(const LogLine& line, std::ostream* out) {
 LogLines TakeLog() {
     const std::lock_guard lock(g_mutex);
     LogLines lines;
+    lines.reserve(g_lines.size());
     for (const KeptLine& line : g_lines) {
         lines.push_back({line.level, CString(line.text.c_str(), line.text.size())});
     }
@@ -88,6 +89,7 @@ LogLines TakeLog() {
 std::vector<CString> LogModules() {
     const std::lock_guard lock(g_mutex);
     std::vector<CString> modules;
+    modules.reserve(g_modules.size());
     for (const PlainText& module : g_modules) {
         modules.emplace_back(module.c_str(), module.size());
     }

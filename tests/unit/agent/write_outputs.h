@@ -11,8 +11,8 @@
 
 /// The outputs of a write, filled with what must not be there afterwards.
 struct WriteOutputs {
-    wchar_t id[401];
-    wchar_t time[41];
+    wchar_t id[401] = {};
+    wchar_t time[41] = {};
     long status = 77;
 
     WriteOutputs() {
