@@ -60,9 +60,9 @@ std::vector<TableRow> MessageRows(const std::shared_ptr<StoreTree>& tree, const 
             LoadedMessage message = MessageCache::Instance().Load(path, file);
             rows.push_back(std::make_shared<MessageSource>(tree, folder, std::move(message), true));
         } catch (const StoreError& error) {
-            // A damaged file is no reason to hide the others, and one that vanished is none any more. One that is
-            // there and cannot be read now must not be left out in silence: who compares the table with an earlier
-            // one would take the message for deleted.
+            // A damaged file is no reason to hide the others, and one that vanished is none any more. One
+            // that is there and cannot be read now must not be left out in silence: who compares the table
+            // with an earlier one would take the message for deleted.
             if (error.Code() != MAPI_E_NOT_FOUND && error.Code() != MAPI_E_CORRUPT_DATA) {
                 ReportSkipped(path, "it cannot be read now");
                 throw;
