@@ -14,13 +14,16 @@ struct Evidence {
     std::unordered_set<std::string> claimed;
 };
 
+bool IsNewAndUnclaimed(const Evidence& evidence, const std::string& id) {
+    return !evidence.before.TimeOf(id) && !evidence.claimed.contains(id);
+}
+
 /// An item that came into the folder at that time and under another identifier: reads name it by the
-/// long-term one where the store has such, and an add hands back the other.
+/// long-term one where the store has such, and an add hands back the other, or none if it could not be had.
 bool ClaimNewItem(Evidence& evidence, MapSeconds time) {
     const auto& items = evidence.after.Items();
     const auto item = std::ranges::find_if(items, [&](const auto& candidate) {
-        return candidate.second == time && !evidence.before.TimeOf(candidate.first) &&
-               !evidence.claimed.contains(candidate.first);
+        return candidate.second == time && IsNewAndUnclaimed(evidence, candidate.first);
     });
     if (item == items.end()) {
         return false;
@@ -38,7 +41,12 @@ WriteOutcome JudgeAdd(const WriteFacts& write, Evidence& evidence) {
     if (evidence.after.TimeOf(id) || (time && ClaimNewItem(evidence, *time))) {
         return WriteOutcome::kDone;
     }
-    return WriteOutcome::kRefused;
+    // Whoever takes it for refused and adds it again must not get it twice.
+    const bool mayBeOneOfTheNew =
+        id.empty() && std::ranges::any_of(evidence.after.Items(), [&](const auto& candidate) {
+            return IsNewAndUnclaimed(evidence, candidate.first);
+        });
+    return mayBeOneOfTheNew ? WriteOutcome::kUnproven : WriteOutcome::kRefused;
 }
 
 WriteOutcome JudgeChange(const WriteFacts& write, const Evidence& evidence) {
@@ -78,11 +86,6 @@ WriteOutcome Judge(const WriteFacts& write, Evidence& evidence) {
     return WriteOutcome::kRefused;
 }
 
-/// True if the call's own outputs show that nothing came into being.
-bool IsDisproved(const WriteFacts& write) {
-    return write.kind == WriteKind::kNothing || (write.kind == WriteKind::kAdd && write.id.empty());
-}
-
 }  // namespace
 
 WriteKind WriteKindOf(std::int32_t flag) {
@@ -105,11 +108,8 @@ std::vector<WriteOutcome> JudgeWrites(std::span<const WriteFacts> writes, const 
         evidence.claimed.insert(StateKey(write.id.View()));
     }
     for (const WriteFacts& write : writes) {
-        if (IsDisproved(write)) {
-            outcomes.push_back(WriteOutcome::kRefused);
-        } else {
-            outcomes.push_back(isKnown ? Judge(write, evidence) : WriteOutcome::kUnproven);
-        }
+        const bool asksForSomething = write.kind != WriteKind::kNothing;
+        outcomes.push_back(isKnown || !asksForSomething ? Judge(write, evidence) : WriteOutcome::kUnproven);
     }
     return outcomes;
 }

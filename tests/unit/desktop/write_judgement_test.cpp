@@ -88,8 +88,20 @@ TEST(AnAdd, OfSeveralClaimsOneItemEach) {
     EXPECT_THAT(JudgeWrites(facts, &before, &own), ElementsAre(Outcome::kRefused, Outcome::kDone));
 }
 
-TEST(AnAdd, WithoutAnIdentifierIsRefusedWhateverTheFolderHolds) {
-    EXPECT_EQ(JudgeOne(Facts(WriteKind::kAdd, WIDE("")), "", Line("AB", kTime)), Outcome::kRefused);
+TEST(AnAdd, WithoutAnIdentifierIsDoneIfSomethingCameAtItsTime) {
+    EXPECT_EQ(JudgeOne(Facts(WriteKind::kAdd, WIDE("")), "", Line("AB", kTime)), Outcome::kDone);
+}
+
+TEST(AnAdd, WithoutAnIdentifierIsUnprovenIfSomethingCameAtAnotherTime) {
+    EXPECT_EQ(JudgeOne(Facts(WriteKind::kAdd, WIDE("")), "", Line("AB", kTime - 1)), Outcome::kUnproven);
+    EXPECT_EQ(JudgeOne(Facts(WriteKind::kAdd, WIDE(""), WIDE("")), "", Line("AB", kTime)),
+              Outcome::kUnproven);
+}
+
+TEST(AnAdd, WithoutAnIdentifierIsRefusedIfNothingCame) {
+    EXPECT_EQ(JudgeOne(Facts(WriteKind::kAdd, WIDE("")), "", ""), Outcome::kRefused);
+    EXPECT_EQ(JudgeOne(Facts(WriteKind::kAdd, WIDE("")), Line("AB", kTime), Line("AB", kTime)),
+              Outcome::kRefused);
 }
 
 TEST(AnAdd, ThatGivesBackTheIdentifierOfAnItemThatWasThereIsRefused) {
@@ -129,15 +141,15 @@ TEST(ADeletion, IsDoneIfTheItemWasThereAndIsGone) {
     EXPECT_EQ(JudgeOne(Facts(WriteKind::kDelete, WIDE("AB")), "", ""), Outcome::kUnproven);
 }
 
-TEST(AWrite, WithoutTheFoldersStatesIsUnprovenUnlessItsOutputsRefuteIt) {
+TEST(AWrite, WithoutTheFoldersStatesIsUnprovenUnlessItAsksForNothing) {
     const WriteFacts facts[] = {Facts(WriteKind::kAdd, WIDE("AB")), Facts(WriteKind::kAdd, WIDE("")),
                                 Facts(WriteKind::kChange, WIDE("AB")),
                                 Facts(WriteKind::kNothing, WIDE("AB"))};
     const FolderState state(MapWith(""));
     EXPECT_THAT(JudgeWrites(facts, nullptr, &state),
-                ElementsAre(Outcome::kUnproven, Outcome::kRefused, Outcome::kUnproven, Outcome::kRefused));
+                ElementsAre(Outcome::kUnproven, Outcome::kUnproven, Outcome::kUnproven, Outcome::kRefused));
     EXPECT_THAT(JudgeWrites(facts, &state, nullptr),
-                ElementsAre(Outcome::kUnproven, Outcome::kRefused, Outcome::kUnproven, Outcome::kRefused));
+                ElementsAre(Outcome::kUnproven, Outcome::kUnproven, Outcome::kUnproven, Outcome::kRefused));
 }
 
 }  // namespace
