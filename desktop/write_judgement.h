@@ -26,8 +26,8 @@ enum class WriteOutcome {
 
 /// Tells of each write whether it was done, since its status does not. `before` and `after` are what the
 /// folder held in front of the first write and behind the last one; no contact may have two of the writes,
-/// and the first write must be in a later second than `before`. Null for a state that could not be had: then nothing is
-/// proved but that what asks for nothing was not done.
+/// and the first write must be in a later second than `before`. Null for a state that could not be had: then
+/// nothing is proved but that what asks for nothing was not done.
 [[nodiscard]] std::vector<WriteOutcome> JudgeWrites(std::span<const WriteFacts> writes,
                                                     const FolderState* before, const FolderState* after);
 
