@@ -41,7 +41,7 @@ long CMAPIObject::GetCalendarEventCount() {
     return static_cast<long>(count);
 }
 
-ULONG CMAPIObject::GetCalendarEventCountFromFolder(const SBinary& entryId) {
+ULONG CMAPIObject::GetCalendarEventCountFromFolder(const SBinary& entryId) const {
     static constexpr FolderCount kCount{kCalendarItems, L"GetCalendarEventCountFromFolder",
                                         L"NULL or INVALID Parameter", L"OpenEntry Failed or NULL lpContainer",
                                         nullptr};

@@ -31,7 +31,7 @@ long CMAPIObject::GetContactCount() {
     return static_cast<long>(count);
 }
 
-ULONG CMAPIObject::GetContactCountFromFolder(const SBinary& entryId) {
+ULONG CMAPIObject::GetContactCountFromFolder(const SBinary& entryId) const {
     static constexpr FolderCount kCount{kContactItems, L"GetContactCountFromFolder", L"INVALID Parameter",
                                         nullptr, L"Get Count from SubFolder"};
     const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
