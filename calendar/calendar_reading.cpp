@@ -20,14 +20,14 @@ constexpr LPARAM kInterrupted = 21;
 
 }  // namespace
 
-long CMAPIObject::GetCalendarCount() {
+long CMAPIObject::GetCalendarCount() const {
     Log(kLogTrace, L"CMAPIObject::GetCalendarCount - Begin\r\n");
     const long count = GetCalendarEventCount();
     Log(kLogTrace, L"CMAPIObject::GetCalendarCount - Finish\r\n");
     return count;
 }
 
-long CMAPIObject::GetCalendarEventCount() {
+long CMAPIObject::GetCalendarEventCount() const {
     Log(kLogTrace, L"CMAPIObject::GetCalendarEventCount - Begin\r\n");
     ULONG count = 0;
     if (const ComPtr<IMAPIFolder> chosen = m_lpEventFolder) {

@@ -17,7 +17,7 @@ constexpr LPARAM kAllDone = 100;
 
 }  // namespace
 
-long CMAPIObject::GetContactCount() {
+long CMAPIObject::GetContactCount() const {
     Log(kLogTrace, L"CMAPIObject::GetContactCount - Begin\r\n");
     ULONG count = 0;
     if (const ComPtr<IMAPIFolder> chosen = m_lpContactFolder) {

@@ -76,7 +76,7 @@ class CMAPIObject {
     // contacts/contact_reading.cpp.
 
     /// The number of contacts that a full read sends; 0 without a contact folder.
-    long GetContactCount();
+    long GetContactCount() const;
     /// Sends all contacts of the chosen folder or, for the path of a map file, what changed in it since the
     /// map was written. Returns 0 for success and 1 for failure.
     int ReadContacts(const wchar_t* lParam1);
@@ -118,9 +118,9 @@ class CMAPIObject {
     // calendar/calendar_reading.cpp.
 
     /// The number of appointments that a full read sends; 0 without a calendar folder.
-    long GetCalendarCount();
+    long GetCalendarCount() const;
     /// The same, without the lines of the remote procedure.
-    long GetCalendarEventCount();
+    long GetCalendarEventCount() const;
     /// Counts the appointments of a folder and, by setting, of its sub-folders. Failures count as 0.
     ULONG GetCalendarEventCountFromFolder(const SBinary& entryId) const;
     /// Sends all appointments of the chosen folder or, for the path of a map file, what changed in it since
