@@ -54,7 +54,7 @@ void SendDeletedCalendar(const tagLogItem& item, int index, int total) {
 }  // namespace
 
 int CMAPIObject::ReadCalendarEventLogFromFolder(const SBinary& entryId,
-                                                CArray<tagLogItem, const tagLogItem&>& items) {
+                                                CArray<tagLogItem, const tagLogItem&>& items) const {
     const ComPtr<IMAPIFolder> chosen = m_lpEventFolder;
     const FolderLog log{kCalendarItems, L"ReadCalendarEventLogFromFolder", m_bStop};
     return ReadFolderLog(log, chosen.Get(), entryId, items);

@@ -20,14 +20,14 @@ constexpr LPARAM kInterrupted = 21;
 
 }  // namespace
 
-long CMAPIObject::GetCalendarCount() {
+long CMAPIObject::GetCalendarCount() const {
     Log(kLogTrace, L"CMAPIObject::GetCalendarCount - Begin\r\n");
     const long count = GetCalendarEventCount();
     Log(kLogTrace, L"CMAPIObject::GetCalendarCount - Finish\r\n");
     return count;
 }
 
-long CMAPIObject::GetCalendarEventCount() {
+long CMAPIObject::GetCalendarEventCount() const {
     Log(kLogTrace, L"CMAPIObject::GetCalendarEventCount - Begin\r\n");
     ULONG count = 0;
     if (const ComPtr<IMAPIFolder> chosen = m_lpEventFolder) {
@@ -41,7 +41,7 @@ long CMAPIObject::GetCalendarEventCount() {
     return static_cast<long>(count);
 }
 
-ULONG CMAPIObject::GetCalendarEventCountFromFolder(const SBinary& entryId) {
+ULONG CMAPIObject::GetCalendarEventCountFromFolder(const SBinary& entryId) const {
     static constexpr FolderCount kCount{kCalendarItems, L"GetCalendarEventCountFromFolder",
                                         L"NULL or INVALID Parameter", L"OpenEntry Failed or NULL lpContainer",
                                         nullptr};

@@ -19,7 +19,7 @@ int ParseTimeZoneBlob(const std::uint8_t* bytes, std::uint32_t size, NAMESPACE_C
         return 0;
     }
     std::array<std::uint8_t, kZoneRulesBytes> rules{};
-    auto end = std::copy_n(bytes, kBiasesBytes, rules.begin());
+    auto* end = std::copy_n(bytes, kBiasesBytes, rules.begin());
     end = std::copy_n(bytes + kStandardDate, sizeof(SYSTEMTIME), end);
     std::copy_n(bytes + kDaylightDate, sizeof(SYSTEMTIME), end);
     SetZoneRules(zone, rules);

@@ -53,7 +53,7 @@ void SendDeletedContact(const tagLogItem& item) {
 }  // namespace
 
 int CMAPIObject::ReadContactLogFromFolder(const SBinary& entryId,
-                                          CArray<tagLogItem, const tagLogItem&>& items) {
+                                          CArray<tagLogItem, const tagLogItem&>& items) const {
     const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
     const FolderLog log{kContactItems, L"ReadContactLogFromFolder", m_bStop};
     return ReadFolderLog(log, chosen.Get(), entryId, items);

@@ -17,7 +17,7 @@ constexpr LPARAM kAllDone = 100;
 
 }  // namespace
 
-long CMAPIObject::GetContactCount() {
+long CMAPIObject::GetContactCount() const {
     Log(kLogTrace, L"CMAPIObject::GetContactCount - Begin\r\n");
     ULONG count = 0;
     if (const ComPtr<IMAPIFolder> chosen = m_lpContactFolder) {
@@ -31,7 +31,7 @@ long CMAPIObject::GetContactCount() {
     return static_cast<long>(count);
 }
 
-ULONG CMAPIObject::GetContactCountFromFolder(const SBinary& entryId) {
+ULONG CMAPIObject::GetContactCountFromFolder(const SBinary& entryId) const {
     static constexpr FolderCount kCount{kContactItems, L"GetContactCountFromFolder", L"INVALID Parameter",
                                         nullptr, L"Get Count from SubFolder"};
     const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;

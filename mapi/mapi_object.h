@@ -76,12 +76,12 @@ class CMAPIObject {
     // contacts/contact_reading.cpp.
 
     /// The number of contacts that a full read sends; 0 without a contact folder.
-    long GetContactCount();
+    long GetContactCount() const;
     /// Sends all contacts of the chosen folder or, for the path of a map file, what changed in it since the
     /// map was written. Returns 0 for success and 1 for failure.
     int ReadContacts(const wchar_t* lParam1);
     /// Counts the contacts of a folder and, by setting, of its sub-folders. Failures count as 0.
-    ULONG GetContactCountFromFolder(const SBinary& entryId);
+    ULONG GetContactCountFromFolder(const SBinary& entryId) const;
     /// Sends the contacts of a folder, then those of its sub-folders. `path` names the folder in the
     /// documents. Returns 1 if all was walked to the end, otherwise 0.
     int ReadContactFromFolder(const SBinary& entryId, const CString& path);
@@ -90,7 +90,7 @@ class CMAPIObject {
 
     /// Appends what a contact folder and, by setting, its sub-folders hold now. Returns 1, or 0 for a list
     /// that is not complete.
-    int ReadContactLogFromFolder(const SBinary& entryId, CArray<tagLogItem, const tagLogItem&>& items);
+    int ReadContactLogFromFolder(const SBinary& entryId, CArray<tagLogItem, const tagLogItem&>& items) const;
     /// Sends the marked items: new and changed ones in full, deleted ones as what the list knows of them.
     /// Returns 1 if all was walked to the end, otherwise 0.
     int ReadContactFromLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
@@ -119,11 +119,11 @@ class CMAPIObject {
     // calendar/calendar_reading.cpp.
 
     /// The number of appointments that a full read sends; 0 without a calendar folder.
-    long GetCalendarCount();
+    long GetCalendarCount() const;
     /// The same, without the lines of the remote procedure.
-    long GetCalendarEventCount();
+    long GetCalendarEventCount() const;
     /// Counts the appointments of a folder and, by setting, of its sub-folders. Failures count as 0.
-    ULONG GetCalendarEventCountFromFolder(const SBinary& entryId);
+    ULONG GetCalendarEventCountFromFolder(const SBinary& entryId) const;
     /// Sends all appointments of the chosen folder or, for the path of a map file, what changed in it since
     /// the map was written. Returns 0 for success and 1 for failure.
     int ReadCalendars(const wchar_t* lParam1);
@@ -137,7 +137,8 @@ class CMAPIObject {
 
     /// Appends what a calendar folder and, by setting, its sub-folders hold now. Returns 1, or 0 for a list
     /// that is not complete.
-    int ReadCalendarEventLogFromFolder(const SBinary& entryId, CArray<tagLogItem, const tagLogItem&>& items);
+    int ReadCalendarEventLogFromFolder(const SBinary& entryId,
+                                       CArray<tagLogItem, const tagLogItem&>& items) const;
     /// Sends the marked items, to the end even when stopped: new and changed ones in full, deleted ones as
     /// what the list knows of them. Returns 1, or 0 after an exception.
     int ReadCalendarEventFromLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);

@@ -180,7 +180,7 @@ std::vector<unsigned char> SeriesBytes(const SampleSeries& series, const std::ws
     bytes.U16(layout.pattern);
     bytes.U16(0);
     bytes.U32(0);
-    bytes.U32(series.every * layout.step);
+    bytes.U32(std::size_t{series.every} * layout.step);
     bytes.U32(0);
     AddPattern(bytes, series);
     bytes.U32(series.until == nullptr ? 0x2023 : series.times != 0 ? 0x2022 : 0x2021);

@@ -26,9 +26,9 @@ constexpr std::uint32_t kLastWeek = 5;
 
 /// A changed instance. What is not set is that of the series.
 struct SampleChange {
-    const wchar_t* day;    ///< of the series, "2026-03-02"
-    const wchar_t* moved;  ///< its new start, "2026-03-03 09:00"
-    std::uint32_t minutes;
+    const wchar_t* day = L"";    ///< of the series, "2026-03-02"
+    const wchar_t* moved = L"";  ///< its new start, "2026-03-03 09:00"
+    std::uint32_t minutes = 0;
     std::optional<std::wstring> subject{};
     std::optional<std::wstring> location{};
     std::optional<std::uint32_t> meetingType{};
