@@ -43,12 +43,20 @@ std::vector<std::uint8_t> ReadToEnd(IStream* stream) {
     }
 }
 
-/// The value of a binary property that GetProps has refused as too large.
+/// The value of a binary property that GetProps has refused as too large; nothing if it cannot be had.
 std::vector<std::uint8_t> ReadLargeBinary(IMessage* message, ULONG tag) {
     ComPtr<IStream> stream;
     const HRESULT result = message->OpenProperty(CHANGE_PROP_TYPE(tag, PT_BINARY), &IID_IStream, 0, 0,
                                                  reinterpret_cast<LPUNKNOWN*>(stream.GetAddressOf()));
-    return result == S_OK && stream ? ReadToEnd(stream.Get()) : std::vector<std::uint8_t>();
+    if (result != S_OK || !stream) {
+        return {};
+    }
+    try {
+        return ReadToEnd(stream.Get());
+    } catch (const std::bad_alloc&) {
+        // One property that does not fit is no reason to leave out those behind it.
+        return {};
+    }
 }
 
 void CopyBytes(const std::uint8_t* source, std::uint32_t count, std::unique_ptr<std::uint8_t[]>& bytes) {

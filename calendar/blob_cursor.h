@@ -64,6 +64,11 @@ class BlobCursor {
     /// Skips a block that begins with its size.
     void SkipSizedBlock() noexcept { Skip(Take<std::uint32_t>()); }
 
+    /// The bytes between here and the end; 0 behind it.
+    [[nodiscard]] std::uint32_t Remaining() const noexcept {
+        return m_offset <= m_size ? m_size - m_offset : 0;
+    }
+
     /// The bytes from the beginning to here, modulo 2^32.
     [[nodiscard]] std::uint32_t Offset() const noexcept { return m_offset; }
 

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "calendar/calendar_sending.h"
 #include "calendar/calendar_xml_output.h"
 #include "changelog/folder_log.h"
@@ -11,16 +13,12 @@ namespace {
 
 constexpr const wchar_t* kOperation = L"ReadCalendarEventFromLog";
 
-/// Sends an appointment that is new or changed; one that is gone meanwhile is passed over.
-void SendChangedCalendar(IMAPIFolder* chosen, const tagLogItem& item, const CString& path,
-                         const NAMESPACE_COMMON::tagZebTimeZone& zone) {
-    const ComPtr<IMessage> message = OpenMarkedItem(kOperation, chosen, item);
-    if (!message) {
-        return;
-    }
+/// Fills the document of an appointment that is new or changed. The message is let go before the document is
+/// sent.
+void FillDocument(CXMLParser& document, ComPtr<IMessage> message, const tagLogItem& item, const CString& path,
+                  const NAMESPACE_COMMON::tagZebTimeZone& zone) {
     ULONG count = 0;
     const MapiBuffer<SPropValue> values = ReadColumns(kOperation, message.Get(), kCalendarColumns, count);
-    CXMLParser document;
     BeginCalendarDocument(document);
     AppendElement(document, L"CsFolder", path);
     AppendElement(document, L"lFlag", CString::FromNumber(item.m_lLogFlag));
@@ -29,6 +27,17 @@ void SendChangedCalendar(IMAPIFolder* chosen, const tagLogItem& item, const CStr
     WriteCalendarRowFields(ownId, document, values.Get(), &count);
     AppendElement(document, L"PIMID", ownId);
     WriteCalendarDetails(document, message.Get(), zone);
+}
+
+/// Sends an appointment that is new or changed; one that is gone meanwhile is passed over.
+void SendChangedCalendar(IMAPIFolder* chosen, const tagLogItem& item, const CString& path,
+                         const NAMESPACE_COMMON::tagZebTimeZone& zone) {
+    ComPtr<IMessage> message = OpenMarkedItem(kOperation, chosen, item);
+    if (!message) {
+        return;
+    }
+    CXMLParser document;
+    FillDocument(document, std::move(message), item, path, zone);
     if (CloseCalendarDocument(document)) {
         SendCalendar(document.GetDocumentText());
     }

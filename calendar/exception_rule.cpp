@@ -43,10 +43,12 @@ CString EncodedText(const CString& text) {
     return result;
 }
 
+using DeletedDateSet = std::unordered_set<std::uint32_t>;
+
 /// The deleted days of which no changed instance is the reason.
-std::unordered_set<std::uint32_t> PureDeletions(const tagRecurrencePattern& pattern) {
-    std::unordered_set<std::uint32_t> days(pattern.DeletedInstanceDates.get(),
-                                           pattern.DeletedInstanceDates.get() + pattern.DeletedInstanceCount);
+DeletedDateSet PureDeletions(const tagRecurrencePattern& pattern) {
+    DeletedDateSet days(pattern.DeletedInstanceDates.get(),
+                        pattern.DeletedInstanceDates.get() + pattern.DeletedInstanceCount);
     for (std::uint32_t i = 0; pattern.Exceptions && i < pattern.ModifiedInstanceCount; ++i) {
         days.erase(pattern.Exceptions[i].OriginalDate);
     }
@@ -54,7 +56,7 @@ std::unordered_set<std::uint32_t> PureDeletions(const tagRecurrencePattern& patt
 }
 
 void AppendDeletions(CString& text, const tagRecurrencePattern& pattern) {
-    const std::unordered_set<std::uint32_t> days = PureDeletions(pattern);
+    const DeletedDateSet days = PureDeletions(pattern);
     for (std::uint32_t i = 0; i < pattern.DeletedInstanceCount; ++i) {
         const std::uint32_t day = pattern.DeletedInstanceDates[i];
         if (days.contains(day)) {

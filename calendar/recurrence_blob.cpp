@@ -22,10 +22,17 @@ struct TextLengths {
     std::uint16_t characters = 0;
 };
 
-/// An array of so many elements, or null for none and if there is no memory.
+/// True for a count that only damage explains. What is not there stands as zeros and is told of in the
+/// document, each with a paragraph, so a few bytes must not ask for many.
+bool IsBeyondReason(std::uint32_t count, const BlobCursor& cursor) {
+    const bool isThere = count <= cursor.Remaining() / sizeof(std::uint32_t);
+    return count > kMostInstances || (count > kMostMissing && !isThere);
+}
+
+/// An array of as many elements as dates follow at the cursor, or null for none and if there is no memory.
 template<class Element>
-std::unique_ptr<Element[]> MakeArray(std::uint32_t count) {
-    if (count == 0 || count > kMostInstances) {
+std::unique_ptr<Element[]> MakeArray(std::uint32_t count, const BlobCursor& cursor) {
+    if (count == 0 || IsBeyondReason(count, cursor)) {
         return nullptr;
     }
     return std::unique_ptr<Element[]>(new (std::nothrow) Element[count]());
@@ -83,7 +90,7 @@ void ReadPattern(BlobCursor& cursor, tagRecurrencePattern& pattern) {
 
 void ReadDeletedDates(BlobCursor& cursor, tagRecurrencePattern& pattern) {
     cursor.Read(pattern.DeletedInstanceCount);
-    pattern.DeletedInstanceDates = MakeArray<std::uint32_t>(pattern.DeletedInstanceCount);
+    pattern.DeletedInstanceDates = MakeArray<std::uint32_t>(pattern.DeletedInstanceCount, cursor);
     if (!pattern.DeletedInstanceDates) {
         cursor.Skip(4U * pattern.DeletedInstanceCount);
         return;
@@ -95,7 +102,7 @@ void ReadDeletedDates(BlobCursor& cursor, tagRecurrencePattern& pattern) {
 
 void ReadModifiedDates(BlobCursor& cursor, tagRecurrencePattern& pattern) {
     cursor.Read(pattern.ModifiedInstanceCount);
-    pattern.Exceptions = MakeArray<tagRecurrenceException>(pattern.ModifiedInstanceCount);
+    pattern.Exceptions = MakeArray<tagRecurrenceException>(pattern.ModifiedInstanceCount, cursor);
     if (!pattern.Exceptions) {
         cursor.Skip(4U * pattern.ModifiedInstanceCount);
         return;

@@ -8,6 +8,9 @@
 /// there is no memory: a blob of a few bytes must not take gigabytes.
 constexpr std::uint32_t kMostInstances = 1'048'576;
 
+/// The most that it is made for if the blob ends before that many dates; the missing ones are zero.
+constexpr std::uint32_t kMostMissing = 4096;
+
 /// Reads PidLidAppointmentRecur (MS-OXOCAL 2.2.1.44.5) into a new record. Nothing is checked for
 /// plausibility: what a short or damaged blob does not hold stays zero, and the rest is read as it stands.
 /// Returns the bytes that the blob says to take up, modulo 2^32; 0 for a null pointer and if nothing could be

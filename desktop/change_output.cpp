@@ -48,7 +48,9 @@ std::vector<std::string> ChangeOutput::MissingOf(const std::vector<std::string>&
     std::vector<std::string> missing;
     std::copy_if(ids.begin(), ids.end(), std::back_inserter(missing),
                  [this](const std::string& id) { return !m_arrived.contains(id); });
-    return missing;
+    const std::size_t matched = ids.size() - missing.size();
+    const std::size_t strangers = m_arrived.size() - matched;
+    return strangers < missing.size() ? missing : std::vector<std::string>();
 }
 
 void ChangeOutput::BelieveDeletions() {

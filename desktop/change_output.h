@@ -22,6 +22,9 @@ class ChangeOutput : public ItemOutput {
     [[nodiscard]] const ChangeCounts& Counts() const { return m_counts; }
     /// Those of the identifiers of which no document has come: the agent knows nothing of a document that got
     /// lost on its way, and passes over an item that it cannot open, but in its map both count as told.
+    /// Documents under identifiers that are not among them stand for as many others, since an appointment
+    /// that changed goes out under its short-term identifier and is listed under the long-term one where
+    /// there is one; if they are too few for all, it cannot be told for which.
     [[nodiscard]] std::vector<std::string> MissingOf(const std::vector<std::string>& ids) const;
 
     /// Hands the deletions on too.

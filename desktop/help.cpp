@@ -114,7 +114,8 @@ OUTPUT
 INTERRUPTING
   Ctrl+C tells the agent to stop after the item that it is sending. What has
   arrived by then is kept and printed, zebdesk logs off and ends with exit
-  status 5. A second Ctrl+C ends it at once, without logging off.
+  status 5. A second Ctrl+C ends it at once, without logging off. Changes of calendar
+  items are read to their end all the same, and the exit status is 0 if all came.
 
 EXIT STATUS
   0  done

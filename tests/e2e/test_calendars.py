@@ -177,7 +177,8 @@ class StrangeSeries(CalendarCase):
     def test_whatever_the_property_holds_a_document_arrives(self):
         blob = weekly(deleted=[MONDAY], changes=[moved(MONDAY, subject="S")]).blob()
         items = {f"Cut {size}": blob[:size] for size in range(0, len(blob), 7)}
-        items |= {f"Count {place}": blob[:place] + b"\xFF\xFF\xFF\x7F" + blob[place + 4:] for place in (38, 46)}
+        items |= {f"Count {count} at {place}": blob[:place] + struct.pack("<L", count) + blob[place + 4:]
+                  for place in (38, 46) for count in (4096, 0xFFFF, 0xFFFFF, 0x7FFFFFFF)}
         items["Noise"] = bytes((number * 73 + 41) % 256 for number in range(500))
         self.place.make_items(appointment(name, kind=2, series=series) for name, series in items.items())
         self.assertEqual(set(self.read()), set(items))
@@ -260,6 +261,25 @@ class ReadingCalendars(CalendarCase):
         [deletion] = [document for document in documents if "<CsFolder>" not in document]
         self.assertRegex(deletion.replace("\r\n", "\n"), "<Calendar>\n\t<lFlag>32</lFlag>\n\t<PIMID>[0-9A-F]+</PIMID>\n"
                          r"\t<lCalType>3</lCalType>\n\t<LastModifiedTime>[0-9/]+ [0-9:]+</LastModifiedTime></Calendar>")
+
+    def test_changes_under_long_term_identifiers_come_once_too(self):
+        (self.place.root / "Work/Mail/folder.ini").write_text("[Store]\nLongTermIds=1\n")
+        self.assertEqual(self.changes("first"), ["new", "new"])
+        self.assertEqual(self.changes("second"), [])
+        one, _ = sorted(self.folder.glob("*.msg"))
+        one.rename(self.place.path / "one.msg")
+        self.assertEqual(self.changes("third"), ["deleted"])
+        (self.place.path / "one.msg").rename(one)
+        self.assertEqual(self.changes("fourth"), ["new"])
+        self.assertEqual(self.changes("fifth"), [])
+
+    def test_changes_are_read_to_their_end_whatever_the_user_presses(self):
+        self.place.make_items(appointment(f"More {number}") for number in range(100))
+        self.place.start_agent()
+        status, output, errors = self.place.interrupt_desktop("read", "calendars", "--changed",
+                                                              harness.windows_path(self.map), "--xml")
+        self.assertEqual((status, output.count("<lFlag>8</lFlag>")), (0, 102), errors)
+        self.assertEqual(self.changes("next"), [])
 
     def test_another_folder_is_read_by_its_identifier(self):
         self.place.settings(XMLPath=harness.windows_path(self.place.path))

@@ -270,16 +270,42 @@ TEST(RecurrenceBlob, DatesThatAreNotThereAreZeroInTheArray) {
 
 TEST(RecurrenceBlob, TheMostDeletedDatesHaveAnArrayAndOneMoreHasNone) {
     const BlobBytes head = HeadBytes(OfKind(0, 0)).U32(0).U32(0).U32(0);
-    const auto most = ReadExactly(BlobBytes(head).U32(1'048'576));
+    const auto most = ReadExactly(BlobBytes(head).U32(1'048'576).Fill(4 * 1'048'576, 'x'));
     EXPECT_EQ(most.pattern.DeletedInstanceCount, 1'048'576U);
     ASSERT_NE(most.pattern.DeletedInstanceDates, nullptr);
-    EXPECT_EQ(most.pattern.DeletedInstanceDates[1'048'575], 0U);
-    EXPECT_EQ(most.result, head.Size() + 4);
+    EXPECT_EQ(most.pattern.DeletedInstanceDates[1'048'575], 0x78787878U);
+    EXPECT_EQ(most.result, head.Size() + 4 + 4 * 1'048'576);
 
     const auto more = ReadExactly(BlobBytes(head).U32(1'048'577));
     EXPECT_EQ(more.pattern.DeletedInstanceCount, 1'048'577U);
     EXPECT_EQ(more.pattern.DeletedInstanceDates, nullptr);
     EXPECT_EQ(more.result, head.Size() + 4 + 4 * 1'048'577U);
+}
+
+TEST(RecurrenceBlob, OfManyMissingDatesThereIsNoArray) {
+    const BlobBytes head = HeadBytes(OfKind(0, 0)).U32(0).U32(0).U32(0);
+    const auto most = ReadExactly(BlobBytes(head).U32(4096));
+    ASSERT_NE(most.pattern.DeletedInstanceDates, nullptr);
+    EXPECT_EQ(most.pattern.DeletedInstanceDates[4095], 0U);
+    const auto more = ReadExactly(BlobBytes(head).U32(4097).Fill(4 * 4096, 'x'));
+    EXPECT_EQ(more.pattern.DeletedInstanceCount, 4097U);
+    EXPECT_EQ(more.pattern.DeletedInstanceDates, nullptr);
+    EXPECT_EQ(more.result, head.Size() + 4 + 4 * 4097U);
+
+    const auto exceptions = ReadExactly(BlobBytes(head).U32(0).U32(1'048'576));
+    EXPECT_EQ(exceptions.pattern.ModifiedInstanceCount, 1'048'576U);
+    EXPECT_EQ(exceptions.pattern.Exceptions, nullptr);
+}
+
+TEST(RecurrenceBlob, SizeOfTheLastBlockCountsModulo32Bits) {
+    const BlobBytes blob = RecurrenceBytes(OfKind(0, 0));
+    BlobBytes cut;
+    const std::uint32_t front = blob.Size() - 4;
+    for (std::uint32_t i = 0; i < front; ++i) {
+        cut.Fill(1, blob.Bytes()[i]);
+    }
+    EXPECT_EQ(ReadExactly(BlobBytes(cut).U32(5)).result, front + 4 + 5);
+    EXPECT_EQ(ReadExactly(BlobBytes(cut).U32(0U - (front + 4))).result, 0U);
 }
 
 TEST(RecurrenceBlob, DatesWithoutAnArrayAreSkippedModulo32Bits) {

@@ -278,6 +278,20 @@ TEST(RecurrenceExceptions, LengthsThatCannotBeReadAreThoseOfTheTextBefore) {
     EXPECT_EQ(ReadExactly(blob).result, blob.Size() + 3);
 }
 
+TEST(RecurrenceExceptions, SubjectAndLocationShareTheirLengths) {
+    const BlobBytes subject = UpToExceptionCount(0x3008, 1)
+                                  .U16(1)               // ExceptionCount
+                                  .Add(InfoHead(0x11))  // ExceptionInfo with a subject and a location
+                                  .U16(4)               // SubjectLength
+                                  .U16(3)               // SubjectLength2
+                                  .Narrow("abc");       // Subject
+    EXPECT_EQ(ReadExactly(subject).result, subject.Size() + 3);
+    const BlobBytes sameWord = BlobBytes(subject).U16(4);  // LocationLength
+    EXPECT_EQ(ReadExactly(sameWord).result, sameWord.Size() + 3);
+    const BlobBytes otherWord = BlobBytes(subject).U16(9);
+    EXPECT_EQ(ReadExactly(otherWord).result, otherWord.Size());
+}
+
 TEST(RecurrenceExceptions, ExceptionsOutOfOrderStayAsTheyStand) {
     tagRecurrencePattern written = Weekly();
     SetDeleted(written, {kFirstMonday, kFirstMonday + kDay, kFirstMonday + 2 * kDay});

@@ -137,6 +137,17 @@ TEST(ChangeOutput, HoldsDeletionsBackUntilTheyAreBelieved) {
     EXPECT_THAT(output.MissingOf({"0A", "0D", "0B", "0E"}), ElementsAre("0D", "0E"));
 }
 
+TEST(ChangeOutput, TakesDocumentsUnderOtherIdentifiersForAsManyThatAreMissing) {
+    std::vector<CString> texts;
+    ChangeOutput output(*FindItemKind(L"contacts"), std::make_unique<DocumentList>(texts), false);
+    Take(output, L"<Contact><lFlag>4</lFlag><PIMID>5A</PIMID></Contact>");
+    Take(output, L"<Contact><lFlag>8</lFlag><PIMID>5B</PIMID></Contact>");
+    Take(output, L"<Contact><lFlag>32</lFlag><PIMID>0C</PIMID></Contact>");
+    EXPECT_THAT(output.MissingOf({"0A", "0B", "0C"}), IsEmpty());
+    EXPECT_THAT(output.MissingOf({"0A", "0B", "0C", "0D"}), ElementsAre("0A", "0B", "0D"));
+    EXPECT_THAT(output.MissingOf({"0C"}), IsEmpty());
+}
+
 class WorkingMapTest : public ::testing::Test {
   protected:
     CString Map() const { return m_folder.File(L"map"); }

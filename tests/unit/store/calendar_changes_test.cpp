@@ -1,5 +1,7 @@
 // Reads of changed appointments: the walk that lists a folder, and what is sent of the marked list.
 
+#include "mapi/hex_text.h"
+#include "mapi/store_entries.h"
 #include "support/settings.h"
 #include "tests/unit/store/calendar_reading_fixture.h"
 #include "tests/unit/store/change_log.h"
@@ -215,6 +217,59 @@ TEST_F(CalendarChanges, SentDocumentHasTheFieldsOfAFullRead) {
     ASSERT_NE(place, CString::npos);
     changed.erase(place, flag.size());
     EXPECT_EQ(changed, full);
+}
+
+TEST_F(CalendarChanges, ChangedItemGoesOutUnderItsShortTermIdentifierAndADeletionUnderTheListedOne) {
+    AddAppointments(L"Calendar", {L"One"});
+    WriteFile(L"Work\\Mail\\folder.ini", "[Store]\nLongTermIds=1\n");
+    LogOn();
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    const CString full = TextBetween(TakeSentCalendars().at(0), L"<PIMID>", L"</PIMID>");
+    CString listed;
+    OnGetChangeLog([&](LogItems& items, const GetChangeLogArgs&) {
+        listed = items[0].m_strId;
+        tagLogItem gone = items[0];
+        gone.m_lLogFlag = 32;
+        items[0].m_lLogFlag = 4;
+        items.Add(gone);
+        return 2;
+    });
+    ASSERT_EQ(ReadChanges(), 0);
+    const std::vector<CString> documents = TakeSentCalendars();
+    ASSERT_EQ(documents.size(), 2U);
+    EXPECT_EQ(listed, full);
+    const ComPtr<IMessage> message = OpenMessageByHexId(g_MAPIObject.m_lpEventFolder.Get(), listed);
+    MapiBuffer<SPropValue> own;
+    ASSERT_EQ(pfnHrGetOneProp(message.Get(), PR_ENTRYID, own.Put()), S_OK);
+    const CString ownId = BinaryToHexString(own->Value.bin.lpb, own->Value.bin.cb);
+    EXPECT_NE(ownId, listed);
+    EXPECT_EQ(TextBetween(documents[0], L"<PIMID>", L"</PIMID>"), ownId);
+    EXPECT_EQ(TextBetween(documents[1], L"<PIMID>", L"</PIMID>"), listed);
+    const LogLines log = TakeLog();
+    EXPECT_EQ(std::count(log.begin(), log.end(),
+                         LogLine{1, L"CMAPIObject::ReadCalendarEventFromLog - Update(" + listed + L")\r\n"}),
+              1);
+}
+
+TEST_F(CalendarChanges, MessageIsLetGoBeforeItsDocumentIsSent) {
+    AddAppointments(L"Calendar", {L"One", L"Two"});
+    LogOn();
+    std::vector<long> changes;
+    OnSend([&] { changes.push_back(recorder::LiveBuffers()); });
+    ASSERT_EQ(ReadChanges(), 0);
+    TakeSentCalendars();
+    OnGetChangeLog([](LogItems& items, const GetChangeLogArgs&) {
+        for (tagLogItem& item : items) {
+            item.m_lLogFlag = 32;
+        }
+        return 2;
+    });
+    // Nothing is opened for a deletion.
+    std::vector<long> deletions;
+    OnSend([&] { deletions.push_back(recorder::LiveBuffers()); });
+    ASSERT_EQ(ReadChanges(), 0);
+    EXPECT_EQ(changes.size(), 2U);
+    EXPECT_EQ(changes, deletions);
 }
 
 TEST_F(CalendarChanges, ItemThatIsNewAndChangedCountsAsNew) {
