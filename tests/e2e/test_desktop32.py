@@ -2,12 +2,15 @@
 
 import unittest
 
+import appointments
 import harness
+from appointments import Change, Series, appointment, minutes
 from contact_fields import BODY, fields, tag_line
 
 RUNNER = "run-wine32.sh"
 PROGRAM = "zebdesk32.exe"
 LONG = "y" * 100000
+MONDAY, DAY, WEEK = minutes(2011, 3, 7), 1440, 7 * 1440
 TEXTS = ["plain", "\u65e5\u672c\u8a9e \U0001F600", "x" * 2000]
 
 
@@ -34,6 +37,26 @@ class Desktop32(harness.Case):
         for document in documents.values():
             self.assertEqual(fields(document.decode())["SP-BODY"], LONG)
         self.assertEqual(documents, self.place.read_with_desktop())
+
+    def test_it_reads_the_appointments_that_the_64_bit_one_reads(self):
+        changes = [Change(MONDAY + number * WEEK, MONDAY + number * WEEK + DAY + 540, MONDAY + number * WEEK + DAY + 600,
+                          subject="\u4f1a " + "x" * 300, location="Elsewhere", delta=5) for number in range(100)]
+        series = Series(appointments.WEEKLY, 1, 1, [0x02], deleted=[MONDAY - WEEK, *[change.day for change in changes]],
+                        changes=changes)
+        self.place.folder("Work/Mail/Calendar")
+        self.place.make_items([appointment("Review", location="Room 4", kind=2, series=series, reminder=15),
+                               appointment(TEXTS[1], all_day=True), appointment(TEXTS[2])])
+        self.place.start_agent()
+        documents = self.place.read_with_desktop(kind="calendars", program=PROGRAM, runner=RUNNER)
+        found = {item["Description"]: item for item in (appointments.fields(one.decode()) for one in documents.values())}
+        self.assertEqual(set(found), {"Review", *TEXTS[1:]})
+        self.assertEqual(found["Review"]["ExceptionRule"], series.rule("Review", "Room 4", 15))
+        self.assertEqual(documents, self.place.read_with_desktop(kind="calendars"))
+        for command in (["count", "calendars"], ["read", "calendars", "--quiet"]):
+            shown = self.place.run_desktop(*command, program=PROGRAM, runner=RUNNER)
+            self.assertEqual((shown[0], shown[2]), (0, ""), shown)
+            self.assertEqual(shown, self.place.run_desktop(*command))
+        self.assertEqual(shown[1].count("every week on Mon until 2011-05-04, 1 deleted, 100 changed"), 1)
 
     def test_it_starts_the_agent_and_ends_it(self):
         self.assertEqual(len(self.read32()), len(TEXTS))
