@@ -31,33 +31,62 @@ constexpr LONG kReminderPlaySound = 0x851E;
 
 constexpr LONG kBusy = 2;
 
+constexpr ULONGLONG kFileTimesPerMinute = 600'000'000;
+
+ULONGLONG CountOf(const FILETIME& time) {
+    return ULONGLONG{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+}
+
 FILETIME Later(const FILETIME& time, std::uint32_t minutes) {
-    constexpr ULONGLONG kFileTimesPerMinute = 600'000'000;
-    const ULONGLONG count =
-        (ULONGLONG{time.dwHighDateTime} << 32 | time.dwLowDateTime) + minutes * kFileTimesPerMinute;
+    const ULONGLONG count = CountOf(time) + minutes * kFileTimesPerMinute;
     return {static_cast<DWORD>(count & 0xFFFFFFFF), static_cast<DWORD>(count >> 32)};
 }
 
+/// A rule that holds in every year, which is what its year of 0 says.
+SYSTEMTIME RuleOf(const ZoneDate& date) {
+    SYSTEMTIME rule{};
+    rule.wMonth = date.month;
+    rule.wDayOfWeek = date.weekday;
+    rule.wDay = date.nth;
+    rule.wHour = date.hour;
+    return rule;
+}
+
+/// The zone in which the times of an appointment are meant. A mail program stores a whole day as midnight of
+/// the machine that it runs on, and of no other zone. So whole days are of this machine's zone, and a read on
+/// it finds them from midnight to midnight.
+TIME_ZONE_INFORMATION ZoneOf(const SampleAppointment& item) {
+    if (item.isWholeDay || item.zone == nullptr) {
+        return MachineZone();
+    }
+    TIME_ZONE_INFORMATION zone{};
+    zone.Bias = item.zone->bias;
+    zone.DaylightBias = item.zone->daylightBias;
+    zone.StandardDate = RuleOf(item.zone->standard);
+    zone.DaylightDate = RuleOf(item.zone->daylight);
+    return zone;
+}
+
 /// PidLidTimeZoneStruct (MS-OXOCAL 2.2.1.39).
-std::vector<BYTE> ZoneBytes(const SampleZone& zone) {
+std::vector<BYTE> ZoneBytes(const TIME_ZONE_INFORMATION& zone) {
     std::vector<BYTE> bytes;
     const auto add = [&bytes](ULONG number, int count) {
         for (int i = 0; i < count; ++i) {
             bytes.push_back(static_cast<BYTE>(number >> 8 * i & 0xFF));
         }
     };
-    const auto addDate = [&add](const ZoneDate& date) {
-        // The year beside the date, and the year in it: the rule holds in every year.
-        for (const ULONG part : {ULONG{0}, ULONG{0}, ULONG{date.month}, ULONG{date.weekday}, ULONG{date.nth},
-                                 ULONG{date.hour}, ULONG{0}, ULONG{0}, ULONG{0}}) {
+    const auto addDate = [&add](const SYSTEMTIME& date) {
+        // The year stands beside the date too.
+        for (const WORD part : {date.wYear, date.wYear, date.wMonth, date.wDayOfWeek, date.wDay, date.wHour,
+                                date.wMinute, date.wSecond, date.wMilliseconds}) {
             add(part, 2);
         }
     };
-    add(static_cast<ULONG>(zone.bias), 4);
-    add(0, 4);
-    add(static_cast<ULONG>(zone.daylightBias), 4);
-    addDate(zone.standard);
-    addDate(zone.daylight);
+    add(static_cast<ULONG>(zone.Bias), 4);
+    add(static_cast<ULONG>(zone.StandardBias), 4);
+    add(static_cast<ULONG>(zone.DaylightBias), 4);
+    addDate(zone.StandardDate);
+    addDate(zone.DaylightDate);
     return bytes;
 }
 
@@ -65,7 +94,7 @@ std::vector<BYTE> ZoneBytes(const SampleZone& zone) {
 class AppointmentProperties {
   public:
     AppointmentProperties(IMessage* message, const SampleAppointment& item, NamedTags& tags)
-        : m_message(message), m_item(item), m_tags(tags) {}
+        : m_message(message), m_item(item), m_tags(tags), m_zone(ZoneOf(item)) {}
 
     void Set() {
         AddTexts();
@@ -97,14 +126,16 @@ class AppointmentProperties {
     }
 
     void AddTimes() {
-        const FILETIME start = LocalToUtc(TimeOf(m_item.start));
-        // The end is as many minutes of the clock later, also where the clock changes in between.
-        const FILETIME end = LocalToUtc(Later(TimeOf(m_item.start), m_item.minutes));
+        const FILETIME start = LocalToUtc(TimeOf(m_item.start), m_zone);
+        // The end is as many minutes of the clock later, also where the clock changes in between. The
+        // duration is the time that passes.
+        const FILETIME end = LocalToUtc(Later(TimeOf(m_item.start), m_item.minutes), m_zone);
         m_properties.Time(Tag(kStartWhole, PT_SYSTIME), start);
         m_properties.Time(Tag(kEndWhole, PT_SYSTIME), end);
         m_properties.Time(CommonTag(kCommonStart, PT_SYSTIME), start);
         m_properties.Time(CommonTag(kCommonEnd, PT_SYSTIME), end);
-        m_properties.Number(Tag(kDuration, PT_LONG), static_cast<LONG>(m_item.minutes));
+        m_properties.Number(Tag(kDuration, PT_LONG),
+                            static_cast<LONG>((CountOf(end) - CountOf(start)) / kFileTimesPerMinute));
         m_properties.Flag(Tag(kSubType, PT_BOOLEAN), m_item.isWholeDay);
         m_properties.Number(Tag(kBusyStatus, PT_LONG), kBusy);
     }
@@ -120,10 +151,12 @@ class AppointmentProperties {
     }
 
     void AddZone() {
-        if (m_item.zone != nullptr) {
-            m_properties.Bytes(Tag(kTimeZoneStruct, PT_BINARY), ZoneBytes(*m_item.zone));
-            m_properties.Text(Tag(kTimeZoneDescription, PT_UNICODE), m_item.zone->name);
+        if (!m_item.isWholeDay && m_item.zone == nullptr) {
+            return;
         }
+        m_properties.Bytes(Tag(kTimeZoneStruct, PT_BINARY), ZoneBytes(m_zone));
+        m_properties.Text(Tag(kTimeZoneDescription, PT_UNICODE),
+                          m_item.isWholeDay ? m_zone.StandardName : m_item.zone->name);
     }
 
     void AddSeries() {
@@ -138,6 +171,7 @@ class AppointmentProperties {
     IMessage* m_message;
     const SampleAppointment& m_item;
     NamedTags& m_tags;
+    TIME_ZONE_INFORMATION m_zone;
     MessageProperties m_properties;
 };
 

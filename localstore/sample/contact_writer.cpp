@@ -217,7 +217,7 @@ class ItemProperties {
         const std::wstring text = m_item.Text(field);
         if (!text.empty()) {
             const FILETIME midnight = TimeOf(text);
-            m_properties.Time(tag, LocalToUtc(midnight));
+            m_properties.Time(tag, LocalToUtc(midnight, MachineZone()));
             m_properties.Time(Named(localNumber, PT_SYSTIME), midnight);
         }
     }

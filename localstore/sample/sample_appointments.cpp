@@ -38,18 +38,14 @@ void AddSingle(std::vector<SampleAppointment>& items) {
                      .minutes = 9 * 60,
                      .reminder = 0,
                      .zone = &kBerlin});
-    items.push_back({.subject = L"Fête nationale",
-                     .start = L"2026-07-14 00:00",
-                     .minutes = kDay,
-                     .isWholeDay = true,
-                     .zone = &kBerlin});
+    items.push_back(
+        {.subject = L"Fête nationale", .start = L"2026-07-14 00:00", .minutes = kDay, .isWholeDay = true});
     items.push_back({.subject = L"Trade fair <North & South>",
                      .location = L"Hall \"B\"",
                      .start = L"2026-10-24 00:00",
                      .minutes = 3 * kDay,
                      .isWholeDay = true,
-                     .reminder = 1080,
-                     .zone = &kBerlin});
+                     .reminder = 1080});
     items.push_back({.subject = L"Call with the supplier",
                      .start = L"2026-05-06 16:00",
                      .minutes = 30,
@@ -79,7 +75,6 @@ void AddOftenRecurring(std::vector<SampleAppointment>& items) {
                      .start = L"2026-01-01 00:00",
                      .minutes = kDay,
                      .isWholeDay = true,
-                     .zone = &kKolkata,
                      .series = SampleSeries{.kind = Days}});
     items.push_back(
         {.subject = L"Chorprobe",
@@ -184,7 +179,6 @@ void AddSeldomRecurring(std::vector<SampleAppointment>& items) {
                      .minutes = kDay,
                      .isWholeDay = true,
                      .reminder = 1080,
-                     .zone = &kBerlin,
                      .series = SampleSeries{.kind = DayOfYear, .day = 28}});
     items.push_back({.subject = L"Election",
                      .start = L"2026-11-03 07:00",
@@ -201,7 +195,6 @@ void AddSeldomRecurring(std::vector<SampleAppointment>& items) {
                      .start = L"2026-09-21 00:00",
                      .minutes = kDay,
                      .isWholeDay = true,
-                     .zone = &kTokyo,
                      .series = SampleSeries{.kind = NthOfYear, .days = kMonday, .nth = 3}});
 }
 

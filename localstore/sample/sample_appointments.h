@@ -29,17 +29,17 @@ struct SampleZone {
 
 constexpr long kNoReminder = -1;
 
-/// One appointment. Times are of this machine's zone.
+/// One appointment. Its times are those of the clocks in its zone, also in a series.
 struct SampleAppointment {
     std::wstring subject{};
     std::wstring location{};
     std::wstring body{};
     std::wstring start{};  ///< "2026-03-02 09:00"
     std::uint32_t minutes = 60;
-    bool isWholeDay = false;
+    bool isWholeDay = false;           ///< in the machine's zone, which it names
     long reminder = kNoReminder;       ///< minutes ahead
     bool isSilent = false;             ///< the reminder overrides its sound
-    const SampleZone* zone = nullptr;  ///< null for an appointment without the property
+    const SampleZone* zone = nullptr;  ///< null for the machine's, without the property
     std::optional<SampleSeries> series{};
 };
 

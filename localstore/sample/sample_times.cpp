@@ -19,12 +19,18 @@ FILETIME TimeOf(const std::wstring& text) {
     return time;
 }
 
-FILETIME LocalToUtc(const FILETIME& local) {
-    SYSTEMTIME here{};
+TIME_ZONE_INFORMATION MachineZone() {
+    TIME_ZONE_INFORMATION zone{};
+    RequireTrue(GetTimeZoneInformation(&zone) != TIME_ZONE_ID_INVALID, L"ask for the zone of this machine");
+    return zone;
+}
+
+FILETIME LocalToUtc(const FILETIME& local, const TIME_ZONE_INFORMATION& zone) {
+    SYSTEMTIME there{};
     SYSTEMTIME utc{};
     FILETIME time{};
-    RequireTrue(FileTimeToSystemTime(&local, &here) != FALSE &&
-                    TzSpecificLocalTimeToSystemTime(nullptr, &here, &utc) != FALSE &&
+    RequireTrue(FileTimeToSystemTime(&local, &there) != FALSE &&
+                    TzSpecificLocalTimeToSystemTime(&zone, &there, &utc) != FALSE &&
                     SystemTimeToFileTime(&utc, &time) != FALSE,
                 L"convert a time");
     return time;

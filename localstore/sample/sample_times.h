@@ -10,10 +10,13 @@ namespace sample {
 /// A time such as "2001-12-31" or "2001-12-31 09:30", in no zone.
 FILETIME TimeOf(const std::wstring& text);
 
-/// A time of this machine's zone as UTC.
-FILETIME LocalToUtc(const FILETIME& local);
+/// The zone of this machine.
+TIME_ZONE_INFORMATION MachineZone();
 
-/// Such a time as minutes since 1601, in no zone.
+/// A time of a zone as UTC.
+FILETIME LocalToUtc(const FILETIME& local, const TIME_ZONE_INFORMATION& zone);
+
+/// A time in no zone as minutes since 1601, in no zone.
 std::uint32_t LocalMinutes(const std::wstring& text);
 
 }  // namespace sample

@@ -1,5 +1,9 @@
 """The sample store that the demo shows, written and read as the demo does it."""
 
+import datetime
+import os
+import unittest.mock
+
 import appointments
 import harness
 from contact_fields import fields, parse
@@ -30,6 +34,24 @@ IM_ADDRESSES = {
     ("4027", "555010014"), ("4028", "minjun@example.com"), ("4029", "555016016"), ("4030", "noa@chat.example.com")}
 # What stands in the items and folders that a read passes by.
 NEIGHBOURS = ["Custom", "Another", "Form<", "choir", "letter", "Filed", "Called", "Yesterday", "Quick"]
+# The zone of the machine that makes the sample, and reads it unless a test says otherwise.
+ZONE = "Europe/Berlin"
+# What the clocks of that zone show at the beginning and the end of appointments of many zones: Berlin is
+# one hour ahead of UTC and two in summer, Tokyo nine, Kolkata five and a half, New York five behind, Adelaide ten and a
+# half ahead while it is summer there.
+THERE_AND_HERE = {
+    "Dentist": ("2026-01-14 08:15", "2026-01-14 09:00"),
+    "\u30D7\u30ED\u30B8\u30A7\u30AF\u30C8\u4F1A\u8B70": ("2026-07-08 06:30", "2026-07-08 08:00"),
+    "Call with the supplier": ("2026-05-06 12:30", "2026-05-06 13:00"),
+    "Stand-up": ("2026-03-02 15:00", "2026-03-02 15:15"),
+    "Invoice run": ("2026-01-14 22:30", "2026-01-14 23:00"),
+    "\u0645\u0648\u0639\u062F": ("2026-06-01 10:00", "2026-06-01 11:00")}
+NIGHT_SHIFT = "Night shift over the change of clocks"
+# The whole days, of which one holds a change of the clocks.
+WHOLE_DAYS = {
+    "F\u00EAte nationale": ("2026-07-14", "2026-07-15"), "Trade fair <North & South>": ("2026-10-24", "2026-10-27"),
+    "Backup tapes": ("2026-01-01", "2026-01-02"), "Oma Geburtstag": ("2026-02-28", "2026-03-01"),
+    "\u656C\u8001\u306E\u65E5": ("2026-09-21", "2026-09-22")}
 
 
 # The appointments and what makes series of some.
@@ -39,7 +61,7 @@ RECURRENCES = {
     "Election": "every 2 years on the first Tue of November", "F\u00EAte nationale": "",
     "Invoice run": "every 3 months on day 15 until 2027-10-15, 1 deleted",
     "Leap day party": "every 4 years on day 29 of February until 2040-02-29",
-    "Night shift over the change of clocks": "", "Oma Geburtstag": "every year on day 28 of February",
+    NIGHT_SHIFT: "", "Oma Geburtstag": "every year on day 28 of February",
     "Rent": "every month on day 31", "Review": "every week on Tue until 2026-06-30, 11 changed",
     "Stand-up": "every weekday, 2 deleted", "Town hall meeting": "every month on the last Fri until 2026-12-25",
     "Trade fair <North & South>": "", "Training": "every week on Mon, Wed, Fri",
@@ -51,6 +73,9 @@ RECURRENCES = {
 class Sample(ListCase):
     def setUp(self):
         super().setUp()
+        zone = unittest.mock.patch.dict(os.environ, TZ=ZONE)
+        zone.start()
+        self.addCleanup(zone.stop)
         self.place.root = self.place.path / "sample"
         self.place.settings(XMLPath=self.xml_path, subfolder="true")
         output, _ = self.assert_exit(self.place.start(ZEBSAMPLE, harness.windows_path(self.place.root), PLAIN_CONTACTS))
@@ -78,15 +103,40 @@ class Sample(ListCase):
         self.assertEqual(self.desktop("count", "calendars"), "calendars: 21\n")
         rows = [row.split("\t") for row in self.desktop("read", "calendars", "--tabs").splitlines()[1:]]
         self.assertEqual({row[2]: row[4] for row in rows}, RECURRENCES)
-        times = {row[2]: (row[0], row[1]) for row in rows}
-        self.assertEqual(times["Dentist"], ("2026-01-14 08:15", "2026-01-14 09:00"))
-        self.assertEqual(times["Trade fair <North & South>"], ("2026-10-24", "2026-10-27"))
+
+    def appointment_times(self, **more):
+        """Start and end of each appointment in the table, by subject."""
+        rows = [row.split("\t") for row in self.desktop("read", "calendars", "--tabs", **more).splitlines()[1:]]
+        return {row[2]: (row[0], row[1]) for row in rows}
+
+    def appointments(self):
+        """The fields of each appointment's document, by subject."""
+        documents = self.place.read_with_desktop(kind="calendars").values()
+        return {item["Description"]: item for item in (appointments.fields(document.decode()) for document in documents)}
+
+    def test_appointments_are_at_the_time_of_their_own_zone(self):
+        times = self.appointment_times()
+        self.assertEqual({subject: times[subject] for subject in THERE_AND_HERE}, THERE_AND_HERE)
+
+    def test_nine_hours_on_the_clocks_are_eight_where_they_change(self):
+        self.assertEqual(self.appointment_times()[NIGHT_SHIFT], ("2026-03-28 22:00", "2026-03-29 07:00"))
+        self.assertEqual(self.place.run_desktop("shutdown")[0], 0)
+        self.assertEqual(self.appointment_times(TZ="UTC")[NIGHT_SHIFT], ("2026-03-28 21:00", "2026-03-29 05:00"))
+
+    def test_whole_days_are_those_of_the_machine_that_made_them(self):
+        times = self.appointment_times()
+        self.assertEqual({subject: times[subject] for subject in WHOLE_DAYS}, WHOLE_DAYS)
+        found = self.appointments()
+        for subject, days in WHOLE_DAYS.items():
+            midnights = [datetime.date.fromisoformat(day).strftime("%m/%d/%Y 00:00:00") for day in days]
+            self.assertEqual([found[subject]["dtStartTime"], found[subject]["dtEndTime"]], midnights, subject)
 
     def test_appointments_are_whole(self):
-        documents = self.place.read_with_desktop(kind="calendars").values()
-        found = {item["Description"]: item for item in (appointments.fields(document.decode()) for document in documents)}
+        found = self.appointments()
         self.assertEqual(set(found), set(RECURRENCES))
         self.assertEqual(found["Stand-up"]["TimeZone"], "GMT:+300;DST:60;STD:0000110102000000;DLT:0000030202000000")
+        for subject in ("Dentist", "F\u00EAte nationale", "\u656C\u8001\u306E\u65E5"):
+            self.assertEqual(found[subject]["TimeZone"], "GMT:-60;DST:60;STD:0000100503000000;DLT:0000030502000000", subject)
         self.assertEqual((found["Call with the supplier"]["nRingTone"], found["Dentist"]["nRingTone"]), ("0", "1"))
         rule = found["Review"]["ExceptionRule"]
         self.assertEqual((rule.count("<modification "), rule.count("<deletion ")), (11, 0))
