@@ -193,15 +193,15 @@ class ItemProperties {
         std::vector<LONG> there;
         LONG bits = 0;
         for (std::size_t i = 0; i < std::size(kEmails); ++i) {
-            const std::wstring address = m_item.Text(kEmails[i].first);
-            if (address.empty()) {
+            const std::wstring readable = m_item.Text(kEmails[i].first);
+            if (readable.empty()) {
                 continue;
             }
             const std::wstring exchange = i == 0 ? m_item.Text(Field::ExchangeAddress) : std::wstring();
             if (exchange.empty()) {
-                AddEmail(kEmails[i].second, L"SMTP", address, address);
+                AddEmail(kEmails[i].second, L"SMTP", readable, readable);
             } else {
-                AddEmail(kEmails[i].second, L"EX", exchange, address);
+                AddEmail(kEmails[i].second, L"EX", exchange, readable);
             }
             there.push_back(static_cast<LONG>(i));
             bits |= 1L << i;
