@@ -102,7 +102,7 @@ TEST(RecurrenceElements, Weekly) {
 }
 
 TEST(RecurrenceElements, MonthlyOnADayOrTheMonthsEnd) {
-    for (const unsigned type : {2U, 4U}) {
+    for (const unsigned type : {2U, 4U, 0xAU, 0xCU}) {
         EXPECT_EQ(Write(OfDay(0x200C, 3, static_cast<std::uint16_t>(type))),
                   DocumentOf({L"1", L"3", L"0", L"0", L"0", L"31"}));
     }
@@ -116,7 +116,7 @@ TEST(RecurrenceElements, MonthlyOnTheNthWeekday) {
 }
 
 TEST(RecurrenceElements, YearlyOnADayOrTheMonthsEnd) {
-    for (const unsigned type : {2U, 4U}) {
+    for (const unsigned type : {2U, 4U, 0xAU, 0xCU}) {
         EXPECT_EQ(Write(OfDay(0x200D, 24, static_cast<std::uint16_t>(type))),
                   DocumentOf({L"1", L"2", L"0", L"0", L"0", L"31"}, L"3"));
     }
