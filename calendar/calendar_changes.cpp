@@ -1,3 +1,4 @@
+#include <functional>
 #include <utility>
 
 #include "calendar/calendar_sending.h"
@@ -72,11 +73,15 @@ int CMAPIObject::ReadCalendarEventLogFromFolder(const SBinary& entryId,
 int CMAPIObject::ReadCalendarEventFromLog(const CArray<tagLogItem, const tagLogItem&>& items,
                                           const CString& path) {
     const ComPtr<IMAPIFolder> chosen = m_lpEventFolder;
+    const auto sendWhole = [&](const tagLogItem& item) {
+        SendChangedCalendar(chosen.Get(), item, path, m_CurrentTimeZone);
+    };
+    const auto sendDeletion = [&](const tagLogItem& item, int index) {
+        SendDeletedCalendar(item, index, m_nItemTotal);
+    };
     // A read of changes runs to its end: nothing looks at m_bStop.
-    const MarkedItemRead read{
-        kOperation, nullptr, m_nItemTotal,
-        [&](const tagLogItem& item) { SendChangedCalendar(chosen.Get(), item, path, m_CurrentTimeZone); },
-        [&](const tagLogItem& item, int index) { SendDeletedCalendar(item, index, m_nItemTotal); }};
+    const MarkedItemRead read{kOperation, nullptr, m_nItemTotal, std::cref(sendWhole),
+                              std::cref(sendDeletion)};
     return SendMarkedItems(read, items);
 }
 
