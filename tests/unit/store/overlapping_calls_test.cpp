@@ -96,9 +96,10 @@ class OverlappingCalendarCalls : public CalendarReading {
     void SetUp() override {
         CalendarReading::SetUp();
         AddAppointments(L"Calendar", {L"One", L"Two", L"Three"});
-        MakeFolder(L"Work\\Mail\\Other");
-        WriteFile(L"Work\\Mail\\Other\\folder.ini", "[Folder]\r\nClass=IPF.Appointment\r\n");
-        m_other = L"<id><event>" + FolderId(L"Other") + L"</event></id>";
+        // Of another store, through which the messages of this one cannot be opened.
+        MakeFolder(L"Work\\Second\\Other");
+        WriteFile(L"Work\\Second\\Other\\folder.ini", "[Folder]\r\nClass=IPF.Appointment\r\n");
+        m_other = L"<id><event>" + FolderWriter(L"Work", L"Other", L"Second").FolderId() + L"</event></id>";
         OnGetChangeLog([](LogItems& items, const GetChangeLogArgs& /*arguments*/) {
             for (tagLogItem& item : items) {
                 item.m_lLogFlag = 8;
