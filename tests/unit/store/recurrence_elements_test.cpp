@@ -196,6 +196,17 @@ TEST(RecurrenceElements, AnyMinuteIsADate) {
     EXPECT_EQ(ValueOf(pattern, L"lRecurMonth"), L"1");
 }
 
+TEST(RecurrenceElements, MonthIsThatOfTheStartInEveryZone) {
+    tagRecurrencePattern pattern = OfDay(0x200D, 12, 2);
+    constexpr std::uint32_t kLastOfMarch = kFirstMonday + 24 * kDay;
+    for (const std::uint32_t start : {kLastOfMarch, kLastOfMarch + kDay - 1}) {
+        pattern.StartDate = start;
+        EXPECT_EQ(ValueOf(pattern, L"lRecurMonth"), L"3");
+    }
+    pattern.StartDate = kLastOfMarch + kDay;
+    EXPECT_EQ(ValueOf(pattern, L"lRecurMonth"), L"4");
+}
+
 TEST(RecurrenceElements, NumbersAreSigned) {
     tagRecurrencePattern pattern = Weekly();
     pattern.Period = 0xFFFFFFFF;
