@@ -1,5 +1,4 @@
 #include <functional>
-#include <utility>
 
 #include "calendar/calendar_sending.h"
 #include "calendar/calendar_xml_output.h"
@@ -14,10 +13,14 @@ namespace {
 
 constexpr const wchar_t* kOperation = L"ReadCalendarEventFromLog";
 
-/// Fills the document of an appointment that is new or changed. The message is let go before the document is
-/// sent.
-void FillDocument(CXMLParser& document, ComPtr<IMessage> message, const tagLogItem& item, const CString& path,
+/// Fills the document of an appointment that is new or changed; false if it is gone meanwhile. The message is
+/// let go before the document is sent.
+bool FillDocument(CXMLParser& document, IMAPIFolder* chosen, const tagLogItem& item, const CString& path,
                   const NAMESPACE_COMMON::tagZebTimeZone& zone) {
+    const ComPtr<IMessage> message = OpenMarkedItem(kOperation, chosen, item);
+    if (!message) {
+        return false;
+    }
     ULONG count = 0;
     const MapiBuffer<SPropValue> values = ReadColumns(kOperation, message.Get(), kCalendarColumns, count);
     BeginCalendarDocument(document);
@@ -28,17 +31,16 @@ void FillDocument(CXMLParser& document, ComPtr<IMessage> message, const tagLogIt
     WriteCalendarRowFields(ownId, document, values.Get(), &count);
     AppendElement(document, L"PIMID", ownId);
     WriteCalendarDetails(document, message.Get(), zone);
+    return true;
 }
 
 /// Sends an appointment that is new or changed; one that is gone meanwhile is passed over.
 void SendChangedCalendar(IMAPIFolder* chosen, const tagLogItem& item, const CString& path,
                          const NAMESPACE_COMMON::tagZebTimeZone& zone) {
-    ComPtr<IMessage> message = OpenMarkedItem(kOperation, chosen, item);
-    if (!message) {
+    CXMLParser document;
+    if (!FillDocument(document, chosen, item, path, zone)) {
         return;
     }
-    CXMLParser document;
-    FillDocument(document, std::move(message), item, path, zone);
     if (CloseCalendarDocument(document)) {
         SendCalendar(document.GetDocumentText());
     }

@@ -18,27 +18,29 @@ struct Operation {
     int (*run)();              ///< returns its status, or a count
     const wchar_t* firstLine;  ///< text of the line that it begins with
     const wchar_t* lastLine;   ///< and of the one that it ends with
-    int complete;              ///< its result with memory enough
-    std::size_t documents;     ///< what it sends then
+    std::size_t documents;     ///< what it sends with memory enough
+    int complete;              ///< its result then
     bool isCalendar;
 };
 
 constexpr int kItems = 2;
 
-const Operation kOperations[] = {
-    {"FullReadOfContacts", [] { return g_MAPIObject.ReadContacts(L""); }, L"ReadContacts - Begin",
-     L"ReadContacts - Finish", 0, kItems, false},
-    {"ReadOfChangedContacts", [] { return g_MAPIObject.ReadContacts(L"map"); }, L"ReadContacts - Begin",
-     L"ReadContacts - Finish", 0, kItems, false},
-    {"CountOfContacts", [] { return static_cast<int>(g_MAPIObject.GetContactCount()); },
-     L"GetContactCount - Begin", L"GetContactCount - Finish", kItems, 0, false},
-    {"FullReadOfAppointments", [] { return g_MAPIObject.ReadCalendars(L""); }, L"ReadCalendars - Begin",
-     L"ReadCalendars - Finish", 0, kItems, true},
-    {"ReadOfChangedAppointments", [] { return g_MAPIObject.ReadCalendars(L"map"); }, L"ReadCalendars - Begin",
-     L"ReadCalendars - Finish", 0, kItems, true},
-    {"CountOfAppointments", [] { return static_cast<int>(g_MAPIObject.GetCalendarCount()); },
-     L"GetCalendarCount - Begin", L"GetCalendarCount - Finish", kItems, 0, true},
-};
+std::vector<Operation> Operations() {
+    return {
+        {"FullReadOfContacts", [] { return g_MAPIObject.ReadContacts(L""); }, L"ReadContacts - Begin",
+         L"ReadContacts - Finish", kItems, 0, false},
+        {"ReadOfChangedContacts", [] { return g_MAPIObject.ReadContacts(L"map"); }, L"ReadContacts - Begin",
+         L"ReadContacts - Finish", kItems, 0, false},
+        {"CountOfContacts", [] { return static_cast<int>(g_MAPIObject.GetContactCount()); },
+         L"GetContactCount - Begin", L"GetContactCount - Finish", 0, kItems, false},
+        {"FullReadOfAppointments", [] { return g_MAPIObject.ReadCalendars(L""); }, L"ReadCalendars - Begin",
+         L"ReadCalendars - Finish", kItems, 0, true},
+        {"ReadOfChangedAppointments", [] { return g_MAPIObject.ReadCalendars(L"map"); },
+         L"ReadCalendars - Begin", L"ReadCalendars - Finish", kItems, 0, true},
+        {"CountOfAppointments", [] { return static_cast<int>(g_MAPIObject.GetCalendarCount()); },
+         L"GetCalendarCount - Begin", L"GetCalendarCount - Finish", 0, kItems, true},
+    };
+}
 
 class ReadingMemory : public CalendarReading, public testing::WithParamInterface<Operation> {
   protected:
@@ -135,7 +137,7 @@ TEST_P(ReadingMemory, EachAllocationThatFailsLeavesAnOrderlyEnd) {
     EXPECT_EQ(cut > 0, operation.isCalendar && operation.documents > 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, ReadingMemory, testing::ValuesIn(kOperations),
+INSTANTIATE_TEST_SUITE_P(Of, ReadingMemory, testing::ValuesIn(Operations()),
                          [](const testing::TestParamInfo<Operation>& operation) {
                              return std::string(operation.param.name);
                          });
