@@ -1,4 +1,4 @@
-#include <utility>
+#include <functional>
 
 #include "calendar/calendar_sending.h"
 #include "calendar/calendar_xml_output.h"
@@ -13,10 +13,14 @@ namespace {
 
 constexpr const wchar_t* kOperation = L"ReadCalendarEventFromLog";
 
-/// Fills the document of an appointment that is new or changed. The message is let go before the document is
-/// sent.
-void FillDocument(CXMLParser& document, ComPtr<IMessage> message, const tagLogItem& item, const CString& path,
+/// Fills the document of an appointment that is new or changed; false if it is gone meanwhile. The message is
+/// let go before the document is sent.
+bool FillDocument(CXMLParser& document, IMAPIFolder* chosen, const tagLogItem& item, const CString& path,
                   const NAMESPACE_COMMON::tagZebTimeZone& zone) {
+    const ComPtr<IMessage> message = OpenMarkedItem(kOperation, chosen, item);
+    if (!message) {
+        return false;
+    }
     ULONG count = 0;
     const MapiBuffer<SPropValue> values = ReadColumns(kOperation, message.Get(), kCalendarColumns, count);
     BeginCalendarDocument(document);
@@ -27,17 +31,16 @@ void FillDocument(CXMLParser& document, ComPtr<IMessage> message, const tagLogIt
     WriteCalendarRowFields(ownId, document, values.Get(), &count);
     AppendElement(document, L"PIMID", ownId);
     WriteCalendarDetails(document, message.Get(), zone);
+    return true;
 }
 
 /// Sends an appointment that is new or changed; one that is gone meanwhile is passed over.
 void SendChangedCalendar(IMAPIFolder* chosen, const tagLogItem& item, const CString& path,
                          const NAMESPACE_COMMON::tagZebTimeZone& zone) {
-    ComPtr<IMessage> message = OpenMarkedItem(kOperation, chosen, item);
-    if (!message) {
+    CXMLParser document;
+    if (!FillDocument(document, chosen, item, path, zone)) {
         return;
     }
-    CXMLParser document;
-    FillDocument(document, std::move(message), item, path, zone);
     if (CloseCalendarDocument(document)) {
         SendCalendar(document.GetDocumentText());
     }
@@ -72,11 +75,15 @@ int CMAPIObject::ReadCalendarEventLogFromFolder(const SBinary& entryId,
 int CMAPIObject::ReadCalendarEventFromLog(const CArray<tagLogItem, const tagLogItem&>& items,
                                           const CString& path) {
     const ComPtr<IMAPIFolder> chosen = m_lpEventFolder;
+    const auto sendWhole = [&](const tagLogItem& item) {
+        SendChangedCalendar(chosen.Get(), item, path, m_CurrentTimeZone);
+    };
+    const auto sendDeletion = [&](const tagLogItem& item, int index) {
+        SendDeletedCalendar(item, index, m_nItemTotal);
+    };
     // A read of changes runs to its end: nothing looks at m_bStop.
-    const MarkedItemRead read{
-        kOperation, nullptr, m_nItemTotal,
-        [&](const tagLogItem& item) { SendChangedCalendar(chosen.Get(), item, path, m_CurrentTimeZone); },
-        [&](const tagLogItem& item, int index) { SendDeletedCalendar(item, index, m_nItemTotal); }};
+    const MarkedItemRead read{kOperation, nullptr, m_nItemTotal, std::cref(sendWhole),
+                              std::cref(sendDeletion)};
     return SendMarkedItems(read, items);
 }
 

@@ -8,7 +8,8 @@
 #include "changelog/log_item.h"
 #include "support/owners.h"
 
-/// A read of marked items, and what differs between the kinds.
+/// A read of marked items, and what differs between the kinds. What does not fit into the functions goes in
+/// by reference: memory for a copy could be missing before the operation has begun.
 struct MarkedItemRead {
     const wchar_t* operation;
     const int* stop;  ///< looked at before each item; null for a read that runs to its end

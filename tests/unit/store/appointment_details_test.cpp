@@ -242,6 +242,36 @@ TEST_F(AppointmentDetails, AZoneWithoutBytesIsAllZeroAndNotTheFallBack) {
     EXPECT_EQ(TimeZoneOf(New().Get()), kFallBackText);
 }
 
+TEST_F(AppointmentDetails, PropertiesAreAskedForByNameAndMadeAndNothingIsWritten) {
+    NewAppointment appointment = New();
+    appointment.Reminder(15)
+        .Boolean(lid::kReminderOverride, true)
+        .Series(2, WithExceptions())
+        .Binary(lid::kTimeZoneStruct, std::vector<BYTE>(48));
+    recorder::ClearCalls();
+    Write(appointment.Get());
+    std::vector<std::string> names;
+    for (const recorder::Call& call : recorder::Calls()) {
+        if (call.method == "IMessage::GetIDsFromNames") {
+            names.push_back(call.arguments);
+        } else if (call.method == "IMessage::GetProps") {
+            EXPECT_TRUE(call.arguments.ends_with(" flags=0x80000000")) << call.arguments;
+        }
+        for (const char* write : {"SetProps", "DeleteProps", "SaveChanges", "CopyTo", "CopyProps"}) {
+            EXPECT_EQ(call.method.find(write), std::string::npos) << call.method;
+        }
+    }
+    const auto ofAppointments = [](const char* id) {
+        return std::string("{00062002}:") + id + " flags=0x00000002";
+    };
+    const auto common = [](const char* id) { return std::string("{00062008}:") + id + " flags=0x00000002"; };
+    EXPECT_EQ(names, (std::vector<std::string>{ofAppointments("8208"), ofAppointments("8215"),
+                                               ofAppointments("820D"), ofAppointments("820E"), common("8503"),
+                                               common("851C"), common("851E"), common("8501"),
+                                               ofAppointments("8223"), ofAppointments("8231"),
+                                               ofAppointments("8216"), ofAppointments("8233")}));
+}
+
 TEST_F(AppointmentDetails, EveryPropertyThatFailsLeavesItsDefault) {
     const NewAppointment appointment = New();
     recorder::FailMethod("IMessage::GetProps", {}, E_FAIL);

@@ -131,6 +131,17 @@ TEST_F(AppointmentProperties, OfAnotherTypeAreTakenAsTheNumberTheyBegin) {
     EXPECT_EQ(number, 1);
 }
 
+TEST_F(AppointmentProperties, OfAnotherTypeAreTakenAsTheTimeThatTheirBitsAre) {
+    SYSTEMTIME time{2011, 3, 0, 7, 9, 30, 0, 0};
+    SPropValue value{};
+    ASSERT_TRUE(SystemTimeToFileTime(&time, &value.Value.ft));
+    value.ulPropTag = FolderWriter::AppointmentTag(m_message.Get(), lid::kStartWhole, PT_I8);
+    ASSERT_EQ(m_message->SetProps(1, &value, nullptr), S_OK);
+    COleDateTime date;
+    EXPECT_EQ(GetNamedDateProperty(m_message.Get(), PSETID_Appointment, lid::kStartWhole, date), 1);
+    EXPECT_EQ(date.Format(L"%m/%d/%Y %H:%M:%S"), LocalText(2011, 3, 7, 9, 30));
+}
+
 TEST_F(AppointmentProperties, OfAnotherTypeAreNeverTakenForBytes) {
     Message().Number(lid::kRecur, 1000);
     std::uint32_t count = 5;

@@ -436,6 +436,7 @@ TEST_F(CalendarChanges, ListAndMessagesAreReadWithTheirColumns) {
             reads.push_back(call.arguments);
         }
     }
+    ExpectFolderAndMessageWereAskedForAsTheyAre();
     EXPECT_EQ(queries.back(),
               "0x0FFF0102,0x66700102,0x30080040 "
               "property(0x001A001F==0x001A001F=\"IPM.Appointment\") unsorted most=0");

@@ -23,6 +23,7 @@ class CalendarReading : public ReadingTest {
     }
     static std::vector<CString> Subjects(const std::vector<CString>& documents) {
         std::vector<CString> subjects;
+        subjects.reserve(documents.size());
         for (const CString& document : documents) {
             subjects.push_back(TextBetween(document, L"<Description>", L"</Description>"));
         }

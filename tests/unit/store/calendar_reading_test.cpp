@@ -13,7 +13,15 @@ namespace {
 namespace recorder = localstore::recorder;
 
 TEST_F(CalendarReading, FullReadWritesItsLinesInOrder) {
-    AddAppointments(L"Calendar", {L"One", L"Two"});
+    AddAppointments(L"Calendar", {L"One"});
+    {
+        // What is in a series and in a zone, though it is too short for one, is told by no line.
+        FolderWriter writer(L"Work", L"Calendar");
+        NewAppointment(writer, L"Two")
+            .Series(2, sample_series::WithExceptions())
+            .Binary(lid::kTimeZoneStruct, std::vector<BYTE>(47))
+            .Save();
+    }
     LogOn();
     EXPECT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
     LogLines expected = FirstLines(2);
@@ -322,6 +330,13 @@ TEST_F(CalendarReading, LoadsTheMachinesZonesFirst) {
     g_MAPIObject.m_arrTimeZones.RemoveAll();
     EXPECT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
     EXPECT_GT(g_MAPIObject.m_arrTimeZones.GetSize(), 100);
+}
+
+TEST_F(CalendarReading, FoldersAndMessagesAreOpenedForAllThatTheUserMay) {
+    AddAppointments(L"Calendar", {L"One"});
+    LogOn();
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    ExpectFolderAndMessageWereAskedForAsTheyAre();
 }
 
 TEST_F(CalendarReading, TablesAreReadWithTheirFlagsColumnsAndRestrictions) {

@@ -262,6 +262,13 @@ TEST_F(ContactReading, MessageThatDoesNotOpenGoesOutWithoutItsMessagePart) {
     EXPECT_FALSE(Contains(documents[0], L"SP-"));
 }
 
+TEST_F(ContactReading, FoldersAndMessagesAreOpenedForAllThatTheUserMay) {
+    AddContacts(L"Contacts", {L"One"});
+    LogOn();
+    ASSERT_EQ(g_MAPIObject.ReadContacts(L""), 0);
+    ExpectFolderAndMessageWereAskedForAsTheyAre();
+}
+
 TEST_F(ContactReading, TablesAreReadWithTheirFlagsColumnsAndRestrictions) {
     AddContacts(L"Contacts", {L"One"});
     LogOn();

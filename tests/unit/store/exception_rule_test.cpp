@@ -180,6 +180,29 @@ TEST(ExceptionRule, ASubjectOf384CharactersIsEncodedAndOneOf385IsEmpty) {
     EXPECT_EQ(SubjectOfLength(0xFFFF), L"");
 }
 
+TEST(ExceptionRule, LocationAndTextsOfTheSeriesHaveTheSameRoom) {
+    CString encoded;
+    for (int i = 0; i < 128; ++i) {
+        encoded += L"YQBhAGEA";
+    }
+    const CString longest(WideString(384, WIDE('a')));
+    const CString tooLong(WideString(385, WIDE('a')));
+    const auto lines = [](const CString& subject, const CString& location) {
+        return Whole(Modification(L"2011/03/07", L"2011/03/08", subject, location, L"1", L"15", L"0"));
+    };
+    tagRecurrenceException own = Moved(kFirstMonday, ARO_LOCATION);
+    own.Location = longest;
+    EXPECT_EQ(TextOfOne(own), lines(kReview, encoded));
+    own.Location = tooLong;
+    EXPECT_EQ(TextOfOne(own), lines(kReview, L""));
+
+    const tagRecurrenceException plain = Moved(kFirstMonday, 0);
+    EXPECT_EQ(TextOfOne(plain, {longest, L"Room 4", 15, 0}), lines(encoded, kRoom));
+    EXPECT_EQ(TextOfOne(plain, {tooLong, L"Room 4", 15, 0}), lines(L"", kRoom));
+    EXPECT_EQ(TextOfOne(plain, {L"Review", longest, 15, 0}), lines(kReview, encoded));
+    EXPECT_EQ(TextOfOne(plain, {L"Review", tooLong, 15, 0}), lines(kReview, L""));
+}
+
 TEST(ExceptionRule, ASubjectOfAnyCharactersIsEncodedAsItsUnits) {
     tagRecurrenceException own = Moved(kFirstMonday, ARO_SUBJECT);
     own.Subject = CString(WIDE("\u00fc\u4f1a\xD83D\xDE00<&"));

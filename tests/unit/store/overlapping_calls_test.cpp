@@ -1,6 +1,8 @@
 // Calls that come in the middle of others: what they replace stays alive for those who use it.
 
 #include "tests/unit/recorded_log.h"
+#include "tests/unit/store/calendar_reading_fixture.h"
+#include "tests/unit/store/change_log.h"
 #include "tests/unit/store/contact_writing_fixture.h"
 #include "tests/unit/text_printer.h"
 
@@ -86,6 +88,64 @@ TEST_F(OverlappingCalls, AChoiceOfAFolderOutlivesTheSessionThatItBeganIn) {
     const int result = g_MAPIObject.SetContactFolder(m_other.c_str());
     EXPECT_EQ(made, 1);
     EXPECT_EQ(result == 0, static_cast<bool>(g_MAPIObject.m_lpContactFolder));
+}
+
+/// A read of appointments, in full and of changes, into the middle of which another call comes.
+class OverlappingCalendarCalls : public CalendarReading {
+  protected:
+    void SetUp() override {
+        CalendarReading::SetUp();
+        AddAppointments(L"Calendar", {L"One", L"Two", L"Three"});
+        // Of another store, through which the messages of this one cannot be opened.
+        MakeFolder(L"Work\\Second\\Other");
+        WriteFile(L"Work\\Second\\Other\\folder.ini", "[Folder]\r\nClass=IPF.Appointment\r\n");
+        m_other = L"<id><event>" + FolderWriter(L"Work", L"Other", L"Second").FolderId() + L"</event></id>";
+        OnGetChangeLog([](LogItems& items, const GetChangeLogArgs& /*arguments*/) {
+            for (tagLogItem& item : items) {
+                item.m_lLogFlag = 8;
+            }
+            return static_cast<int>(items.GetSize());
+        });
+        LogOn();
+    }
+    void TearDown() override {
+        OnGetChangeLog({});
+        CalendarReading::TearDown();
+    }
+
+    CString m_other;
+};
+
+TEST_F(OverlappingCalendarCalls, AReadGoesOnInTheFolderThatItBeganIn) {
+    for (const wchar_t* const map : {L"", L"map"}) {
+        ASSERT_EQ(g_MAPIObject.SetCalendarFolder(L""), 0);
+        OnSend([this] { EXPECT_EQ(g_MAPIObject.SetCalendarFolder(m_other.c_str()), 0); });
+        EXPECT_EQ(g_MAPIObject.ReadCalendars(map), 0);
+        const std::vector<CString> documents = TakeSentCalendars();
+        EXPECT_EQ(documents.size(), 3U);
+        for (const CString& document : documents) {
+            EXPECT_TRUE(Contains(document, L"<dtStartTime>"));
+        }
+        EXPECT_EQ(g_MAPIObject.GetCalendarCount(), 0);
+    }
+}
+
+TEST_F(OverlappingCalendarCalls, AReadOutlivesTheSessionThatItBeganIn) {
+    for (const wchar_t* const map : {L"", L"map"}) {
+        LogOn();
+        OnSend([] { g_MAPIObject.MAPIRelease(); });
+        // The stores of a session that was logged off cannot be relied upon, so either result will do.
+        const int status = g_MAPIObject.ReadCalendars(map);
+        EXPECT_FALSE(g_MAPIObject.m_lpEventFolder);
+        const std::size_t sent = TakeSentCalendars().size();
+        EXPECT_GE(sent, 1U);
+        EXPECT_LE(sent, 3U);
+        const LogLines log = TakeLog();
+        EXPECT_EQ(log.back(), (LogLine{1, L"CMAPIObject::ReadCalendars - Finish\r\n"}));
+        EXPECT_EQ(
+            std::count(log.begin(), log.end(), LogLine{1, L"CMAPIObject::ReadContacts - Succeeded\r\n"}),
+            status == 0 ? 1 : 0);
+    }
 }
 
 }  // namespace

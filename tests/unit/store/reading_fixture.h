@@ -32,6 +32,28 @@ class ReadingTest : public StoreTest {
         }
         return 0;
     }
+    /// What the calls of a method since logon were made with.
+    static std::vector<std::string> ArgumentsOf(const std::string& method) {
+        std::vector<std::string> arguments;
+        for (const localstore::recorder::Call& call : localstore::recorder::Calls()) {
+            if (call.method == method) {
+                arguments.push_back(call.arguments);
+            }
+        }
+        return arguments;
+    }
+    /// Expects that the chosen folder was asked for its own properties twice, for the count and for the read,
+    /// that the folder was opened for each of them, and then one message.
+    static void ExpectFolderAndMessageWereAskedForAsTheyAre() {
+        const std::string own = "0x3001001F,0x0FFF0102 flags=0x80000000";
+        EXPECT_EQ(ArgumentsOf("IMAPIFolder::GetProps"), (std::vector<std::string>{own, own}));
+        std::vector<std::string> flags;
+        for (const std::string& opened : ArgumentsOf("IMAPIFolder::OpenEntry")) {
+            flags.push_back(opened.substr(opened.rfind("flags=")));
+        }
+        EXPECT_EQ(flags,
+                  (std::vector<std::string>{"flags=0x00000010", "flags=0x00000010", "flags=0x00000011"}));
+    }
     static void Append(LogLines& lines, const LogLines& more) {
         lines.insert(lines.end(), more.begin(), more.end());
     }

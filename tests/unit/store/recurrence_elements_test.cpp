@@ -102,7 +102,7 @@ TEST(RecurrenceElements, Weekly) {
 }
 
 TEST(RecurrenceElements, MonthlyOnADayOrTheMonthsEnd) {
-    for (const unsigned type : {2U, 4U}) {
+    for (const unsigned type : {2U, 4U, 0xAU, 0xCU}) {
         EXPECT_EQ(Write(OfDay(0x200C, 3, static_cast<std::uint16_t>(type))),
                   DocumentOf({L"1", L"3", L"0", L"0", L"0", L"31"}));
     }
@@ -116,7 +116,7 @@ TEST(RecurrenceElements, MonthlyOnTheNthWeekday) {
 }
 
 TEST(RecurrenceElements, YearlyOnADayOrTheMonthsEnd) {
-    for (const unsigned type : {2U, 4U}) {
+    for (const unsigned type : {2U, 4U, 0xAU, 0xCU}) {
         EXPECT_EQ(Write(OfDay(0x200D, 24, static_cast<std::uint16_t>(type))),
                   DocumentOf({L"1", L"2", L"0", L"0", L"0", L"31"}, L"3"));
     }
@@ -194,6 +194,17 @@ TEST(RecurrenceElements, AnyMinuteIsADate) {
     pattern.StartDate = 0;
     EXPECT_EQ(ValueOf(pattern, L"dtRecurEndDate"), L"01/01/1601 00:00:00");
     EXPECT_EQ(ValueOf(pattern, L"lRecurMonth"), L"1");
+}
+
+TEST(RecurrenceElements, MonthIsThatOfTheStartInEveryZone) {
+    tagRecurrencePattern pattern = OfDay(0x200D, 12, 2);
+    constexpr std::uint32_t kLastOfMarch = kFirstMonday + 24 * kDay;
+    for (const std::uint32_t start : {kLastOfMarch, kLastOfMarch + kDay - 1}) {
+        pattern.StartDate = start;
+        EXPECT_EQ(ValueOf(pattern, L"lRecurMonth"), L"3");
+    }
+    pattern.StartDate = kLastOfMarch + kDay;
+    EXPECT_EQ(ValueOf(pattern, L"lRecurMonth"), L"4");
 }
 
 TEST(RecurrenceElements, NumbersAreSigned) {
