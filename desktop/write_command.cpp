@@ -16,6 +16,7 @@
 #include "desktop/state_reader.h"
 #include "desktop/write_judgement.h"
 #include "support/number_text.h"
+#include "support/owners.h"
 
 namespace {
 
@@ -25,19 +26,32 @@ constexpr std::size_t kTimeUnits = 40;
 
 /// One document on its way.
 struct Order {
-    CString name;      ///< its file, for the user
-    CString document;  ///< its text; empty if it was refused before it went out
-    CString reason;    ///< why it was
+    CString name;        ///< its file, for the user
+    CString document;    ///< its text; empty if it was refused before it went out
+    FileHandle picture;  ///< keeps the file that it names as it is until it is written
+    CString reason;      ///< why it was
     WriteFacts facts;
     bool wasSent = false;
     WriteOutcome outcome = WriteOutcome::kUnproven;
 };
+
+/// Holds the picture that a document names: a list of the folder makes the agent write pictures, and an agent
+/// that was started since the document was read begins again with the name of this one.
+FileHandle HoldPicture(ItemDocument& document) {
+    const CString path = document.Field(L"PICPath");
+    if (path.empty()) {
+        return {};
+    }
+    return FileHandle(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+}
 
 /// Looks at what a document asks for. One that asks for nothing would come back as if it had been done.
 void Examine(Order& order, const ItemKind& kind, std::set<std::string>& named) {
     ItemDocument document(kind.root, order.document.View());
     order.facts.kind = WriteKindOf(ReadNumber(document.Field(L"lFlag")));
     const CString id = document.Field(L"PIMID");
+    order.picture = HoldPicture(document);
     if (!document.IsValid()) {
         order.reason = L"it is no document of this kind of item";
     } else if (order.facts.kind == WriteKind::kNothing) {
@@ -71,11 +85,12 @@ Order DeletionOf(const CString& id, const ItemKind& kind) {
 }
 
 std::vector<Order> TakeOrders(const ItemKind& kind, const Arguments& arguments) {
+    std::vector<Order> orders;
     if (arguments.Has(kOptionDelete)) {
-        return {DeletionOf(arguments.doomed, kind)};
+        orders.push_back(DeletionOf(arguments.doomed, kind));
+        return orders;
     }
     const ComApartmentHold apartment;
-    std::vector<Order> orders;
     std::set<std::string> named;
     for (std::size_t i = 2; i < arguments.words.size(); ++i) {
         orders.push_back(ReadOrder(arguments.words[i], kind, named));

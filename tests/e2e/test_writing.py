@@ -142,6 +142,21 @@ class RoundTrip(Writing):
         self.assertEqual(after.tags[0x3A17001F], "Edited")
         self.assertEqual([part.tags[PICTURE] for part in after.attachments.values()], [JPEG])
 
+    def test_a_picture_that_was_read_outlives_the_agent_that_wrote_it(self):
+        self.write_every_field()
+        out = self.place.path / "out"
+        status, _, errors = self.place.run_desktop("read", "contacts", "--out", harness.windows_path(out))
+        self.assertEqual(status, 0, errors)
+        [file] = out.iterdir()
+        self.addCleanup(lambda: self.take_picture(fields(file.read_bytes().decode())))
+        # The next agent gives its first picture the same name.
+        self.place.run_desktop("shutdown")
+        converted = self.place.run_desktop("convert", harness.windows_path(file))[1]
+        self.write_one(re.sub("(?<=<JobTitle>).*(?=</JobTitle>)", "Edited", converted))
+        after = self.the_message()
+        self.assertEqual(after.tags[0x3A17001F], "Edited")
+        self.assertEqual([part.tags[PICTURE] for part in after.attachments.values()], [JPEG])
+
     def test_a_write_removes_what_the_document_lacks_and_nothing_else(self):
         self.place.make_contacts([[tag_line("3A11001F", "old"), tag_line("3A1A001F", "primary"),
                                    tag_line("3A18001F", "department")]])
