@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 
 #include "desktop/contact_conversion.h"
 #include "desktop/failure.h"
@@ -12,7 +13,14 @@
 #include "desktop/output_stream.h"
 #include "support/utf8.h"
 
+namespace fs = std::filesystem;
+
 namespace {
+
+/// The file that the document of an input goes to.
+fs::path TargetOf(const CString& name, const CString& folder) {
+    return fs::path(folder.c_str()) / fs::path(name.c_str()).filename();
+}
 
 /// Where the documents go: a folder, or standard output if that is empty.
 void PutDocument(const CString& text, const CString& name, const CString& folder) {
@@ -20,8 +28,23 @@ void PutDocument(const CString& text, const CString& name, const CString& folder
         PrintOutput(CString(text + L"\n").View());
         return;
     }
-    const std::filesystem::path file = std::filesystem::path(name.c_str()).filename();
-    WriteFileWhole(std::filesystem::path(folder.c_str()) / file, Utf8FromWide(text.View()), false);
+    WriteFileWhole(TargetOf(name, folder), Utf8FromWide(text.View()), false);
+}
+
+/// Requires that each document gets a file of its own, which is none of those that are read.
+void RequireOwnFiles(const std::vector<CString>& names, const CString& folder) {
+    std::set<fs::path> targets;
+    for (const CString& name : names) {
+        const fs::path target = TargetOf(name, folder);
+        std::error_code error;
+        if (fs::equivalent(target, name.c_str(), error)) {
+            throw Failure(ExitCode::kUsage, L"--out would replace " + name);
+        }
+        if (!targets.insert(target).second) {
+            throw Failure(ExitCode::kUsage,
+                          L"--out has one file for two documents: " + CString(target.c_str()));
+        }
+    }
 }
 
 CString ConvertFile(const CString& name, const Arguments& arguments) {
@@ -38,6 +61,7 @@ void ConvertDocuments(const Arguments& arguments) {
         if (std::ranges::find(names, L"-") != names.end()) {
             throw Failure(ExitCode::kUsage, L"standard input has no name for a file of --out");
         }
+        RequireOwnFiles(names, arguments.out);
         RequireFolder(arguments.out.c_str());
     }
     std::size_t refused = 0;

@@ -56,6 +56,19 @@ class Output(ListCase):
         for pair in (("--xml", "--tabs"), ("--xml", "--out", "x"), ("--tabs", "--out", "x")):
             self.assertIn("exclude each other", self.refused(1, "read", "contacts", *pair))
 
+    def test_convert_replaces_none_of_the_documents_that_it_reads(self):
+        read, other = self.place.path / "read", self.place.path / "other"
+        for folder in (read, other):
+            folder.mkdir()
+            (folder / "one.xml").write_text("<Contact/>")
+        for files, out in (([read / "one.xml"], read), ([read / "one.xml", other / "one.xml"], self.place.path / "new")):
+            status, _, errors = self.place.run_desktop("convert", *map(harness.windows_path, files), "--out",
+                                                       harness.windows_path(out))
+            self.assertEqual(status, 1, errors)
+            self.assertIn("--out ", errors)
+            self.assertEqual((read / "one.xml").read_text(), "<Contact/>")
+        self.assertFalse((self.place.path / "new").exists())
+
 
 class Progress(harness.Case):
     """The bar on a console, which counts the contacts while the read runs."""
