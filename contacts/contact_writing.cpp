@@ -89,12 +89,12 @@ void CMAPIObject::WriteOneContact(CContactEx* contact) const {
 
 int CMAPIObject::AddContact(CContactEx* contact) const {
     return RunLogged(L"AddContact", [&] {
-        const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
-        if (!folder || contact == nullptr) {
+        const HeldObjects held = Hold(m_lpContactFolder);
+        if (!held.folder || contact == nullptr) {
             return false;
         }
         ComPtr<IMessage> message;
-        if (folder->CreateMessage(nullptr, 0, message.GetAddressOf()) != S_OK || !message) {
+        if (held.folder->CreateMessage(nullptr, 0, message.GetAddressOf()) != S_OK || !message) {
             return false;
         }
         const bool saved = UpdateContactMessage(message.Get(), contact) != 0;
@@ -105,23 +105,23 @@ int CMAPIObject::AddContact(CContactEx* contact) const {
 
 int CMAPIObject::UpdateContact(CContactEx* contact) const {
     return RunLogged(L"UpdateContact", [&] {
-        const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
-        if (!folder || contact == nullptr) {
+        const HeldObjects held = Hold(m_lpContactFolder);
+        if (!held.folder || contact == nullptr) {
             return false;
         }
-        const ComPtr<IMessage> message = OpenMessageByHexId(folder.Get(), contact->m_strPIMID);
+        const ComPtr<IMessage> message = OpenMessageByHexId(held.folder.Get(), contact->m_strPIMID);
         return message && UpdateContactMessage(message.Get(), contact) != 0;
     });
 }
 
 int CMAPIObject::DeleteContact(CContactEx* contact) const {
     return RunLogged(L"DeleteContact", [&] {
-        const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
-        if (!folder || contact == nullptr) {
+        const HeldObjects held = Hold(m_lpContactFolder);
+        if (!held.folder || contact == nullptr) {
             return false;
         }
         // A message may live in a sub-folder, and only its own folder can delete it.
-        const ComPtr<IMAPIFolder> parent = OpenParentFolderByHexId(folder.Get(), contact->m_strPIMID);
+        const ComPtr<IMAPIFolder> parent = OpenParentFolderByHexId(held.folder.Get(), contact->m_strPIMID);
         return parent && DeleteMessageByHexId(parent.Get(), contact->m_strPIMID);
     });
 }

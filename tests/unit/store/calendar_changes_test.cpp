@@ -354,7 +354,8 @@ TEST_F(CalendarChanges, FolderThatDoesNotOpenCannotBeListed) {
     LogOn();
     LogItems items;
     BYTE junk[] = {1, 2, 3};
-    EXPECT_EQ(g_MAPIObject.ReadCalendarEventLogFromFolder({3, junk}, items), 0);
+    EXPECT_EQ(
+        g_MAPIObject.ReadCalendarEventLogFromFolder(g_MAPIObject.m_lpEventFolder.Get(), {3, junk}, items), 0);
     const LogLines log = TakeLog();
     ASSERT_EQ(log.size(), 4U);
     EXPECT_EQ(log[2], (LogLine{3,

@@ -11,6 +11,7 @@
 namespace {
 
 namespace recorder = localstore::recorder;
+using NAMESPACE_MAPI::CMAPIObject;
 
 TEST_F(CalendarReading, FullReadWritesItsLinesInOrder) {
     AddAppointments(L"Calendar", {L"One"});
@@ -131,12 +132,12 @@ TEST_F(CalendarReading, CountOfTheRemoteProcedureStandsBetweenItsOwnLines) {
     Append(expected, EventCountLines());
     expected.push_back({1, L"CMAPIObject::GetCalendarCount - Finish\r\n"});
     EXPECT_EQ(TakeLog(), expected);
-    EXPECT_EQ(g_MAPIObject.GetCalendarEventCount(), 2);
+    EXPECT_EQ(CMAPIObject::GetCalendarEventCount(g_MAPIObject.m_lpEventFolder.Get()), 2);
     EXPECT_EQ(TakeLog(), EventCountLines());
 }
 
 TEST_F(CalendarReading, CountWithoutACalendarFolderIsZero) {
-    EXPECT_EQ(g_MAPIObject.GetCalendarEventCount(), 0);
+    EXPECT_EQ(CMAPIObject::GetCalendarEventCount(g_MAPIObject.m_lpEventFolder.Get()), 0);
     EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetCalendarEventCount - Begin\r\n"},
                                    {1, L"CMAPIObject::GetCalendarEventCount - Finish\r\n"}}));
 }
@@ -145,14 +146,15 @@ TEST_F(CalendarReading, CountOfAFolderThatDoesNotOpenIsZero) {
     LogOn();
     BYTE junk[] = {1, 2, 3};
     for (const SBinary& id : {SBinary{0, nullptr}, SBinary{0, junk}, SBinary{3, nullptr}}) {
-        EXPECT_EQ(g_MAPIObject.GetCalendarEventCountFromFolder(id), 0U);
+        EXPECT_EQ(CMAPIObject::GetCalendarEventCountFromFolder(g_MAPIObject.m_lpEventFolder.Get(), id), 0U);
         EXPECT_EQ(
             TakeLog(),
             (LogLines{{1, L"CMAPIObject::GetCalendarEventCountFromFolder - Begin\r\n"},
                       {3, L"CMAPIObject::GetCalendarEventCountFromFolder - NULL or INVALID Parameter\r\n"},
                       {1, L"CMAPIObject::GetCalendarEventCountFromFolder - Finish\r\n"}}));
     }
-    EXPECT_EQ(g_MAPIObject.GetCalendarEventCountFromFolder({3, junk}), 0U);
+    EXPECT_EQ(CMAPIObject::GetCalendarEventCountFromFolder(g_MAPIObject.m_lpEventFolder.Get(), {3, junk}),
+              0U);
     const LogLines log = TakeLog();
     ASSERT_EQ(log.size(), 4U);
     EXPECT_TRUE(log[1].text.starts_with(
@@ -166,7 +168,7 @@ TEST_F(CalendarReading, FolderPropertiesThatCannotBeHadMakeTheCountZero) {
     AddAppointments(L"Calendar", {L"One"});
     LogOn();
     recorder::FailMethod("IMAPIFolder::GetProps", {}, E_FAIL);
-    EXPECT_EQ(g_MAPIObject.GetCalendarEventCount(), 0);
+    EXPECT_EQ(CMAPIObject::GetCalendarEventCount(g_MAPIObject.m_lpEventFolder.Get()), 0);
     EXPECT_EQ(
         TakeLog(),
         (LogLines{{1, L"CMAPIObject::GetCalendarEventCount - Begin\r\n"},
@@ -259,14 +261,18 @@ TEST_F(CalendarReading, DocumentThatCannotBeMadeInTheMiddleEndsTheRead) {
 
 TEST_F(CalendarReading, FolderThatDoesNotOpenFailsTheRead) {
     LogOn();
-    EXPECT_EQ(g_MAPIObject.ReadCalendarEventFromFolder({0, nullptr}, L"Calendar"), 0);
+    EXPECT_EQ(g_MAPIObject.ReadCalendarEventFromFolder(g_MAPIObject.m_lpEventFolder.Get(), {0, nullptr},
+                                                       L"Calendar"),
+              0);
     EXPECT_EQ(
         TakeLog(),
         (LogLines{{1, L"CMAPIObject::ReadCalendarEventFromFolder - Finish\r\n"},
                   {3, L"CMAPIObject::ReadCalendarEventFromFolder - Interrupted or INVALID Parameter\r\n"},
                   {1, L"CMAPIObject::ReadCalendarEventFromFolder - Finish(Failed)\r\n"}}));
     BYTE junk[] = {1, 2, 3};
-    EXPECT_EQ(g_MAPIObject.ReadCalendarEventFromFolder({3, junk}, L"Calendar"), 0);
+    EXPECT_EQ(
+        g_MAPIObject.ReadCalendarEventFromFolder(g_MAPIObject.m_lpEventFolder.Get(), {3, junk}, L"Calendar"),
+        0);
     EXPECT_EQ(
         TakeLog()[2],
         (LogLine{3, L"CMAPIObject::ReadCalendarEventFromFolder - OpenEntry Failed or NULL lpContainer\r\n"}));

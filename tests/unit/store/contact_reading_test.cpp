@@ -10,6 +10,7 @@
 namespace {
 
 namespace recorder = localstore::recorder;
+using NAMESPACE_MAPI::CMAPIObject;
 
 TEST_F(ContactReading, FullReadWritesItsLinesInOrder) {
     AddContacts(L"Contacts", {L"John", L"Jane"});
@@ -194,26 +195,26 @@ TEST_F(ContactReading, FolderThatDoesNotOpenFailsTheRead) {
     AddContacts(L"Contacts", {L"Top"});
     LogOn();
     SBinary id{0, nullptr};
-    EXPECT_EQ(g_MAPIObject.ReadContactFromFolder(id, L"Contacts"), 0);
+    EXPECT_EQ(g_MAPIObject.ReadContactFromFolder(g_MAPIObject.m_lpContactFolder.Get(), id, L"Contacts"), 0);
     EXPECT_EQ(TakeLog(),
               (LogLines{{1, L"CMAPIObject::ReadContactFromFolder - Begin\r\n"},
                         {3, L"CMAPIObject::ReadContactFromFolder - Interrupted or INVALID Parameter\r\n"},
                         {1, L"CMAPIObject::ReadContactFromFolder - Finish(Failed)\r\n"}}));
     BYTE junk[] = {1, 2, 3};
     id = {3, junk};
-    EXPECT_EQ(g_MAPIObject.ReadContactFromFolder(id, L"Contacts"), 0);
+    EXPECT_EQ(g_MAPIObject.ReadContactFromFolder(g_MAPIObject.m_lpContactFolder.Get(), id, L"Contacts"), 0);
     EXPECT_EQ(TakeLog()[2],
               (LogLine{3, L"CMAPIObject::ReadContactFromFolder - OpenEntry Failed or NULL lpContainer\r\n"}));
 }
 
 TEST_F(ContactReading, CountOfAFolderThatDoesNotOpenIsZero) {
     LogOn();
-    EXPECT_EQ(g_MAPIObject.GetContactCountFromFolder({0, nullptr}), 0U);
+    EXPECT_EQ(CMAPIObject::GetContactCountFromFolder(g_MAPIObject.m_lpContactFolder.Get(), {0, nullptr}), 0U);
     EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetContactCountFromFolder - Begin\r\n"},
                                    {3, L"CMAPIObject::GetContactCountFromFolder - INVALID Parameter\r\n"},
                                    {1, L"CMAPIObject::GetContactCountFromFolder - Finish\r\n"}}));
     BYTE junk[] = {1, 2, 3};
-    EXPECT_EQ(g_MAPIObject.GetContactCountFromFolder({3, junk}), 0U);
+    EXPECT_EQ(CMAPIObject::GetContactCountFromFolder(g_MAPIObject.m_lpContactFolder.Get(), {3, junk}), 0U);
     const LogLines log = TakeLog();
     ASSERT_EQ(log.size(), 3U);
     EXPECT_TRUE(log[1].text.starts_with(
