@@ -171,7 +171,7 @@ class ContactWritingCalls : public ContactWriting {
         SetPhoto(m_root + L"\\photo.jpg");
     }
     static CString Wide(const std::string& ascii) {
-        return CString(std::wstring(ascii.begin(), ascii.end()).c_str());
+        return {std::wstring(ascii.begin(), ascii.end()).c_str()};
     }
 };
 
@@ -197,7 +197,7 @@ TEST_F(ContactWritingCalls, AddOfEveryField) {
     Expected calls;
     calls.Add("IMAPIFolder::CreateMessage flags=0x00000000");
     ExpectAllBeforeThePhoto(calls, kOne, {At(1980, 5, 5), At(2001, 7, 15, 10, 20, 30)},
-                            std::chrono::hours(-5), "[\"a\",\"b\"]");
+                            std::chrono::hours(-5), R"(["a","b"])");
     ExpectPhoto(calls, "70686F746F");
     calls.Add("IMessage::SaveChanges flags=0x00000004");
     calls.Add("IMessage::GetProps 0x30080040 flags=0x00000000")
@@ -217,7 +217,7 @@ TEST_F(ContactWritingCalls, UpdateOfEveryFieldReplacesThePhoto) {
     Expected calls;
     calls.Add("IMAPIFolder::OpenEntry id=* flags=0x00000011");
     ExpectAllBeforeThePhoto(calls, kAnother, {At(1975, 12, 24, 18), At(2010, 2, 3)}, std::chrono::hours(3),
-                            "[\"second\",\"third\"]");
+                            R"(["second","third"])");
     calls.Add("IMessage::DeleteAttach number=0 flags=0x00000000").Delete("0x0E1B000B");
     ExpectPhoto(calls, "70696374757265");
     calls.Add("IMessage::SaveChanges flags=0x00000004").Add("IMessage::GetProps 0x30080040 flags=0x00000000");

@@ -397,7 +397,7 @@ CString TextOfKey(HKEY zones, const wchar_t* zone, const wchar_t* value) {
     std::array<wchar_t, 512> text{};
     DWORD size = sizeof(text);
     EXPECT_EQ(RegGetValueW(zones, zone, value, RRF_RT_REG_SZ, nullptr, text.data(), &size), ERROR_SUCCESS);
-    return CString(text.data());
+    return {text.data()};
 }
 
 TEST(ZonesOfThisMachine, AreThoseOfItsRegistryOneByOne) {
