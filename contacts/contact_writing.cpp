@@ -3,7 +3,6 @@
 #include "contacts/contact_record.h"
 #include "mapi/item_writing.h"
 #include "mapi/mapi_object.h"
-#include "mapi/store_entries.h"
 #include "support/errors.h"
 #include "support/log.h"
 
@@ -43,18 +42,16 @@ int CMAPIObject::AddContact(CContactEx* contact) const {
 int CMAPIObject::UpdateContact(CContactEx* contact) const {
     return RunLogged(L"UpdateContact", [&] {
         const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
-        if (!folder || contact == nullptr) {
-            return false;
-        }
-        const ComPtr<IMessage> message = OpenMessageByHexId(folder.Get(), contact->m_strPIMID);
-        return message && UpdateContactMessage(message.Get(), contact) != 0;
+        return contact != nullptr && UpdateItem(folder.Get(), contact->m_strPIMID, [&](IMessage* message) {
+                   return UpdateContactMessage(message, contact);
+               });
     });
 }
 
 int CMAPIObject::DeleteContact(CContactEx* contact) const {
     return RunLogged(L"DeleteContact", [&] {
         const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
-        return folder && contact != nullptr && DeleteItem(folder.Get(), contact->m_strPIMID);
+        return contact != nullptr && DeleteItem(folder.Get(), contact->m_strPIMID);
     });
 }
 

@@ -2,7 +2,6 @@
 
 #include "mapi/hex_text.h"
 #include "mapi/named_properties.h"
-#include "mapi/store_entries.h"
 #include "timezone/conversions.h"
 
 // Behind the base headers.

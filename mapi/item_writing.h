@@ -7,6 +7,7 @@
 
 #include "mapi/change_flags.h"
 #include "mapi/operation_log.h"
+#include "mapi/store_entries.h"
 #include "support/log.h"
 #include "support/owners.h"
 #include "support/text.h"
@@ -62,6 +63,14 @@ bool AddItem(IMAPIFolder* folder, CString& hexId, const Write& write) {
     const bool written = write(message.Get()) != 0;
     ReadIdentifier(message.Get(), hexId);
     return written;
+}
+
+/// Opens the message of an identifier and lets it be written likewise. Returns whether it was; false for a
+/// null folder, and if there is no such message.
+template<class Write>
+bool UpdateItem(IMAPIFolder* folder, const CString& hexId, const Write& write) {
+    const ComPtr<IMessage> message = OpenMessageByHexId(folder, hexId);
+    return message && write(message.Get()) != 0;
 }
 
 /// Deletes a message through the folder that it lives in, which may be below the given one. Returns whether
