@@ -164,7 +164,7 @@ TEST_F(CalendarValues, TimesWithoutADateAreRemovedAndThoseThatAreNotValidAreWrit
         calendar.m_dtStartTime = calendar.m_dtEndTime = {0.0, kDateInvalid};
     });
     for (const LONG id : kTimes) {
-        EXPECT_TRUE(Named(id, PT_SYSTIME)) << std::hex << id;
+        EXPECT_EQ(UtcOf(id), L"1601-01-01 00:00:00") << std::hex << id;
     }
 }
 
