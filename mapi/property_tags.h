@@ -2,8 +2,11 @@
 
 // Tags of published properties that the SDK headers at hand do not name.
 
+#include <windows.h>
+
 #include <mapitags.h>
 
+constexpr ULONG PR_ICON_INDEX = 0x10800003;
 constexpr ULONG PR_LONGTERM_ENTRYID_FROM_TABLE = 0x66700102;
 constexpr ULONG PR_ATTACH_FLAGS = 0x37140003;
 constexpr ULONG PR_ATTACHMENT_LINKID = 0x7FFA0003;
