@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/calendar/recurrence_digest.h"
 #include "tests/unit/calendar/recurrence_writer.h"
 #include "tests/unit/calendar/sample_series.h"
 #include "tests/unit/text_printer.h"
@@ -243,6 +242,30 @@ TEST(RecurrenceExceptions, TheLongestSubjectIsReadWhole) {
     const CString text(WideString(0xFFFF, WIDE('x')));
     const ReadRecurrence read = ReadWithSubject(0xFFFF, BlobBytes().Wide(text).U32(0).U32(0));
     EXPECT_EQ(read.pattern.Exceptions[0].Subject, text);
+}
+
+TEST(RecurrenceExceptions, TextsThatLieInEachOtherTakeNoMoreThanThePropertyHas) {
+    // Behind each subject a block leads back to the beginning of its exception, so all share one text.
+    constexpr std::uint16_t kExceptions = 100;
+    constexpr std::uint16_t kUnits = 5'000;
+    BlobBytes blob = UpToExceptionCount(0x3008, kExceptions).U16(kExceptions);
+    for (int i = 0; i < kExceptions; ++i) {
+        blob.Add(InfoHead(0x1)).U16(1).U16(0);  // ExceptionInfo with a subject
+    }
+    blob.U32(0)              // ReservedBlock1Size
+        .U32(0)              // ReservedBlockEE1Size
+        .Add(DateBytes({}))  // StartDateTime, EndDateTime, OriginalStartDate
+        .U16(kUnits)         // WideCharSubjectLength
+        .Fill(2 * kUnits, 'x')
+        .U32(0U - (4 + 12 + 2 + 2 * kUnits + 4));  // ReservedBlockEE2Size
+    const tagRecurrencePattern pattern = ReadExactly(blob).pattern;
+    std::size_t units = 0;
+    for (std::uint32_t i = 0; i < kExceptions; ++i) {
+        units += pattern.Exceptions[i].Subject.size();
+    }
+    EXPECT_EQ(pattern.Exceptions[0].Subject.size(), kUnits);
+    EXPECT_EQ(pattern.Exceptions[99].Subject, WIDE(""));
+    EXPECT_LE(units, blob.Size() / 2);
 }
 
 /// The reminder's minutes behind an 8-bit subject of two lengths and some bytes.
