@@ -131,7 +131,7 @@ void ReadDates(BlobCursor& cursor, tagRecurrenceException& exception) {
 void SkipNarrowText(BlobCursor& cursor, TextLengths& lengths) {
     cursor.Read(lengths.withTerminator);
     cursor.Read(lengths.characters);
-    if (lengths.characters != 0 && lengths.characters == lengths.withTerminator - 1) {
+    if (lengths.characters == lengths.withTerminator - 1) {
         cursor.Skip(lengths.characters);
     }
 }

@@ -244,28 +244,43 @@ TEST(RecurrenceExceptions, TheLongestSubjectIsReadWhole) {
     EXPECT_EQ(read.pattern.Exceptions[0].Subject, text);
 }
 
-TEST(RecurrenceExceptions, TextsThatLieInEachOtherTakeNoMoreThanThePropertyHas) {
-    // Behind each subject a block leads back to the beginning of its exception, so all share one text.
-    constexpr std::uint16_t kExceptions = 100;
-    constexpr std::uint16_t kUnits = 5'000;
-    BlobBytes blob = UpToExceptionCount(0x3008, kExceptions).U16(kExceptions);
-    for (int i = 0; i < kExceptions; ++i) {
+/// A series of changes with a subject each. Behind each a block leads back, so that all share one text.
+BlobBytes WithSharedSubject(std::uint16_t exceptions, std::uint16_t units) {
+    BlobBytes blob = UpToExceptionCount(0x3008, exceptions).U16(exceptions);
+    for (int i = 0; i < exceptions; ++i) {
         blob.Add(InfoHead(0x1)).U16(1).U16(0);  // ExceptionInfo with a subject
     }
-    blob.U32(0)              // ReservedBlock1Size
-        .U32(0)              // ReservedBlockEE1Size
-        .Add(DateBytes({}))  // StartDateTime, EndDateTime, OriginalStartDate
-        .U16(kUnits)         // WideCharSubjectLength
-        .Fill(2 * kUnits, 'x')
-        .U32(0U - (4 + 12 + 2 + 2 * kUnits + 4));  // ReservedBlockEE2Size
+    return blob
+        .U32(0)                                        // ReservedBlock1Size
+        .U32(0)                                        // ReservedBlockEE1Size
+        .Add(DateBytes({}))                            // StartDateTime, EndDateTime, OriginalStartDate
+        .U16(units)                                    // WideCharSubjectLength
+        .Fill(2 * std::size_t{units}, 'x')             // WideCharSubject
+        .U32(0U - (4U + 12U + 2U + 2U * units + 4U));  // ReservedBlockEE2Size
+}
+
+TEST(RecurrenceExceptions, TextsThatLieInEachOtherTakeNoMoreThanThePropertyHas) {
+    const BlobBytes blob = WithSharedSubject(100, 5'000);
     const tagRecurrencePattern pattern = ReadExactly(blob).pattern;
     std::size_t units = 0;
-    for (std::uint32_t i = 0; i < kExceptions; ++i) {
+    for (std::uint32_t i = 0; i < 100; ++i) {
         units += pattern.Exceptions[i].Subject.size();
     }
-    EXPECT_EQ(pattern.Exceptions[0].Subject.size(), kUnits);
+    EXPECT_EQ(pattern.Exceptions[0].Subject.size(), 5'000U);
     EXPECT_EQ(pattern.Exceptions[99].Subject, WIDE(""));
     EXPECT_LE(units, blob.Size() / 2);
+}
+
+TEST(RecurrenceExceptions, TextsThatTakeAsMuchAsThePropertyHasAreReadWhole) {
+    // Two texts of half of what stands around them are as long as the property, and longer ones too long.
+    const auto half = static_cast<std::uint16_t>(WithSharedSubject(2, 0).Size() / 2);
+    const tagRecurrencePattern most = ReadExactly(WithSharedSubject(2, half)).pattern;
+    EXPECT_EQ(most.Exceptions[0].Subject.size(), half);
+    EXPECT_EQ(most.Exceptions[1].Subject.size(), half);
+    const auto longer = static_cast<std::uint16_t>(half + 1);
+    const tagRecurrencePattern more = ReadExactly(WithSharedSubject(2, longer)).pattern;
+    EXPECT_EQ(more.Exceptions[0].Subject.size(), longer);
+    EXPECT_EQ(more.Exceptions[1].Subject, WIDE(""));
 }
 
 /// The reminder's minutes behind an 8-bit subject of two lengths and some bytes.
