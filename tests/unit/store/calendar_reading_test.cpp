@@ -339,6 +339,20 @@ TEST_F(CalendarReading, MessageThatDoesNotOpenGoesOutWithoutItsMessagePart) {
     EXPECT_TRUE(Contains(documents[0], L"</PIMID>\r\n\t<lCalType>3</lCalType></Calendar>"));
 }
 
+TEST_F(CalendarReading, MessageIsLetGoBeforeItsDocumentIsSent) {
+    AddAppointments(L"Calendar", {L"One"});
+    LogOn();
+    std::vector<long> objects;
+    OnSend([&] { objects.push_back(recorder::LiveObjects()); });
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    // The last one that is opened is the message. Without it there is nothing to let go.
+    recorder::FailCall(LastCallOf("IMAPIFolder::OpenEntry"), false);
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    EXPECT_EQ(TakeSentCalendars().size(), 2U);
+    ASSERT_EQ(objects.size(), 2U);
+    EXPECT_EQ(objects[0], objects[1]);
+}
+
 TEST_F(CalendarReading, WithoutASubjectTheRowHasNoneAndChangesHaveAnEmptyOne) {
     namespace series = sample_series;
     {
