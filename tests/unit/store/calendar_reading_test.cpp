@@ -41,6 +41,48 @@ TEST_F(CalendarReading, FullReadWritesItsLinesInOrder) {
     EXPECT_EQ(g_MAPIObject.m_nItemTotal, 2);
 }
 
+TEST_F(CalendarReading, SubFolderReadWritesItsLinesInOrder) {
+    MakeFolder(L"Work\\Mail\\Calendar\\A");
+    AddAppointments(L"Calendar", {L"Top"});
+    LogOn();
+    g_bSubFolder = true;
+    EXPECT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    const auto line = [](const wchar_t* operation, const wchar_t* text) {
+        return LogLine{1, CString::Format(L"CMAPIObject::%s - %s\r\n", operation, text)};
+    };
+    const auto folder = [&](const wchar_t* operation) {
+        return LogLines{line(operation, L"m_lpEventFolder->OpenEntry(0X00000000)"),
+                        line(operation, L"lpContainer->GetContentsTable(0X00000000)"),
+                        line(operation, L"pfnHrQueryAllRows(0X00000000)"),
+                        line(operation, L"lpContainer->GetHierarchyTable(0X00000000)"),
+                        line(operation, L"pfnHrQueryAllRows(0X00000000)")};
+    };
+    constexpr const wchar_t* kCount = L"GetCalendarEventCountFromFolder";
+    constexpr const wchar_t* kRead = L"ReadCalendarEventFromFolder";
+    LogLines expected{line(L"ReadCalendars", L"Begin"), line(L"GetCalendarCount", L"Begin"),
+                      line(L"GetCalendarEventCount", L"Begin"),
+                      line(L"GetCalendarEventCount", L"m_lpEventFolder->GetProps(0X00000000)"),
+                      line(kCount, L"Begin")};
+    Append(expected, folder(kCount));
+    expected.push_back(line(kCount, L"Begin"));
+    Append(expected, folder(kCount));
+    Append(expected, {line(kCount, L"Finish"),
+                      line(kCount, L"Finish"),
+                      line(L"GetCalendarEventCount", L"Finish"),
+                      line(L"GetCalendarCount", L"Finish"),
+                      line(L"ReadCalenda", L"Calendar Count(1)"),
+                      line(L"ReadCalendarEvent", L"Begin"),
+                      line(L"ReadContacts", L"m_lpEventFolder->GetProps(0X00000000)"),
+                      {3, L"CMAPIObject::ReadCalendarEvent - NULL lParam1\r\n"},
+                      line(kRead, L"Finish")});
+    Append(expected, folder(kRead));
+    expected.push_back(line(kRead, L"Finish"));
+    Append(expected, folder(kRead));
+    Append(expected, {line(kRead, L"Finish(Succeeded)"), line(kRead, L"Finish(Succeeded)")});
+    Append(expected, LastLines());
+    EXPECT_EQ(TakeLog(), expected);
+}
+
 TEST_F(CalendarReading, DocumentIsTheSameCharacterByCharacter) {
     namespace series = sample_series;
     NAMESPACE_MAPI::tagRecurrencePattern pattern = series::Weekly();
@@ -301,6 +343,20 @@ TEST_F(CalendarReading, MessageThatDoesNotOpenGoesOutWithoutItsMessagePart) {
     const std::vector<CString> documents = TakeSentCalendars();
     ASSERT_EQ(documents.size(), 1U);
     EXPECT_TRUE(Contains(documents[0], L"</PIMID>\r\n\t<lCalType>3</lCalType></Calendar>"));
+}
+
+TEST_F(CalendarReading, MessageIsLetGoBeforeItsDocumentIsSent) {
+    AddAppointments(L"Calendar", {L"One"});
+    LogOn();
+    std::vector<long> objects;
+    OnSend([&] { objects.push_back(recorder::LiveObjects()); });
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    // The last one that is opened is the message. Without it there is nothing to let go.
+    recorder::FailCall(LastCallOf("IMAPIFolder::OpenEntry"), false);
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    EXPECT_EQ(TakeSentCalendars().size(), 2U);
+    ASSERT_EQ(objects.size(), 2U);
+    EXPECT_EQ(objects[0], objects[1]);
 }
 
 TEST_F(CalendarReading, WithoutASubjectTheRowHasNoneAndChangesHaveAnEmptyOne) {
