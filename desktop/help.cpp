@@ -87,8 +87,10 @@ WRITING
   removed. Its lFlag says what to do: 8 adds, 4 changes, 32 deletes the contact
   with its PIMID. To edit a contact: read it with --out, convert its file, edit
   the result and write that. What has no place in a document to be written is
-  dropped: the times, the full name (it is made of the parts of the name) and
-  blanks around a text. PICPath has to name the picture still, or it is removed.
+  dropped: the times, the full name (it is made of the parts of the name), blanks
+  around a text, and all of an e-mail address but its text, so that one of the
+  mail system's own kind becomes one of the internet. PICPath has to name the
+  picture still, or it is removed.
   The agent does not say whether it wrote. zebdesk looks at the folder before and
   after, and so the result is one of these:
     written, deleted  the folder shows it
