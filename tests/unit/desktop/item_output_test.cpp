@@ -71,7 +71,7 @@ class ItemOutputPicture : public ::testing::Test {
     }
 
     /// The document of a contact with the picture of that number, or none.
-    [[nodiscard]] CString Document(const CString& path) const {
+    static CString Document(const CString& path) {
         const CString element = path.empty() ? CString() : L"\n\t<PICPath>" + path + L"</PICPath>";
         return L"<?xml version='1.0'?>\r\n<Contact>\n\t<PIMID>00AB</PIMID>" + element +
                L"\n\t<SP-BODY>a &lt;PICPath&gt; &#13;\n b</SP-BODY></Contact>";
@@ -103,9 +103,7 @@ class ItemOutputPicture : public ::testing::Test {
         return m_folder.Read(Find(extension).c_str());
     }
     /// What the document's file is to hold, with that path of the picture.
-    [[nodiscard]] std::string Expected(const CString& path) const {
-        return Utf8FromWide(Document(path).View());
-    }
+    static std::string Expected(const CString& path) { return Utf8FromWide(Document(path).View()); }
 
     TemporaryFolder m_folder;
     CString m_agent = m_folder.File(L"agent");
