@@ -37,6 +37,7 @@ class CalendarWritingCase(MessageCase):
     FOLDER = "Work/Mail/Calendar"
     WRITE, READ, COUNT_ITEMS = "write-calendar", "read-calendars", "count-calendars"
     ROOT, NAME, NAME_TAG = "Calendar", "Description", SUBJECT
+    fields_of = staticmethod(fields)
     # Without these nothing is written, the appointment has no time, and there is a reminder.
     NEEDED = {"lCalType": "3", "dtStartTime": moment(2026, 3, 2, 9), "dtEndTime": moment(2026, 3, 2, 10),
               "lReminderMinutes": "-1"}

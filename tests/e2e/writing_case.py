@@ -6,7 +6,7 @@ import re
 import xml.sax.saxutils
 
 import harness
-from contact_fields import ADDRESS
+from contact_fields import ADDRESS, fields
 
 ADD, CHANGE, DELETE = 8, 4, 32
 ADDRESS_SET = f"{ADDRESS}-0000-0000-c000-000000000046"
@@ -121,6 +121,8 @@ class WritingCase(harness.Case):
     WRITE, READ, COUNT_ITEMS = "write", "read", "count"
     # The root element, and an element and its property by which tests tell items apart.
     ROOT, NAME, NAME_TAG = "Contact", "LastName", LAST_NAME
+    # The elements of a document that was read, by name.
+    fields_of = staticmethod(fields)
 
     def setUp(self):
         super().setUp()
