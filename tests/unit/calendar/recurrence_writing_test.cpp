@@ -6,7 +6,6 @@
 #include "tests/unit/calendar/recurrence_writer.h"
 #include "tests/unit/calendar/sample_series.h"
 #include "tests/unit/calendar/written_blob.h"
-#include "tests/unit/localstore/scarce_memory.h"
 
 namespace {
 
@@ -195,34 +194,6 @@ TEST(RecurrenceWriting, ANullOutputGivesZeroAndLeavesTheCount) {
     std::uint32_t size = 77;
     EXPECT_EQ(WriteRecurrenceBlob(Weekly(), nullptr, size), 0);
     EXPECT_EQ(size, 77U);
-}
-
-TEST(RecurrenceWriting, AFailedAllocationGivesZeroAndLeavesTheOutputs) {
-    const tagRecurrencePattern pattern = Weekly();
-    auto bytes = std::make_unique<std::uint8_t[]>(1);
-    const std::uint8_t* const before = bytes.get();
-    std::uint32_t size = 77;
-    int result = -1;
-    {
-        const localstore_test::ScarceMemory scarce(1, true);
-        result = WriteRecurrenceBlob(pattern, &bytes, size);
-    }
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(size, 77U);
-    EXPECT_EQ(bytes.get(), before);
-}
-
-TEST(RecurrenceWriting, TakesOneAllocation) {
-    const tagRecurrencePattern pattern = Weekly();
-    std::unique_ptr<std::uint8_t[]> bytes;
-    std::uint32_t size = 0;
-    int result = -1;
-    {
-        const localstore_test::ScarceMemory scarce(2, true);
-        result = WriteRecurrenceBlob(pattern, &bytes, size);
-    }
-    EXPECT_EQ(result, 1);
-    EXPECT_EQ(size, 80U);
 }
 
 TEST(BlobWriter, LeavesOutANumberForWhichThereIsNoRoom) {

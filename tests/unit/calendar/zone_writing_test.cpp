@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/unit/calendar/written_blob.h"
-#include "tests/unit/localstore/scarce_memory.h"
 #include "tests/unit/text_printer.h"
 
 namespace {
@@ -60,20 +59,6 @@ TEST(ZoneWriting, ANullOutputGivesZeroAndLeavesTheCount) {
     std::uint32_t size = 77;
     EXPECT_EQ(WriteTimeZoneBlob(SampleZone(), nullptr, size), 0);
     EXPECT_EQ(size, 77U);
-}
-
-TEST(ZoneWriting, AFailedAllocationGivesZeroAndLeavesTheOutputs) {
-    const tagZebTimeZone zone = SampleZone();
-    std::unique_ptr<std::uint8_t[]> bytes;
-    std::uint32_t size = 77;
-    int result = -1;
-    {
-        const localstore_test::ScarceMemory scarce(1, true);
-        result = WriteTimeZoneBlob(zone, &bytes, size);
-    }
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(size, 77U);
-    EXPECT_EQ(bytes, nullptr);
 }
 
 }  // namespace
