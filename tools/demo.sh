@@ -78,26 +78,15 @@ document=$(grep -l '<LastName>山田' "$demo"/documents/*.xml)
 printf '$ cat documents/%s\n' "$(basename "$document")"
 cat "$document"
 
-say "The pictures are files of their own, and whoever receives the documents owns them"
-mkdir "$demo/pictures"
-for document in "$demo"/documents/*.xml; do
-  picture=$(sed -n 's:.*<PICPath>\(.*\)</PICPath>.*:\1:p' "$document")
-  [ -z "$picture" ] || mv "$WINEPREFIX/drive_c/$(tail -c +4 <<<"${picture//\\//}")" "$demo/pictures/"
-done
-for picture in "$demo"/pictures/*; do
+say "The pictures are files of their own, each beside the document that names it"
+for picture in "$demo"/documents/*.jpg; do
   [ "$(head -c 3 "$picture" | od -An -tx1)" = ' ff d8 ff' ] || { printf 'demo: %s is no JPEG\n' "$picture" >&2; exit 1; }
-  printf '%6d bytes  pictures/%s\n' "$(stat -c %s "$picture")" "$(basename "$picture")"
+  printf '%6d bytes  documents/%s\n' "$(stat -c %s "$picture")" "$(basename "$picture")"
 done
 
 say "Of a contact that was read a document is made that can be written. It is edited and written back"
-remove_pictures() {
-  grep -rhoE '<PICPath>[^<]*' "$demo/$1" | sed -e 's/<PICPath>C://' -e 's:\\:/:g' | while read -r picture; do
-    rm -f "$WINEPREFIX/drive_c$picture"
-  done
-}
 # From here on reads bring what changes.
 zebdesk read contacts --quiet --changed contacts.map --out changes >"$demo/first-read.txt"
-remove_pictures changes
 document=documents/$(basename "$(grep -l '<LastName>Okafor' "$demo"/documents/*.xml)")
 printf '$ zebdesk convert %s > edited.xml\n' "$document"
 zebdesk convert "$document" >"$demo/edited.xml"
@@ -105,6 +94,8 @@ sed -i 's:<JobTitle>.*</JobTitle>:<JobTitle>Head of the gauging station</JobTitl
 grep -E 'lFlag|JobTitle' "$demo/edited.xml"
 show write contacts edited.xml
 show read contacts --changed contacts.map --out changes
+printf '$ grep JobTitle changes/%s\n' "$(basename "$document")"
+grep JobTitle "$demo/changes/$(basename "$document")"
 
 say "And it is deleted"
 show write contacts --delete "$(sed -n 's:.*<PIMID>\(.*\)</PIMID>.*:\1:p' "$demo/edited.xml")"

@@ -1,13 +1,17 @@
 """Contacts that are written by the desktop program and with single calls, and what is refused: it leaves all as it was."""
 
 import datetime
+import os
+import subprocess
 import xml.etree.ElementTree
 
 import harness
 from contact_fields import date_and_time, fields
 from message_case import Message, MessageCase
-from writing_case import (ADD, ADDRESS_SET, CHANGE, DELETE, LAST_MODIFICATION_TIME, LAST_NAME, REFUSED, document,
-                          time_of)
+from writing_case import (ADD, ADDRESS_SET, CHANGE, DELETE, LAST_MODIFICATION_TIME, LAST_NAME, REFUSED, document)
+
+# What stands for a time that the store does not tell.
+UNKNOWN_TIME = "12/30/1899 00:00:00"
 
 
 class Desktop(MessageCase):
@@ -18,8 +22,11 @@ class Desktop(MessageCase):
         for name, (_, moment, _) in zip(("one", "two", "three"), rows):
             filetime = self.messages()[name].tags[LAST_MODIFICATION_TIME]
             self.assertEqual(moment, date_and_time(filetime, datetime.datetime.now().astimezone().tzinfo))
+        begin = datetime.datetime.now()
         rows = self.write(document(CHANGE, one, LastName="changed"), document(DELETE, two))
         self.assertEqual([(row[0], row[2]) for row in rows], [("written", one), ("deleted", two)])
+        # Nothing is left to have a time, so that of the attempt came back.
+        self.assert_present(rows[1][1], begin)
         self.assertEqual(self.delete(three), "deleted")
         self.assertEqual(list(self.messages()), ["changed"])
 
@@ -37,7 +44,9 @@ class Desktop(MessageCase):
                           b"<Contact><lFlag>8</lFlag><LastName>\xFF</LastName></Contact>",
                           '<!DOCTYPE Contact><Contact><lFlag>8</lFlag></Contact>', document(ADD, LastName="good"),
                           status=REFUSED)
-        self.assertEqual([row[0] for row in rows], ["refused"] * 6 + ["written"])
+        # Nothing came back where nothing was sent.
+        self.assertEqual(rows[:6], [("refused", "", "")] * 6)
+        self.assertEqual(rows[6][0], "written")
         for reason in ("no document of this kind", "lFlag asks for nothing", "no PIMID", "no text in UTF-8",
                        "only 1 of 7 documents"):
             self.assertIn(reason, self.errors)
@@ -108,11 +117,6 @@ class Refusals(MessageCase):
         zone = datetime.datetime.now().astimezone().tzinfo
         return date_and_time(message.tags[LAST_MODIFICATION_TIME], zone)
 
-    def assert_present(self, moment, begin):
-        """The time of an attempt, which the agent has from the clock."""
-        self.assertLessEqual(begin.replace(microsecond=0), time_of(moment))
-        self.assertLessEqual(time_of(moment), datetime.datetime.now())
-
     def hold(self, how, path):
         """Keeps a file open in another program until the test ends or the returned function is called."""
         holder = self.place.start(harness.TEST_BIN / "write_messages.exe",
@@ -161,7 +165,10 @@ class Refusals(MessageCase):
             self.assertEqual((status, returned), (0, identifier))
             self.assert_present(moment, begin)
             self.assert_finish(operation, "Failed")
-            self.assertEqual(self.write(document(flag, identifier, LastName="back"), status=REFUSED)[0][0], "unproven")
+            begin = datetime.datetime.now()
+            [(result, moment, returned)] = self.write(document(flag, identifier, LastName="back"), status=REFUSED)
+            self.assertEqual((result, returned), ("unproven", identifier))
+            self.assert_present(moment, begin)
         self.assertEqual(self.files(), {})
 
     def assert_update_refused(self, identifier, moment):
@@ -169,7 +176,8 @@ class Refusals(MessageCase):
         before = self.files()
         self.assertEqual(self.send(document(CHANGE, identifier, LastName="new")), [(0, identifier, moment)])
         self.assert_finish("UpdateContact", "Failed")
-        self.assertEqual(self.write(document(CHANGE, identifier, LastName="new"), status=REFUSED)[0][0], "refused")
+        rows = self.write(document(CHANGE, identifier, LastName="new"), status=REFUSED)
+        self.assertEqual(rows, [("refused", moment, identifier)])
         self.assertEqual(self.files(), before)
 
     def test_a_contact_that_another_program_holds_stays_as_it_is(self):
@@ -203,10 +211,26 @@ class Refusals(MessageCase):
         path.chmod(0o644)
         self.write_one(document(CHANGE, identifier, LastName="new"))
 
-    def test_a_full_disk_leaves_the_old_contact_and_makes_no_new_one(self):
+    def assert_both_refused(self, identifier, moment):
+        """There is no room for an add and none for a change, and what is there stays."""
+        before = self.files()
+        added, changed = self.send(document(ADD, LastName="new", Body="y" * 20000),
+                                   document(CHANGE, identifier, LastName="new", Body="y" * 20000))
+        self.assertEqual((added[0], added[2]), (0, UNKNOWN_TIME))
+        self.assertEqual(changed, (0, identifier, moment))
+        self.assertEqual(self.files(), before)
+        # The store named the message before it refused to save it. That is now a name for nothing.
+        self.assertRegex(added[1], r"\A([0-9A-F]{2})+\Z")
+        self.assertNotEqual(added[1], identifier)
+        begin = datetime.datetime.now()
+        [(status, returned, time)] = self.send(document(CHANGE, added[1], LastName="new"))
+        self.assertEqual((status, returned), (0, added[1]))
+        self.assert_present(time, begin)
+        self.assertEqual(self.files(), before)
+
+    def test_a_file_that_cannot_grow_leaves_the_old_contact_and_makes_no_new_one(self):
         identifier = self.add(LastName="old", Body="x" * 20000)
         [path] = self.place.contacts.glob("*.msg")
-        before = self.files()
         # Held open, so that the server of the prefix is there and not started under the limit.
         self.hold("keep", self.place.bin / "MAPI32.dll")
         moment = self.moment_of(Message(path))
@@ -214,14 +238,51 @@ class Refusals(MessageCase):
         for room in (4096, size // 2, size * 3 // 4):
             with self.subTest(room=room):
                 self.restart(FENNIC64_LEVEL="", prepare=harness.limit_file_size(room))
-                added, changed = self.send(document(ADD, LastName="new", Body="y" * 20000),
-                                           document(CHANGE, identifier, LastName="new", Body="y" * 20000))
-                self.assertEqual((added[0], added[2]), (0, "12/30/1899 00:00:00"))
-                self.assertEqual(changed, (0, identifier, moment))
-                self.assertEqual(self.files(), before)
+                self.assert_both_refused(identifier, moment)
         # A deletion needs no room.
         self.assertEqual(self.send(document(DELETE, identifier))[0][:2], (0, identifier))
         self.assertEqual(self.files(), {})
+
+    def move_to_small_disk(self, size):
+        """Gives the agent a store on a disk of its own, of a size in kilobytes."""
+        disk = self.place.path / "disk"
+        disk.mkdir()
+        mounted = subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={size}k", "tmpfs", str(disk)],
+                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
+        if mounted.returncode != 0:
+            self.skipTest("NO SMALL DISK: this user may not mount one")
+        # The agent may have a file of it open until the place is closed.
+        self.addCleanup(subprocess.run, ["umount", "-l", str(disk)], check=True)
+        self.place.root = disk / "root"
+        self.place.contacts = self.place.folder(self.place.FOLDER)
+        self.restart()
+
+    def fill_disk(self, room):
+        """Leaves that much room on the small disk, in bytes."""
+        filler = self.place.root / "filler"
+        filler.unlink(missing_ok=True)
+        disk = os.statvfs(self.place.root)
+        filler.write_bytes(bytes(disk.f_bavail * disk.f_frsize - room))
+
+    def test_a_full_disk_leaves_the_old_contact_and_makes_no_new_one(self):
+        self.move_to_small_disk(512)
+        identifier = self.add(LastName="old", Body="x" * 20000)
+        [path] = self.place.contacts.glob("*.msg")
+        moment = self.moment_of(Message(path))
+        size = path.stat().st_size
+        for room in (0, 4096, size // 2, size * 3 // 4):
+            with self.subTest(room=room):
+                self.fill_disk(room)
+                self.assert_both_refused(identifier, moment)
+                self.assert_finish("AddContact", "Failed")
+                self.assert_finish("UpdateContact", "Failed")
+        rows = self.write(document(ADD, LastName="new", Body="y" * 20000), status=REFUSED)
+        self.assertEqual([row[:2] for row in rows], [("refused", UNKNOWN_TIME)])
+        # A deletion needs no room, and makes some.
+        self.fill_disk(0)
+        self.assertEqual(self.send(document(DELETE, identifier))[0][:2], (0, identifier))
+        self.assertEqual(self.files(), {})
+        self.add(LastName="new", Body="y" * 20000)
 
 
 if __name__ == "__main__":
