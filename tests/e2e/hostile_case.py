@@ -185,8 +185,8 @@ class IdentifierTests(HostileCase):
     def hostile(self, identifier):
         """Identifiers that name nothing."""
         return ["0", "00", "000", "x", "0x", "zz", "0x" + identifier, identifier + "00", identifier[:-2], "0" + identifier,
-                identifier[2:], identifier[::-1], "\u5C71\U0001F600" * 30, "%s%n%d", "..\\..\\x", "<>&\"'", "F" * 398, "F" * 399, "F" * 400, "F" * 401, "0" * 100001, "\u00E9" * 1000000,
-                self.folder_identifier(identifier)]
+                identifier[2:], identifier[::-1], "\u5C71\U0001F600" * 30, "%s%n%d", "..\\..\\x", "<>&\"'", "F" * 398,
+                "F" * 399, "F" * 400, "F" * 401, "0" * 100001, "\u00E9" * 1000000, self.folder_identifier(identifier)]
 
     def folder_identifier(self, identifier):
         """The beginning of an item's identifier in another one: that of the store without any item."""

@@ -1,5 +1,5 @@
-"""Appointments that are written by the desktop program and with single calls, with and without somebody at the callback endpoint,
-and in twelve zones."""
+"""Appointments that are written by the desktop program and with single calls, with and without somebody at the callback
+endpoint, and in twelve zones."""
 
 import datetime
 import xml.etree.ElementTree

@@ -6,12 +6,11 @@ import struct
 
 import harness
 import recurrence_decoder
-from calendar_case import (APPOINTMENT_SET, BODY, COMMON_SET, END, LOCATION, NO_TIME, RECUR, START, SUBJECT,
+from calendar_case import (APPOINTMENT_SET, BODY, COMMON_SET, END, LOCATION, RECUR, START, SUBJECT,
                            CalendarWritingCase, filetime, moment, utc_of)
-from message_case import Message
 from recurrence_decoder import (BY_DAY, BY_MONTH, BY_MONTH_NTH, BY_WEEK, DAILY, END_AFTER, END_BY_DATE, MONTHLY, NEVER,
                                 WEEKLY, YEARLY)
-from writing_case import ADD, CHANGE, time_of
+from writing_case import ADD, CHANGE, DELETE, NO_TIME, time_of
 
 NEW_YORK = "America/New_York"
 # The zone property of New York: bias, that of standard time and of daylight saving, and both rules with a year in front.
@@ -138,7 +137,7 @@ class Properties(WrittenAppointments):
         self.assertEqual({item["PIMID"] for item in map(self.fields_of, self.read_all())}, {added[1], changed[1]})
         [found] = [item for item in map(self.fields_of, self.read_all()) if item["PIMID"] == added[1]]
         self.assertEqual(found["lastModifiedTime"], added[2])
-        self.assertEqual(self.send(self.document(32, added[1])), [(0, added[1], NO_TIME)])
+        self.assertEqual(self.send(self.document(DELETE, added[1])), [(0, added[1], NO_TIME)])
         self.assertGreater(time_of(added[2]), datetime.datetime(2020, 1, 1))
 
 
