@@ -24,6 +24,9 @@ constexpr std::int32_t kYearly = 4;
 
 constexpr std::int32_t kMondayToFriday = 62;
 
+/// The one kind of calendar item that is written.
+constexpr std::int32_t kAppointment = 3;
+
 [[noreturn]] void ThrowRefused(const wchar_t* message) {
     throw Failure(ExitCode::kDocumentRefused, message);
 }
@@ -91,6 +94,12 @@ bool IsMidnight(const CString& time) {
 
 }  // namespace
 
+const wchar_t* ObjectionToCalendar(ItemDocument& document) {
+    return NumberOf(document, L"lCalType") == kAppointment
+               ? nullptr
+               : L"its lCalType is not 3, so it is no appointment that is written";
+}
+
 std::vector<CString> ConvertCalendar(ItemDocument& read, WrittenDocument& written) {
     std::vector<CString> losses;
     for (const wchar_t* name : kElements) {
@@ -101,8 +110,7 @@ std::vector<CString> ConvertCalendar(ItemDocument& read, WrittenDocument& writte
         AddSeries(read, written);
         TellSeriesLosses(read, losses);
     }
-    // Whatever else is not written.
-    written.Add(L"lCalType", L"3");
+    written.Add(L"lCalType", CString::FromNumber(kAppointment));
     if (read.Field(L"bAlldayEvent") == L"TRUE" &&
         !(IsMidnight(read.Field(L"dtStartTime")) && IsMidnight(read.Field(L"dtEndTime")))) {
         losses.push_back(L"its whole days are not from midnight to midnight here, and a write makes them so");

@@ -28,6 +28,8 @@ struct ItemKind {
     /// The headings of its table, and a document's row in it.
     TextTable::Row (*headings)();
     TextTable::Row (*row)(ItemDocument& document);
+    /// Why the agent would neither add nor change an item by a document, for the user; null if it would.
+    const wchar_t* (*objection)(ItemDocument& document);
     /// An element that every document of a read has behind all others of its item's message, and no document
     /// that a conversion makes.
     const wchar_t* lastElement;

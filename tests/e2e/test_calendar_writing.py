@@ -35,7 +35,7 @@ class Desktop(CalendarWritingCase):
         rows = self.write("no document", "<Contact/>", self.named(0, None, "x"), self.named(CHANGE, None, "x"),
                           self.named(ADD, None, "x", lCalType="2"), self.named(ADD, None, "good"), status=REFUSED)
         self.assertEqual([row[0] for row in rows], ["refused"] * 5 + ["written"])
-        for reason in ("no document of this kind", "lFlag asks for nothing", "no PIMID", "only 1 of 6 documents"):
+        for reason in ("no document of this kind", "lFlag asks for nothing", "no PIMID", "lCalType is not 3", "only 1 of 6 documents"):
             self.assertIn(reason, self.errors)
         self.assertEqual(list(self.messages()), ["good"])
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "desktop/calendar_conversion.h"
 #include "desktop/conversion.h"
 #include "desktop/failure.h"
 #include "desktop/item_document.h"
@@ -196,6 +197,21 @@ TEST(ConvertCalendar, LeavesADeletionADeletion) {
     EXPECT_EQ(Element(deletion, L"lFlag"), L"32");
     EXPECT_EQ(Element(deletion, L"PIMID"), L"00AB");
     ExpectRefused(deletion, L"deletion", true);
+}
+
+TEST(ObjectionToCalendar, IsThatItIsNoAppointment) {
+    const auto hasObjection = [](const wchar_t* elements) {
+        const CString text = CString(L"<Calendar><lFlag>8</lFlag>") + elements + L"</Calendar>";
+        ItemDocument document(L"Calendar", text.View());
+        return ObjectionToCalendar(document) != nullptr;
+    };
+    EXPECT_FALSE(hasObjection(L"<lCalType>3</lCalType>"));
+    EXPECT_FALSE(hasObjection(L"<lCalType>03rd</lCalType>"));
+    EXPECT_TRUE(hasObjection(L""));
+    EXPECT_TRUE(hasObjection(L"<lCalType/>"));
+    EXPECT_TRUE(hasObjection(L"<lCalType>2</lCalType>"));
+    // Of several the first one counts.
+    EXPECT_TRUE(hasObjection(L"<lCalType>-1</lCalType><lCalType>3</lCalType>"));
 }
 
 TEST(ConvertCalendar, RefusesASeriesThatDoesNotTellHowItRecurs) {
