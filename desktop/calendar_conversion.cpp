@@ -87,6 +87,14 @@ void TellSeriesLosses(ItemDocument& read, std::vector<CString>& losses) {
     }
 }
 
+/// The zone of a single appointment that is not this machine's, in the form by which a write finds one: the
+/// text in front of its rules. Empty for this machine's, which a write takes by itself. A series has its
+/// times by the clocks of this machine, so it must not name another zone.
+CString OtherZoneOf(ItemDocument& read) {
+    const CString zone = read.Field(L"TimeZone");
+    return zone == MachineZoneText() ? CString() : CString(zone.substr(0, zone.find(L";STD:")));
+}
+
 bool IsMidnight(const CString& time) {
     constexpr WideView kMidnight = L" 00:00:00";
     return time.View().ends_with(kMidnight);
@@ -100,12 +108,19 @@ const wchar_t* ObjectionToCalendar(ItemDocument& document) {
                : L"its lCalType is not 3, so it is no appointment that is written";
 }
 
+bool IsWholeCalendar(ItemDocument& document) {
+    // The last element of its message, and one of the two that tell whether it is a series.
+    return document.Has(L"TimeZone") && (document.Has(L"RecurType") || document.Has(L"lRecurType"));
+}
+
 std::vector<CString> ConvertCalendar(ItemDocument& read, WrittenDocument& written) {
     std::vector<CString> losses;
     for (const wchar_t* name : kElements) {
         written.Add(name, read.Field(name));
     }
-    if (!read.Has(L"RecurType")) {
+    if (read.Has(L"RecurType")) {
+        written.Add(L"TimeZone", OtherZoneOf(read));
+    } else {
         RequireSeries(read);
         AddSeries(read, written);
         TellSeriesLosses(read, losses);

@@ -24,11 +24,11 @@ const wchar_t* NoObjection(ItemDocument& /*document*/) {
 
 constexpr ItemKind kKinds[] = {
     {L"contacts", L"contact", L"Contact", L"<id>", L"</id>", "[contact pim]", GetContactCount,
-     SetContactFolder, ReadContacts, WriteContacts, ContactHeadings, ContactRow, NoObjection,
-     L"SP-CATEGORIES", ConvertContact},
+     SetContactFolder, ReadContacts, WriteContacts, ContactHeadings, ContactRow, NoObjection, IsWholeContact,
+     ConvertContact},
     {L"calendars", L"calendar", L"Calendar", L"<id><event>", L"</event></id>", "[calendar pim]",
      GetCalendarCount, SetCalendarFolder, ReadCalendars, WriteCalendars, CalendarHeadings, CalendarRow,
-     ObjectionToCalendar, L"TimeZone", ConvertCalendar},
+     ObjectionToCalendar, IsWholeCalendar, ConvertCalendar},
 };
 
 }  // namespace

@@ -30,9 +30,8 @@ struct ItemKind {
     TextTable::Row (*row)(ItemDocument& document);
     /// Why the agent would neither add nor change an item by a document, for the user; null if it would.
     const wchar_t* (*objection)(ItemDocument& document);
-    /// An element that every document of a read has behind all others of its item's message, and no document
-    /// that a conversion makes.
-    const wchar_t* lastElement;
+    /// True for a document of a read that has all of its item. What a conversion makes is none.
+    bool (*isWhole)(ItemDocument& document);
     /// Takes what a document of a read says of its item over into one to be written. Returns what a write of
     /// it loses, in lines for the user.
     std::vector<CString> (*convert)(ItemDocument& read, WrittenDocument& written);
