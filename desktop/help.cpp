@@ -1,8 +1,8 @@
 #include "desktop/help.h"
 
 const WideView kHelpText =
-    LR"(zebdesk reads and writes the address book and the calendar of the mail system
-through its 64-bit agent.
+    LR"(zebdesk reads and writes the address book and the calendar of the mail
+system through its 64-bit agent.
 
 USAGE
   zebdesk COMMAND [OPTION...]
@@ -92,12 +92,14 @@ WRITING
   text, and all of an e-mail address but its text, so that one of the mail
   system's own kind becomes one of the internet. PICPath has to name the picture
   still, or it is removed.
-  Of an appointment, dropped are the times of the document itself, the time zone
-  (it becomes this machine's) and the exceptions of a series: a write makes its
-  deleted and changed instances like all others. "convert" warns of exceptions, of
-  a series of another zone, and of whole days that are not from midnight to
-  midnight here. A series of which a document does not tell how it recurs is not
-  converted.
+  Of an appointment, dropped are the times of the document itself, and of a
+  series its time zone, which becomes this machine's, and its exceptions: a write
+  makes its deleted and changed instances like all others. "convert" warns of
+  exceptions, of a series of another zone, and of whole days that are not from
+  midnight to midnight here. A series of which a document does not tell how it
+  recurs is not converted. One that has both a last day and a count is made to end
+  by its count, so that it keeps both: to let it end on another day, set
+  bRecurHasEndDate to TRUE.
   The agent does not say whether it wrote. zebdesk looks at the folder before and
   after, and so the result is one of these:
     written, deleted  the folder shows it

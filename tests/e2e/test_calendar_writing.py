@@ -69,6 +69,11 @@ class Desktop(CalendarWritingCase):
         rows = self.write(self.named(CHANGE, identifiers["one"], "changed"), self.document(DELETE, identifiers["two"]))
         self.assertEqual([row[0] for row in rows], ["written", "deleted"])
         self.assertEqual(list(self.messages()), ["changed"])
+        # What an add hands back is an identifier that the lists of such a store do not have.
+        [(_, _, identifier)] = self.write(self.named(ADD, None, "three"))
+        rows = self.write(self.named(CHANGE, identifier, "changed too"), status=REFUSED)
+        self.assertEqual([row[0] for row in rows], ["unproven"])
+        self.assertEqual(set(self.messages()), {"changed", "changed too"})
 
     def test_own_writes_come_with_the_next_read_of_changes_and_can_be_told_by_identifier_and_time(self):
         self.assertEqual(self.read_changes(), "")
