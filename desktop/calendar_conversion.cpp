@@ -78,11 +78,11 @@ void AddSeries(ItemDocument& read, WrittenDocument& written) {
 void TellSeriesLosses(ItemDocument& read, std::vector<CString>& losses) {
     const CString exceptions = ExceptionWords(read.Field(L"ExceptionRule"));
     if (!exceptions.empty()) {
-        losses.push_back(L"the exceptions of its series cannot be written (" + exceptions +
-                         L"): a write makes them instances like all others");
+        losses.emplace_back(L"the exceptions of its series cannot be written (" + exceptions +
+                            L"): a write makes them instances like all others");
     }
     if (read.Field(L"TimeZone") != MachineZoneText()) {
-        losses.push_back(
+        losses.emplace_back(
             L"its series is of another time zone than this machine, which a write makes it one of");
     }
 }
@@ -128,7 +128,8 @@ std::vector<CString> ConvertCalendar(ItemDocument& read, WrittenDocument& writte
     written.Add(L"lCalType", CString::FromNumber(kAppointment));
     if (read.Field(L"bAlldayEvent") == L"TRUE" &&
         !(IsMidnight(read.Field(L"dtStartTime")) && IsMidnight(read.Field(L"dtEndTime")))) {
-        losses.push_back(L"its whole days are not from midnight to midnight here, and a write makes them so");
+        losses.emplace_back(
+            L"its whole days are not from midnight to midnight here, and a write makes them so");
     }
     return losses;
 }
