@@ -1,9 +1,13 @@
 #pragma once
 
+#include <span>
+#include <vector>
+
 #include "desktop/item_document.h"
 #include "desktop/text_table.h"
+#include "desktop/written_document.h"
 
-/// A kind of item that the agent counts and reads.
+/// A kind of item that the agent counts, reads and writes.
 struct ItemKind {
     /// The word of the command line, in the plural.
     const wchar_t* word;
@@ -20,12 +24,21 @@ struct ItemKind {
     void (*count)(long* count, long* status);
     void (*choose)(wchar_t* selection, long* status);
     void (*read)(wchar_t* ignored, wchar_t* mapFile, long* status);
-    void (*write)(wchar_t* document, wchar_t* id, wchar_t* time,
-                  long* status);  ///< null if it cannot be written
+    void (*write)(wchar_t* document, wchar_t* id, wchar_t* time, long* status);
     /// The headings of its table, and a document's row in it.
     TextTable::Row (*headings)();
     TextTable::Row (*row)(ItemDocument& document);
+    /// Why the agent would neither add nor change an item by a document, for the user; null if it would.
+    const wchar_t* (*objection)(ItemDocument& document);
+    /// True for a document of a read that has all of its item. What a conversion makes is none.
+    bool (*isWhole)(ItemDocument& document);
+    /// Takes what a document of a read says of its item over into one to be written. Returns what a write of
+    /// it loses, in lines for the user.
+    std::vector<CString> (*convert)(ItemDocument& read, WrittenDocument& written);
 };
+
+/// All kinds.
+std::span<const ItemKind> ItemKinds();
 
 /// The kind that the word stands for, or null.
 const ItemKind* FindItemKind(WideView word);

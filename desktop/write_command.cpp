@@ -58,6 +58,9 @@ void Examine(Order& order, const ItemKind& kind, std::set<std::string>& named) {
         order.reason = L"its lFlag asks for nothing: 8 adds, 4 changes, 32 deletes";
     } else if (order.facts.kind != WriteKind::kAdd && id.empty()) {
         order.reason = L"it has no PIMID";
+    } else if (const wchar_t* objection = kind.objection(document);
+               order.facts.kind != WriteKind::kDelete && objection != nullptr) {
+        order.reason = objection;
     } else if (order.facts.kind != WriteKind::kAdd && !named.insert(StateKey(id.View())).second) {
         order.reason = L"another one is for the same item";
     }

@@ -1,10 +1,10 @@
-"""A place for tests of written contacts that look at the messages themselves, with the independent reader."""
+"""A place for tests of written items that look at the messages themselves, with the independent reader."""
 
 import datetime
 import sys
 
 import harness
-from writing_case import LAST_NAME, WritingCase, time_of
+from writing_case import WritingCase, time_of
 
 try:
     from read_msg import Message
@@ -17,12 +17,12 @@ JPEG = b"\xFF\xD8\xFF" + bytes(i % 251 for i in range(70000)) + b"\xFF\xD9"
 
 class MessageCase(WritingCase):
     def messages(self):
-        """The messages of the contact folder by last name."""
-        found = map(Message, self.place.contacts.glob("*.msg"))
-        return {message.tags.get(LAST_NAME): message for message in found}
+        """The messages of the folder by name."""
+        found = map(Message, self.items.glob("*.msg"))
+        return {message.tags.get(self.NAME_TAG): message for message in found}
 
     def the_message(self):
-        [file] = self.place.contacts.glob("*.msg")
+        [file] = self.items.glob("*.msg")
         return Message(file)
 
     def assert_present(self, moment, begin):
@@ -36,7 +36,7 @@ class MessageCase(WritingCase):
         return harness.windows_path(path)
 
     def read_one(self):
-        [content] = self.place.read_with_desktop().values()
+        [content] = self.place.read_with_desktop(kind=self.KIND).values()
         return content.decode()
 
     def take_picture(self, contact):

@@ -4,13 +4,14 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cwchar>
 #include <iomanip>
 #include <iostream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
 #include <rpc.h>
 
@@ -37,9 +38,12 @@ constexpr const char* kUsage =
     "  --fail-at N        raise an exception while the Nth document is being received\n"
     "  --crash-after N    end without a word while the Nth document is being received\n"
     "commands:\n"
-    "  logon[=PROFILE] count read stop logoff shutdown profiles folders\n"
+    "  logon[=PROFILE] count read count-calendars read-calendars stop logoff shutdown profiles folders\n"
     "  contact-folder=SELECTION calendar-folder=SELECTION\n"
-    "  write=FILE         write the document in FILE, which is in UTF-16, and print the three outputs\n"
+    "  write=FILE         write the contact of the document in FILE, which is in UTF-16, and print the "
+    "three\n"
+    "                     outputs\n"
+    "  write-calendar=FILE  the same with an appointment\n"
     "  await-end          wait until the agent is gone, and tell whether it said so before\n";
 
 /// What the callbacks do and have done. They come on the runtime's threads, one at a time.
@@ -133,19 +137,19 @@ void DoLogOn(std::wstring profile) {
     std::cout << "logon " << status << '\n';
 }
 
-void DoCount() {
+void DoCount(void (*procedure)(long* count, long* status)) {
     long count = -1;
     long status = -1;
-    GuardedRpc([&count, &status] { GetContactCount(&count, &status); });
+    GuardedRpc([procedure, &count, &status] { procedure(&count, &status); });
     std::cout << "count " << count << ' ' << status << '\n';
 }
 
-void DoRead() {
+void DoRead(void (*procedure)(wchar_t* ignored, wchar_t* mapFile, long* status)) {
     const unsigned long before = g_reception.documents;
     long status = -1;
     wchar_t nothing[] = L"";
     wchar_t* const text = nothing;
-    GuardedRpc([text, &status] { ReadContacts(text, text, &status); });
+    GuardedRpc([procedure, text, &status] { procedure(text, text, &status); });
     std::cout << "read " << status << ' ' << g_reception.documents - before << '\n';
 }
 
@@ -159,23 +163,47 @@ void DoWithText(const wchar_t* word, TextProcedure procedure, std::wstring value
     std::printf("%ls %ld\n", word, status);
 }
 
+/// The word of a command and what is behind its "=".
+struct CommandParts {
+    std::wstring word;
+    std::wstring value;
+};
+
+CommandParts PartsOf(const std::wstring& command) {
+    const std::size_t equals = command.find(L'=');
+    return {command.substr(0, equals),
+            equals == std::wstring::npos ? std::wstring() : command.substr(equals + 1)};
+}
+
+/// A command and the remote procedure behind it.
+template<class Procedure>
+struct NamedProcedure {
+    const wchar_t* word;
+    Procedure procedure;
+};
+
+/// The procedure of a command; null if there is none.
+template<class Procedure, std::size_t kCount>
+Procedure FindProcedure(const NamedProcedure<Procedure> (&commands)[kCount], const std::wstring& word) {
+    const auto* found = std::find_if(std::begin(commands), std::end(commands),
+                                     [&](const auto& command) { return command.word == word; });
+    return found == std::end(commands) ? nullptr : found->procedure;
+}
+
 /// True if the command was one of those with a text.
 bool DoTextCommand(const std::wstring& command) {
-    constexpr std::pair<const wchar_t*, TextProcedure> kCommands[] = {
+    constexpr NamedProcedure<TextProcedure> kCommands[] = {
         {L"profiles", GetAppProfile},
         {L"folders", GetAppFolder},
         {L"contact-folder", SetContactFolder},
         {L"calendar-folder", SetCalendarFolder},
     };
-    const std::size_t equals = command.find(L'=');
-    for (const auto& [word, procedure] : kCommands) {
-        if (command.substr(0, equals) == word) {
-            DoWithText(word, procedure,
-                       equals == std::wstring::npos ? std::wstring() : command.substr(equals + 1));
-            return true;
-        }
+    const CommandParts parts = PartsOf(command);
+    const TextProcedure procedure = FindProcedure(kCommands, parts.word);
+    if (procedure != nullptr) {
+        DoWithText(parts.word.c_str(), procedure, parts.value);
     }
-    return false;
+    return procedure != nullptr;
 }
 
 std::wstring ReadDocument(const std::wstring& path) {
@@ -206,13 +234,16 @@ std::string Printable(const wchar_t* text) {
     return printed.str();
 }
 
-void DoWrite(const std::wstring& path) {
+/// A procedure that writes an item.
+using WriteProcedure = void (*)(wchar_t* document, wchar_t* id, wchar_t* time, long* status);
+
+void DoWrite(WriteProcedure procedure, const std::wstring& path) {
     std::wstring document = ReadDocument(path);
     wchar_t id[400] = L"";
     wchar_t time[40] = L"";
     long status = -1;
     wchar_t* const texts[] = {document.data(), id, time};
-    GuardedRpc([&texts, &status] { WriteContacts(texts[0], texts[1], texts[2], &status); });
+    GuardedRpc([procedure, &texts, &status] { procedure(texts[0], texts[1], texts[2], &status); });
     std::cout << "write " << status << " [" << Printable(id) << "] [" << Printable(time) << "]\n";
 }
 
@@ -228,17 +259,41 @@ void AwaitEnd() {
     std::cout << "end " << (announced ? "announced" : "not announced") << '\n';
 }
 
+/// True if the command was one that writes.
+bool DoWriteCommand(const std::wstring& command) {
+    constexpr NamedProcedure<WriteProcedure> kCommands[] = {
+        {L"write", WriteContacts},
+        {L"write-calendar", WriteCalendars},
+    };
+    const CommandParts parts = PartsOf(command);
+    const WriteProcedure procedure = FindProcedure(kCommands, parts.word);
+    if (procedure != nullptr) {
+        DoWrite(procedure, parts.value);
+    }
+    return procedure != nullptr;
+}
+
+/// True if the command was one that counts or reads.
+bool DoReadCommand(const std::wstring& command) {
+    if (command == L"count") {
+        DoCount(GetContactCount);
+    } else if (command == L"count-calendars") {
+        DoCount(GetCalendarCount);
+    } else if (command == L"read") {
+        DoRead(ReadContacts);
+    } else if (command == L"read-calendars") {
+        DoRead(ReadCalendars);
+    } else {
+        return false;
+    }
+    return true;
+}
+
 void Do(const std::wstring& command) {
     if (command.rfind(L"logon=", 0) == 0) {
         DoLogOn(command.substr(std::wcslen(L"logon=")));
-    } else if (command.rfind(L"write=", 0) == 0) {
-        DoWrite(command.substr(std::wcslen(L"write=")));
     } else if (command == L"logon") {
         DoLogOn(L"");
-    } else if (command == L"count") {
-        DoCount();
-    } else if (command == L"read") {
-        DoRead();
     } else if (command == L"stop") {
         GuardedRpc([] { Stop(); });
     } else if (command == L"logoff") {
@@ -247,7 +302,7 @@ void Do(const std::wstring& command) {
         GuardedRpc([] { Shutdown(); });
     } else if (command == L"await-end") {
         AwaitEnd();
-    } else if (!DoTextCommand(command)) {
+    } else if (!DoReadCommand(command) && !DoWriteCommand(command) && !DoTextCommand(command)) {
         throw std::invalid_argument(kUsage);
     }
     std::cout.flush();

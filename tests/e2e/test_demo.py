@@ -1,4 +1,4 @@
-"""The demo as its users run it: what it shows of writing is what became of the contacts."""
+"""The demo as its users run it: what it shows of writing is what became of the contacts and appointments."""
 
 import os
 import re
@@ -13,7 +13,7 @@ from writing_case import LAST_NAME
 
 DEMO = harness.ROOT / "build/demo"
 PEOPLE = ["Okafor", "Pe\u00F1a Ruiz", "\u10D1\u10D4\u10E0\u10D8\u10EB\u10D4"]
-FIRST_NAME, JOB_TITLE = 0x3A06001F, 0x3A17001F
+FIRST_NAME, JOB_TITLE, SUBJECT = 0x3A06001F, 0x3A17001F, 0x0037001F
 
 
 class Demo(unittest.TestCase):
@@ -75,6 +75,27 @@ class Demo(unittest.TestCase):
         self.assertIn("contacts: 0 new, 0 changed, 1 deleted\n", deleted)
         counts = [output.split("\n")[0] for command, output in self.shown if command == "zebdesk count"]
         self.assertEqual(counts, ["contacts: 21", "contacts: 20"])
+
+    def test_a_series_is_added_changed_and_deleted(self):
+        identifier = xml.etree.ElementTree.parse(DEMO / "series.xml").findtext("PIMID")
+        for what, result in (("appointments/", "written"), ("series.xml", "written"), ("--delete", "deleted")):
+            [output] = self.outputs(f"zebdesk write calendars {what}")
+            self.assertEqual(self.rows(output), [result])
+            self.assertIn(identifier, output)
+        new, changed, deleted = self.outputs("zebdesk read calendars --changed")
+        self.assertRegex(new, r"(?m)^new +2026-09-04 07:30 .* Lower weir +every week on Fri until 2026-12-25 ")
+        self.assertRegex(changed, r"(?m)^changed +2026-09-04 07:30 .* Upper weir +every 2 weeks on Fri until 2026-12-25 ")
+        self.assertRegex(deleted, f"(?m)^deleted +{identifier}")
+        counts = [output.split("\n")[0] for output in self.outputs("zebdesk count calendars")]
+        self.assertEqual(counts, ["calendars: 21"] * 2)
+        subjects = [Message(file).tags.get(SUBJECT) for file in (DEMO / "store/Sample").rglob("Calendar/*.msg")]
+        self.assertIn("Chorprobe", subjects)
+        self.assertNotIn("Reading of the gauge", subjects)
+
+    def test_what_a_series_would_lose_is_told(self):
+        [output] = [output for command, output in self.shown if command.endswith("> choir.xml")]
+        self.assertIn("(4 deleted, 1 changed)", output)
+        self.assertNotIn("ExceptionRule", (DEMO / "choir.xml").read_text(encoding="utf-8"))
 
     def test_its_documents_name_the_pictures_beside_them(self):
         pictures = sorted((DEMO / "documents").glob("*.jpg"))
