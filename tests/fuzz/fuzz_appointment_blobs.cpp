@@ -11,8 +11,13 @@ namespace {
 /// Longer lists say nothing new and take long to write.
 constexpr std::uint32_t kMostWritten = 10'000;
 
+/// A count for which there is no array cannot be written again.
 bool CanBeWritten(const NAMESPACE_MAPI::tagRecurrencePattern& pattern) {
-    return pattern.DeletedInstanceCount <= kMostWritten && pattern.ModifiedInstanceCount <= kMostWritten;
+    const auto fits = [](std::uint32_t count, bool isThere) {
+        return count == 0 || (count <= kMostWritten && isThere);
+    };
+    return fits(pattern.DeletedInstanceCount, pattern.DeletedInstanceDates != nullptr) &&
+           fits(pattern.ModifiedInstanceCount, pattern.Exceptions != nullptr);
 }
 
 void RequireSoundRecurrence(const std::uint8_t* data, std::size_t size) {
