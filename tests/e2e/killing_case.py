@@ -105,8 +105,8 @@ class KillingTests:
             self.assert_old_or_new(generation, orders, done)
             self.assert_only_temporaries_beside()
         self.identifiers()
-        harness.tell_measured(f"{kills} of {self.ROUNDS} times {self.COUNT} writes of {self.KIND} were cut short by a kill, in "
-                              + ", ".join(f"{name}s {count}" for name, count in cut_short.items()) +
+        harness.tell_measured(f"{kills} of {self.ROUNDS} times {self.COUNT} writes of {self.KIND} were cut short by a kill: "
+                              + ", ".join(f"{count} {name}s" for name, count in cut_short.items()) +
                               f", ZEB_KILL_SEED={self.seed}")
         self.assertGreaterEqual(kills, self.ROUNDS // 2)
         self.assertEqual(came_back, {ADD, CHANGE, DELETE})
