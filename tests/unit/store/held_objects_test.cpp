@@ -73,8 +73,9 @@ std::function<void()> g_onFree;
 
 ULONG STDAPICALLTYPE FreeWithAction(LPVOID buffer) {
     pfnMAPIFreeBuffer = &MAPIFreeBuffer;
+    const MapiBuffer<SPropValue> freedAtTheEnd(static_cast<SPropValue*>(buffer));
     std::exchange(g_onFree, {})();
-    return MAPIFreeBuffer(buffer);
+    return S_OK;
 }
 
 /// Runs something when a write comes to a point the next time.
