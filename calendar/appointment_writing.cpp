@@ -22,8 +22,8 @@ using NAMESPACE_MAPI::tagRecurrencePattern;
 /// PidTagIconIndex of a single appointment and of a series (MS-OXOCAL).
 constexpr LONG kSingleIcon = 1024;
 constexpr LONG kSeriesIcon = 1025;
-/// PidLidSideEffects of an appointment (MS-OXCMSG): it is opened to be deleted, copied, moved or asked for
-/// its menu, and does not stay behind in the Inbox.
+/// PidLidSideEffects of an appointment (MS-OXCMSG 2.2.1.16): it is opened to be deleted, copied, moved or
+/// asked for its menu, and on a move or a copy to a folder of mail items it goes to the Inbox.
 constexpr LONG kSideEffects = 0x0001 | 0x0020 | 0x0040 | 0x0100 | 0x0010;
 
 constexpr std::int32_t kNoReminder = -1;
