@@ -149,51 +149,76 @@ class CalendarWritingCalls : public CalendarWriting {
     const LocalTime m_end = At(2026, 3, 10, 10, 15);
 };
 
-TEST_F(CalendarWritingCalls, AddOfASingleAppointmentWithAReminder) {
-    Write(8, [](CCalendarEx& calendar) {
-        GiveTexts(calendar);
-        calendar.m_lReminderMinutes = 15;
-        calendar.m_nPriority = 2;
-        calendar.m_strCsFolder = L"not looked at";
-    });
+/// What decides which properties a write touches.
+struct Kind {
+    bool adds;
+    bool repeats;
+    bool reminds;
+};
 
+/// All calls of a write of the texts above without a ring tone.
+std::string LinesOf(const Kind& kind, const LocalTime& start, const LocalTime& end) {
     Expected calls;
-    calls.Add("IMAPIFolder::CreateMessage flags=0x00000000");
-    ExpectNewItem(calls);
-    calls.Set("0x10800003=1024");
-    ExpectTimes(calls, m_start, m_end, 45);
+    if (kind.adds) {
+        calls.Add("IMAPIFolder::CreateMessage flags=0x00000000");
+        ExpectNewItem(calls);
+    } else {
+        calls.Add("IMAPIFolder::OpenEntry id=* flags=0x00000011");
+    }
+    calls.Set(kind.repeats ? "0x10800003=1025" : "0x10800003=1024");
+    ExpectTimes(calls, start, end, 45);
     ExpectTexts(calls, "Dentist", "Bring the card", "Room 4");
     calls.Appointment("8215", "000B", "false");
-    calls.Appointment("8503", "000B", "true").Appointment("8501", "0003", "15");
-    calls.Appointment("851C", "000B", "true").Appointment("851E", "000B", "false");
-    calls.AppointmentText("851F", "Reminder.wav");
-    calls.Appointment("8502", "0040", Time(m_start));
-    calls.Appointment("8560", "0040", Time(At(2026, 3, 10, 9, 15)));
+    calls.Appointment("8503", "000B", kind.reminds ? "true" : "false");
+    if (kind.reminds) {
+        calls.Appointment("8501", "0003", "15");
+        calls.Appointment("851C", "000B", "true").Appointment("851E", "000B", "false");
+        calls.AppointmentText("851F", "Reminder.wav");
+        calls.Appointment("8502", "0040", Time(start));
+        calls.Appointment("8560", "0040", Time(At(2026, 3, 10, 9, 15)));
+    }
     ExpectZone(calls, kFirstZone, "First");
-    ExpectSingle(calls);
+    if (kind.repeats) {
+        ExpectSeries(calls, "2", kWeekly, At(2026, 6, 30));
+    } else {
+        ExpectSingle(calls);
+    }
     ExpectSave(calls);
-    calls.Add("IMessage::GetProps 0x0FFF0102 flags=0x00000000");
-    EXPECT_EQ(TakeCalls(), calls.Lines());
+    if (kind.adds) {
+        calls.Add("IMessage::GetProps 0x0FFF0102 flags=0x00000000");
+    }
+    return calls.Lines();
 }
 
-TEST_F(CalendarWritingCalls, AddOfASeriesWithoutAReminder) {
-    Write(8, [](CCalendarEx& calendar) {
-        GiveTexts(calendar);
-        RepeatEverySecondTuesday(calendar);
-    });
-
-    Expected calls;
-    calls.Add("IMAPIFolder::CreateMessage flags=0x00000000");
-    ExpectNewItem(calls);
-    calls.Set("0x10800003=1025");
-    ExpectTimes(calls, m_start, m_end, 45);
-    ExpectTexts(calls, "Dentist", "Bring the card", "Room 4");
-    calls.Appointment("8215", "000B", "false").Appointment("8503", "000B", "false");
-    ExpectZone(calls, kFirstZone, "First");
-    ExpectSeries(calls, "2", kWeekly, At(2026, 6, 30));
-    ExpectSave(calls);
-    calls.Add("IMessage::GetProps 0x0FFF0102 flags=0x00000000");
-    EXPECT_EQ(TakeCalls(), calls.Lines());
+TEST_F(CalendarWritingCalls, OfAddsAndUpdatesOfSingleOnesAndSeriesWithAndWithoutAReminderAreAllOfThem) {
+    const auto write = [this](std::int32_t flag, bool repeats, bool reminds) {
+        Write(flag, [&](CCalendarEx& calendar) {
+            GiveTexts(calendar);
+            calendar.m_lReminderMinutes = reminds ? 15 : -1;
+            if (repeats) {
+                RepeatEverySecondTuesday(calendar);
+            }
+            calendar.m_nPriority = 2;
+            calendar.m_strCsFolder = L"not looked at";
+        });
+        EXPECT_EQ(m_calendar.m_lFlag, 0);
+    };
+    for (const bool adds : {true, false}) {
+        for (const bool repeats : {false, true}) {
+            for (const bool reminds : {false, true}) {
+                SCOPED_TRACE(testing::Message()
+                             << (adds ? "add" : "update") << (repeats ? " of a series" : "")
+                             << (reminds ? " with a reminder" : ""));
+                if (!adds) {
+                    // What is there is of the other kind.
+                    write(8, !repeats, !reminds);
+                    recorder::ClearCalls();
+                }
+                write(adds ? 8 : 4, repeats, reminds);
+                EXPECT_EQ(TakeCalls(), LinesOf({adds, repeats, reminds}, m_start, m_end));
+            }
+        }
+    }
 }
 
 TEST_F(CalendarWritingCalls, UpdateToASingleAppointmentWithoutTextsAndReminderRemovesThem) {
