@@ -1,6 +1,6 @@
 // Every call of a write of an appointment failed once, and from then on: only the calls that decide end the
-// write, the flag and the lines tell what became of it, nothing is left alive (which the fixture counts), the
-// callback is sent, and the message is the old one or the new one.
+// write, the flag, the lines, the identifier and the time tell what became of it, nothing is left alive
+// (which the fixture counts), the callback is sent, and the message is the old one or the new one.
 
 #include <algorithm>
 #include <string>
@@ -34,22 +34,26 @@ class CalendarWritingFaults : public CalendarWriting {
         TakeSentCalendars();
         recorder::ClearCalls();
         recorder::FailCall(n, forever, kFault);
-        Write(flag, [](CCalendarEx& calendar) { Name(calendar, L"new"); });
+        Write(flag, [this](CCalendarEx& calendar) {
+            Name(calendar, L"new");
+            calendar.m_dtLastModified = m_before;
+        });
         const bool failed = recorder::HasFailed();
         recorder::ClearFailures();
         EXPECT_EQ(TakeSentCalendars(), std::vector<CString>{L""});
         m_failed.clear();
         for (const recorder::Call& call : recorder::Calls()) {
             if (call.result == kFault) {
-                m_failed.push_back(call.method);
+                m_failed.push_back(call.method + " " + call.arguments);
             }
         }
         EXPECT_EQ(!m_failed.empty(), failed) << n;
         return failed;
     }
-    /// True if a call of the last write was one of a method, and failed.
-    [[nodiscard]] bool HasFailed(const char* method) const {
-        return std::ranges::find(m_failed, method) != m_failed.end();
+    /// True if a call of the last write was one of a method, perhaps with an argument, and failed.
+    [[nodiscard]] bool HasFailed(const char* beginning) const {
+        return std::ranges::any_of(
+            m_failed, [beginning](const std::string& call) { return call.starts_with(beginning); });
     }
     /// Expects the lines and the flag of a write whose message is gained by a call of one method.
     void ExpectOutcomeOfTheCalls(std::int32_t flag, const std::wstring& operation,
@@ -72,14 +76,47 @@ class CalendarWritingFaults : public CalendarWriting {
         }
         EXPECT_EQ(TakeLog(), Lines(lines));
     }
+    /// Expects the time that a write hands back, whose message is gained by a call of one method: the one
+    /// that the message has in the store. It stays without a message, and is none where it cannot be read.
+    void ExpectTimeOfChange(const char* gaining) const {
+        const COleDateTime& time = m_calendar.m_dtLastModified;
+        const bool isUnsavedAdd = m_calendar.m_lFlag == 8;
+        if (HasFailed(gaining)) {
+            EXPECT_EQ(::Text(time), ::Text(m_before));
+        } else if (HasFailed("IMessage::GetProps 0x30080040") || isUnsavedAdd) {
+            EXPECT_TRUE(time.IsNoDate());
+        } else if (Message()) {
+            EXPECT_EQ(::Text(time), TimeOfChange());
+        } else {
+            // Nobody knows the identifier, but the time came.
+            EXPECT_TRUE(HasFailed("IMessage::GetProps 0x0FFF0102"));
+            EXPECT_TRUE(time >= m_before);
+        }
+    }
+    /// Expects the identifier that an add hands back: it stays without a message, is empty where it cannot be
+    /// read, and leads to a message once that is saved.
+    void ExpectIdentifierOfAnAdd() const {
+        const CString& id = m_calendar.m_strPIMID;
+        if (HasFailed("IMAPIFolder::CreateMessage")) {
+            EXPECT_EQ(id, L"as sent");
+        } else if (HasFailed("IMessage::GetProps 0x0FFF0102")) {
+            EXPECT_EQ(id, L"");
+        } else {
+            EXPECT_NE(id, L"");
+            EXPECT_NE(id, L"as sent");
+            EXPECT_EQ(Message() != nullptr, m_calendar.m_lFlag == 0);
+        }
+    }
     /// How many of three properties have a text.
     [[nodiscard]] int PropertiesWith(const wchar_t* text) const {
         return (Text(PR_SUBJECT_W) == text ? 1 : 0) + (Text(PR_BODY_W) == text ? 1 : 0) +
                (NamedText(0x8208) == text ? 1 : 0);
     }
 
-    /// The methods that failed in the last write.
+    /// The calls that failed in the last write, by method and arguments.
     std::vector<std::string> m_failed;
+    /// The time that a record comes with.
+    const COleDateTime m_before = Date(2001, 2, 3, 4, 5, 6);
 };
 
 TEST_F(CalendarWritingFaults, UpdateLeavesTheOldMessageOrANewOne) {
@@ -90,9 +127,12 @@ TEST_F(CalendarWritingFaults, UpdateLeavesTheOldMessageOrANewOne) {
             m_calendar.m_strPIMID.clear();
             Write(8, [](CCalendarEx& calendar) { Name(calendar, L"old"); });
             ASSERT_EQ(m_calendar.m_lFlag, 0);
+            const CString id = m_calendar.m_strPIMID;
             const bool failed = WriteWithFault(4, n, forever);
             ExpectOutcomeOfTheCalls(4, L"UpdateCalendar", "IMAPIFolder::OpenEntry");
+            EXPECT_EQ(m_calendar.m_strPIMID, id);
             ASSERT_TRUE(Message());
+            ExpectTimeOfChange("IMAPIFolder::OpenEntry");
             if (m_calendar.m_lFlag == 4) {
                 EXPECT_EQ(PropertiesWith(L"old"), 3);
             } else {
@@ -113,9 +153,11 @@ TEST_F(CalendarWritingFaults, AddLeavesNothingOrANewMessage) {
     for (const bool forever : {false, true}) {
         for (std::size_t n = 1;; ++n) {
             SCOPED_TRACE(testing::Message() << "call " << n << (forever ? " and all behind it" : ""));
-            m_calendar.m_strPIMID.clear();
+            m_calendar.m_strPIMID = L"as sent";
             const bool failed = WriteWithFault(8, n, forever);
             ExpectOutcomeOfTheCalls(8, L"AddCalendar", "IMAPIFolder::CreateMessage");
+            ExpectIdentifierOfAnAdd();
+            ExpectTimeOfChange("IMAPIFolder::CreateMessage");
             // Its class may be what could not be set, so the files are counted.
             const std::size_t after = Files();
             EXPECT_EQ(after, m_calendar.m_lFlag == 8 ? before : before + 1);
@@ -133,7 +175,10 @@ TEST_F(CalendarWritingFaults, DeleteLeavesTheMessageOrNone) {
             SCOPED_TRACE(testing::Message() << "call " << n << (forever ? " and all behind it" : ""));
             m_calendar.m_strPIMID.clear();
             Write(8);
+            const CString id = m_calendar.m_strPIMID;
             const bool failed = WriteWithFault(32, n, forever);
+            EXPECT_EQ(m_calendar.m_strPIMID, id);
+            EXPECT_EQ(::Text(m_calendar.m_dtLastModified), ::Text(m_before));
             // It takes each of its calls.
             EXPECT_EQ(m_calendar.m_lFlag, failed ? 32 : 0);
             EXPECT_EQ(TakeLog(),
