@@ -2,6 +2,7 @@
 
 #include "tests/unit/recorded_log.h"
 #include "tests/unit/store/calendar_reading_fixture.h"
+#include "tests/unit/store/calendar_writing_fixture.h"
 #include "tests/unit/store/change_log.h"
 #include "tests/unit/store/contact_writing_fixture.h"
 #include "tests/unit/text_printer.h"
@@ -146,6 +147,49 @@ TEST_F(OverlappingCalendarCalls, AReadOutlivesTheSessionThatItBeganIn) {
             std::count(log.begin(), log.end(), LogLine{1, L"CMAPIObject::ReadContacts - Succeeded\r\n"}),
             status == 0 ? 1 : 0);
     }
+}
+
+/// A write of an appointment, into the middle of which the choice of a folder of another store comes.
+class OverlappingCalendarWrites : public CalendarWriting {
+  protected:
+    void SetUp() override {
+        CalendarWriting::SetUp();
+        MakeFolder(L"Work\\Second\\Other");
+        WriteFile(L"Work\\Second\\Other\\folder.ini", "[Folder]\r\nClass=IPF.Appointment\r\n");
+        localstore::recorder::SetRoot(m_root);
+        LogOn();
+        m_other = L"<id><event>" + FolderWriter(L"Work", L"Other", L"Second").FolderId() + L"</event></id>";
+    }
+    void TearDown() override {
+        OnLogLine(L"", nullptr);
+        CalendarWriting::TearDown();
+    }
+
+    /// Chooses the own folder, writes, and chooses the other one meanwhile.
+    void WriteInTheMiddleOfWhichAnotherFolderIsChosen(std::int32_t flag, const wchar_t* subject) {
+        ASSERT_EQ(g_MAPIObject.SetCalendarFolder(L""), 0);
+        int made = 0;
+        OnLogLine(L"CMAPIObject::UpdateCalendarEventMessage - Begin\r\n", [this, &made] {
+            ++made;
+            EXPECT_EQ(g_MAPIObject.SetCalendarFolder(m_other.c_str()), 0);
+        });
+        Write(flag, [subject](CCalendarEx& calendar) { calendar.AddField(3000, subject); });
+        OnLogLine(L"", nullptr);
+        EXPECT_EQ(made, 1);
+        EXPECT_EQ(m_calendar.m_lFlag, 0);
+        // The choice holds for what comes next.
+        EXPECT_EQ(g_MAPIObject.GetCalendarCount(), 0);
+        EXPECT_EQ(g_MAPIObject.SetCalendarFolder(L""), 0);
+        EXPECT_EQ(g_MAPIObject.GetCalendarCount(), 1);
+        EXPECT_EQ(Text(PR_SUBJECT_W), subject);
+    }
+
+    CString m_other;
+};
+
+TEST_F(OverlappingCalendarWrites, StayInTheFolderThatWasChosenWhenTheyBegan) {
+    WriteInTheMiddleOfWhichAnotherFolderIsChosen(8, L"Dentist");
+    WriteInTheMiddleOfWhichAnotherFolderIsChosen(4, L"Doctor");
 }
 
 }  // namespace
