@@ -245,6 +245,22 @@ TEST_F(CalendarValues, SignalAtTheValueForNoDateIsRemoved) {
     EXPECT_FALSE(Named(0x8560, PT_SYSTIME));
 }
 
+TEST_F(CalendarValues, ReminderOfAStartThatIsNotValidIsWrittenButForASignalOfTheValueForNoDate) {
+    Write(8, [](CCalendarEx& calendar) { calendar.m_lReminderMinutes = 15; });
+    const auto write = [this](std::int32_t minutes) {
+        Write(4, [minutes](CCalendarEx& calendar) {
+            calendar.m_dtStartTime = {0.0, kDateInvalid};
+            calendar.m_lReminderMinutes = minutes;
+        });
+        EXPECT_EQ(UtcOf(0x8502), L"1601-01-01 00:00:00");
+    };
+    // The status of the start does not keep the signal.
+    write(0);
+    EXPECT_FALSE(Named(0x8560, PT_SYSTIME));
+    write(15);
+    EXPECT_EQ(UtcOf(0x8560), L"1601-01-01 00:00:00");
+}
+
 TEST_F(CalendarValues, ZoneIsTheFirstOfTheTableWithTheShortText) {
     WriteWithZone(L"GMT:+300;DST:60");
     ExpectZone(300, L"First");
