@@ -367,36 +367,55 @@ TEST_F(CalendarValues, ExceptionRuleOfASeriesIsNotWritten) {
 }
 
 TEST_F(CalendarValues, OneNameThatIsNotFoundPassesOverItsPropertyAlone) {
-    const auto fill = [](CCalendarEx& calendar) {
-        calendar.AddField(3003, L"Room 4");
-        calendar.m_lReminderMinutes = 15;
-        RepeatDaily(calendar);
-    };
-    Write(8, fill);
-    recorder::ClearCalls();
-    Write(4, fill);
-    const std::vector<std::string> all = recorder::CallLines();
-    const auto isSearch = [](const std::string& line) {
-        return line.starts_with("IMessage::GetIDsFromNames");
-    };
-    std::size_t searches = 0;
-    for (std::size_t n = 0; n < all.size(); ++n) {
-        if (!isSearch(all[n])) {
-            continue;
-        }
-        SCOPED_TRACE(all[n]);
-        ++searches;
+    // The named properties of an update: a series has three, a single appointment loses one in their place.
+    constexpr std::pair<std::int32_t, std::size_t> kTypes[] = {{1, 24U}, {0, 22U}};
+    for (const auto& [type, names] : kTypes) {
+        const auto fill = [type = type](CCalendarEx& calendar) {
+            calendar.AddField(3003, L"Room 4");
+            calendar.m_lReminderMinutes = 15;
+            calendar.m_lRecurType = type;
+        };
+        Write(8, fill);
         recorder::ClearCalls();
-        recorder::FailCall(n + 1, false, MAPI_E_NO_SUPPORT);
         Write(4, fill);
-        recorder::ClearFailures();
-        EXPECT_EQ(m_calendar.m_lFlag, 0);
-        std::vector<std::string> expected = all;
-        expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(n) + 1);
-        EXPECT_EQ(recorder::CallLines(), expected);
+        const std::vector<std::string> all = recorder::CallLines();
+        std::size_t searches = 0;
+        for (std::size_t n = 0; n < all.size(); ++n) {
+            if (!all[n].starts_with("IMessage::GetIDsFromNames")) {
+                continue;
+            }
+            SCOPED_TRACE(all[n]);
+            ++searches;
+            recorder::ClearCalls();
+            recorder::FailCall(n + 1, false, MAPI_E_NO_SUPPORT);
+            Write(4, fill);
+            recorder::ClearFailures();
+            EXPECT_EQ(m_calendar.m_lFlag, 0);
+            std::vector<std::string> expected = all;
+            expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(n) + 1);
+            EXPECT_EQ(recorder::CallLines(), expected);
+        }
+        EXPECT_EQ(searches, names);
     }
-    // The named ones among the rows from 8 to 33.
-    EXPECT_EQ(searches, 24U);
+}
+
+TEST_F(CalendarValues, SeriesWhoseNameIsNotFoundStaysInASingleAppointment) {
+    Write(8, RepeatDaily);
+    recorder::ClearCalls();
+    Write(4);
+    EXPECT_FALSE(Named(0x8216, PT_BINARY));
+    const std::vector<recorder::Call> all = recorder::Calls();
+    const auto search = std::ranges::find_if(all, [](const recorder::Call& call) {
+        return call.method == "IMessage::GetIDsFromNames" && call.arguments.starts_with("{00062002}:8216 ");
+    });
+    ASSERT_NE(search, all.end());
+    Write(4, RepeatDaily);
+    recorder::FailCall(static_cast<std::size_t>(search - all.begin()) + 1, false, MAPI_E_NO_SUPPORT);
+    Write(4);
+    recorder::ClearFailures();
+    EXPECT_EQ(m_calendar.m_lFlag, 0);
+    EXPECT_EQ(Flag(0x8223), 0);
+    EXPECT_EQ(Bytes(0x8216).size(), 76U);
 }
 
 TEST_F(CalendarValues, SingleFailuresOfSettingAndRemovingGoUnnoticed) {
