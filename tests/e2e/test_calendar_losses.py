@@ -9,8 +9,8 @@ import zoneinfo
 
 import appointments
 import harness
-from appointments import APPOINTMENT, Change, Series, appointment, filetime, minutes
-from calendar_case import APPOINTMENT_SET, END, RECUR, START
+from appointments import APPOINTMENT, COMMON, Change, Series, appointment, filetime, minutes
+from calendar_case import APPOINTMENT_SET, COMMON_SET, END, RECUR, START
 from calendar_round_trip_case import BERLIN, OTHER_ZONE, ZONE, RoundTrip
 from contact_fields import units
 from recurrence_decoder import BY_MONTH, BY_WEEK, DAILY, WEEKLY, decode
@@ -190,6 +190,37 @@ class SeriesLosses(Losses):
         _, _, old, new = self.written_back([*lines, f"named {APPOINTMENT} 8232 {units('every Monday')}"])
         self.assertEqual([messages["Words"].named.get((APPOINTMENT_SET, 0x8232)) for messages in (old, new)],
                          ["every Monday", None])
+
+
+class Reminders(Losses):
+    def reminder(self, message, *numbers):
+        return [message.named.get((COMMON_SET, number)) for number in numbers]
+
+    def test_a_reminder_is_that_of_the_first_instance_again(self):
+        # The next one of the series is weeks behind its start, and that of the single appointment was dismissed.
+        series = appointment("Weekly", kind=2, series=Series(appointments.WEEKLY, 1, 1, [2]), reminder=15)
+        series += [f"namedtime {COMMON} 8502 {filetime(2011, 4, 4, 8, 0)}", f"namedtime {COMMON} 8560 {filetime(2011, 4, 4, 7, 45)}"]
+        single = appointment("Dismissed", reminder=15)
+        single += [f"namedtime {COMMON} 8502 {filetime(2011, 3, 7, 9, 0)}", f"namedtime {COMMON} 8560 {filetime(4501, 1, 1)}"]
+        before, after, _, new = self.written_back(series, single)
+        for name in ("Weekly", "Dismissed"):
+            self.assertEqual(self.reminder(new[name], 0x8503, 0x8501, 0x8502, 0x8560),
+                             [True, 15, filetime(2011, 3, 7, 9, 0), filetime(2011, 3, 7, 8, 45)], name)
+        self.assert_same(after, before)
+
+    def test_a_reminder_that_is_turned_off_stays_so(self):
+        lines = [*appointment("Off"), f"namedflag {COMMON} 8503 0", f"namednumber {COMMON} 8501 15",
+                 f"namedtime {COMMON} 8560 {filetime(2011, 3, 7, 8, 45)}"]
+        before, after, old, new = self.written_back(lines)
+        numbers = (0x8503, 0x8501, 0x8560)
+        self.assertEqual(self.reminder(new["Off"], *numbers), self.reminder(old["Off"], *numbers))
+        self.assert_same(after, before)
+
+    def test_a_reminders_own_sound_becomes_the_usual_one(self):
+        own = [f"namedflag {COMMON} 851C 1", f"namedflag {COMMON} 851E 1", f"named {COMMON} 851F {units('gong.wav')}"]
+        before, after, _, new = self.written_back([*appointment("Loud", reminder=15), *own])
+        self.assertEqual(self.reminder(new["Loud"], 0x851C, 0x851E, 0x851F), [True, True, "Reminder.wav"])
+        self.assert_same(after, before)
 
 
 class OtherProperties(Losses):
