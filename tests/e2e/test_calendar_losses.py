@@ -185,6 +185,20 @@ class SeriesLosses(Losses):
             self.assertEqual((series[name].PatternType, series[name].DayOfMonth), (BY_MONTH, day))
         self.assert_same(after, before, "lRecurInterval")
 
+    def test_the_month_from_which_a_series_counts_is_not_noted_as_published(self):
+        months = Series(appointments.MONTHLY, 2, 3, [7], first_date_time=minutes(1601, 3, 1))
+        years = Series(appointments.YEARLY, 2, 12, [7], first_date_time=minutes(1601, 3, 1))
+        before, after, old, new = self.written_back(appointment("Months", kind=3, series=months),
+                                                    appointment("Years", kind=4, series=years))
+        for name in ("Months", "Years"):
+            series = decode(old[name].named[RECUR])
+            self.assertEqual(series.FirstDateTime, series.published_first_date_time())
+            self.assertEqual(self.days_of(new[name]), self.days_of(old[name]))
+        self.assertEqual(decode(new["Months"].named[RECUR]).FirstDateTime, 0)
+        # The seventh of March is day 66 of the year.
+        self.assertEqual(decode(new["Years"].named[RECUR]).FirstDateTime, 66 * DAY)
+        self.assert_same(after, before)
+
     def test_the_words_for_a_series_are_gone(self):
         lines = appointment("Words", kind=2, series=Series(appointments.WEEKLY, 1, 1, [2]))
         _, _, old, new = self.written_back([*lines, f"named {APPOINTMENT} 8232 {units('every Monday')}"])
