@@ -100,6 +100,9 @@ WRITING
   recurs is not converted. One that has both a last day and a count is made to end
   by its count, so that it keeps both: to let it end on another day, set
   bRecurHasEndDate to TRUE.
+  Its reminder is that of its first instance again, also where it was dismissed.
+  What no document tells, such as attendees, stays with an appointment that is
+  changed; a new one has none of it, is shown as free and has normal priority.
   The agent does not say whether it wrote. zebdesk looks at the folder before and
   after, and so the result is one of these:
     written, deleted  the folder shows it

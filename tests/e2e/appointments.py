@@ -89,17 +89,20 @@ class Series:
     """A series and its property."""
 
     def __init__(self, frequency, pattern, period, specific=(), deleted=(), changes=(), start=minutes(2011, 3, 7),
-                 end=minutes(2011, 5, 4), end_type=END_AFTER, count=10, calendar=0, listed=None, tail=b""):
+                 end=minutes(2011, 5, 4), end_type=END_AFTER, count=10, calendar=0, listed=None, tail=b"",
+                 first_day=0, first_date_time=0):
         self.frequency, self.pattern, self.period, self.specific = frequency, pattern, period, specific
         self.deleted, self.changes = list(deleted), list(changes)
         self.start, self.end, self.end_type, self.count, self.calendar = start, end, end_type, count, calendar
         self.listed, self.tail = listed, tail
+        self.first_day, self.first_date_time = first_day, first_date_time
 
     def blob(self):
         numbers = lambda values: b"".join(struct.pack("<I", value) for value in values)
         listed = len(self.changes) if self.listed is None else self.listed
-        return (struct.pack("<HHHHHIII", 0x3004, 0x3004, self.frequency, self.pattern, self.calendar, 0, self.period, 0) +
-                numbers(self.specific) + numbers([self.end_type, self.count, 0]) +
+        return (struct.pack("<HHHHHIII", 0x3004, 0x3004, self.frequency, self.pattern, self.calendar, self.first_date_time,
+                            self.period, 0) +
+                numbers(self.specific) + numbers([self.end_type, self.count, self.first_day]) +
                 numbers([len(self.deleted), *self.deleted]) +
                 numbers([len(self.changes), *[change.day for change in self.changes]]) +
                 numbers([self.start, self.end, 0x3006, 0x3009, 540, 600]) + struct.pack("<H", listed) +

