@@ -6,14 +6,19 @@
 
 #include "agent/callback_client.h"
 #include "agent/shutdown.h"
+#include "calendar/calendar_record.h"
+#include "calendar/calendar_xml_input.h"
 #include "command.h"
 #include "contacts/contact_record.h"
 #include "contacts/contact_xml_input.h"
 #include "mapi/mapi_object.h"
 #include "support/log.h"
+#include "support/rpc_guard.h"
 #include "support/xml_parser.h"
 
 namespace {
+
+using NAMESPACE_MAPI::CMAPIObject;
 
 constexpr long kStatusSuccess = 0;
 constexpr long kStatusFailure = 1;
@@ -30,11 +35,34 @@ void CopyOut(const CString& text, wchar_t* output, std::size_t units) {
     output[length] = L'\0';
 }
 
-/// The outputs of a write that did nothing.
-void ReturnNothing(wchar_t* id, wchar_t* time, long* status) {
-    *id = L'\0';
-    *time = L'\0';
-    *status = kStatusFailure;
+/// The three outputs of a write.
+struct WriteOutputs {
+    wchar_t* id;
+    wchar_t* time;
+    long* status;
+};
+
+/// Writes the item of a document as a record: by a function that reads the document and a member of the
+/// session that writes the record. Returns 0, or the status of a callback that failed.
+template<class Record, class Parse, class Write>
+RPC_STATUS WriteItem(Parse parse, Write write, const wchar_t* xml, const WriteOutputs& outputs) {
+    *outputs.id = L'\0';
+    *outputs.time = L'\0';
+    *outputs.status = kStatusFailure;
+    try {
+        const ComApartmentHold apartment;
+        Record record;
+        parse(CString(xml), record);
+        *outputs.status = (g_MAPIObject.*write)(&record);
+        CopyOut(record.m_strPIMID, outputs.id, kIdUnits);
+        CopyOut(record.m_dtLastModified.Format(kTimeFormat), outputs.time, kTimeUnits);
+    } catch (const RpcFailure& failure) {
+        return static_cast<RPC_STATUS>(failure.Status());
+    } catch (...) {
+        // Without memory for the record there is nothing to write; the outputs say so.
+        *outputs.status = kStatusFailure;
+    }
+    return RPC_S_OK;
 }
 
 }  // namespace
@@ -105,22 +133,14 @@ void ReadCalendars(wchar_t* /*ignored*/, wchar_t* lParam1, long* status) {
 }
 
 void WriteContacts(wchar_t* xml, wchar_t* id, wchar_t* time, long* status) {
-    ReturnNothing(id, time, status);
-    try {
-        const ComApartmentHold apartment;
-        CContactEx contact;
-        ParseContactXml(CString(xml), contact);
-        *status = g_MAPIObject.WriteContacts(&contact);
-        CopyOut(contact.m_strPIMID, id, kIdUnits);
-        CopyOut(contact.m_dtLastModified.Format(kTimeFormat), time, kTimeUnits);
-    } catch (...) {
-        // Without memory for the record there is nothing to write; the outputs say so.
-        *status = kStatusFailure;
-    }
+    WriteItem<CContactEx>(&ParseContactXml, &CMAPIObject::WriteContacts, xml, {id, time, status});
 }
 
-// Not served: it fails, with outputs that carry nothing.
-
-void WriteCalendars(wchar_t* /*xml*/, wchar_t* id, wchar_t* time, long* status) {
-    ReturnNothing(id, time, status);
+void WriteCalendars(wchar_t* xml, wchar_t* id, wchar_t* time, long* status) {
+    const RPC_STATUS failure =
+        WriteItem<CCalendarEx>(&ParseCalendarXml, &CMAPIObject::WriteCalendars, xml, {id, time, status});
+    if (failure != RPC_S_OK) {
+        // The call fails with what its callback failed with, as it would if nothing stood in between.
+        RpcRaiseException(failure);
+    }
 }

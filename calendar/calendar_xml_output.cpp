@@ -2,6 +2,7 @@
 
 #include <mapitags.h>
 
+#include "calendar/appointment_names.h"
 #include "calendar/appointment_properties.h"
 #include "calendar/recurrence_blob.h"
 #include "calendar/recurrence_xml_output.h"
@@ -16,20 +17,6 @@ using NAMESPACE_COMMON::tagZebTimeZone;
 constexpr SizedSPropTagArray(6, kColumns) = {6,
                                              {PR_ENTRYID, PR_LONGTERM_ENTRYID_FROM_TABLE, PR_CREATION_TIME,
                                               PR_LAST_MODIFICATION_TIME, PR_SUBJECT_W, PR_PRIORITY}};
-
-// The named properties of an appointment (MS-OXPROPS 2).
-constexpr LONG kPidLidLocation = 0x8208;
-constexpr LONG kPidLidAppointmentStartWhole = 0x820D;
-constexpr LONG kPidLidAppointmentEndWhole = 0x820E;
-constexpr LONG kPidLidAppointmentSubType = 0x8215;
-constexpr LONG kPidLidAppointmentRecur = 0x8216;
-constexpr LONG kPidLidRecurring = 0x8223;
-constexpr LONG kPidLidRecurrenceType = 0x8231;
-constexpr LONG kPidLidTimeZoneStruct = 0x8233;
-constexpr LONG kPidLidReminderDelta = 0x8501;
-constexpr LONG kPidLidReminderSet = 0x8503;
-constexpr LONG kPidLidReminderOverride = 0x851C;
-constexpr LONG kPidLidReminderPlaySound = 0x851E;
 
 bool IsTrue(IMessage* message, ULONG propertySet, LONG id) {
     std::int32_t value = 0;

@@ -2,8 +2,11 @@
 
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "calendar/blob_cursor.h"
+#include "calendar/blob_writer.h"
+#include "calendar/recurrence_shape.h"
 
 namespace {
 
@@ -15,6 +18,9 @@ constexpr std::uint32_t kFirstVersionWithHighlight = 0x3009;
 
 /// Exceptions with a text have dates once more in their extended form.
 constexpr std::uint16_t kTextFlags = ARO_SUBJECT | ARO_LOCATION;
+
+/// The largest blob that is written: one whose pattern has two fields.
+constexpr std::size_t kMostWrittenBytes = 84;
 
 /// The two length words of an 8-bit text. One that cannot be read keeps the value of the text before it.
 struct TextLengths {
@@ -47,45 +53,6 @@ void ReadHead(BlobCursor& cursor, tagRecurrencePattern& pattern) {
     cursor.Read(pattern.FirstDateTime);
     cursor.Read(pattern.Period);
     cursor.Read(pattern.SlidingFlag);
-}
-
-/// PatternTypeSpecific of a month or year.
-void ReadMonthPattern(BlobCursor& cursor, tagRecurrencePattern& pattern) {
-    switch (pattern.PatternType) {
-        case kMonthPattern:
-        case kMonthEndPattern:
-        case kHijriMonthPattern:
-        case kHijriMonthEndPattern:
-            cursor.Read(pattern.DayOfMonth);
-            return;
-        case kMonthNthPattern:
-        case kHijriMonthNthPattern:
-            cursor.Read(pattern.WeekDays);
-            cursor.Read(pattern.NthWeek);
-            return;
-        default:
-            return;
-    }
-}
-
-/// PatternTypeSpecific. The frequency decides before the pattern does.
-void ReadPattern(BlobCursor& cursor, tagRecurrencePattern& pattern) {
-    switch (pattern.RecurFrequency) {
-        case kDailyFrequency:
-            if (pattern.PatternType == kWeekPattern) {
-                cursor.Read(pattern.WeekDays);
-            }
-            return;
-        case kWeeklyFrequency:
-            cursor.Read(pattern.WeekDays);
-            return;
-        case kMonthlyFrequency:
-        case kYearlyFrequency:
-            ReadMonthPattern(cursor, pattern);
-            return;
-        default:
-            return;
-    }
 }
 
 void ReadDeletedDates(BlobCursor& cursor, tagRecurrencePattern& pattern) {
@@ -207,6 +174,42 @@ void ReadExceptions(BlobCursor& cursor, tagRecurrencePattern& pattern) {
     }
 }
 
+void WriteHead(BlobWriter& blob, const tagRecurrencePattern& pattern) {
+    blob.Write(pattern.ReaderVersion);
+    blob.Write(pattern.WriterVersion);
+    blob.Write(pattern.RecurFrequency);
+    blob.Write(pattern.PatternType);
+    blob.Write(pattern.CalendarType);
+    blob.Write(pattern.FirstDateTime);
+    blob.Write(pattern.Period);
+    blob.Write(pattern.SlidingFlag);
+}
+
+/// EndType and what follows up to EndTimeOffset, with empty lists of instances.
+void WriteInstances(BlobWriter& blob, const tagRecurrencePattern& pattern) {
+    constexpr std::uint32_t kNoInstances = 0;
+    blob.Write(pattern.EndType);
+    blob.Write(pattern.OccurrenceCount);
+    blob.Write(pattern.FirstDOW);
+    blob.Write(kNoInstances);  // DeletedInstanceCount
+    blob.Write(kNoInstances);  // ModifiedInstanceCount
+    blob.Write(pattern.StartDate);
+    blob.Write(pattern.EndDate);
+    blob.Write(kWrittenReaderVersion2);
+    blob.Write(kWrittenWriterVersion2);
+    blob.Write(pattern.StartTimeOffset);
+    blob.Write(pattern.EndTimeOffset);
+}
+
+/// What stands behind the series if there are no exceptions.
+void WriteNoExceptions(BlobWriter& blob) {
+    constexpr std::uint16_t kNoExceptions = 0;
+    constexpr std::uint32_t kNoReservedBlock = 0;
+    blob.Write(kNoExceptions);
+    blob.Write(kNoReservedBlock);
+    blob.Write(kNoReservedBlock);
+}
+
 }  // namespace
 
 std::uint32_t ParseRecurrenceBlob(const std::uint8_t* bytes, std::uint32_t size,
@@ -217,7 +220,7 @@ std::uint32_t ParseRecurrenceBlob(const std::uint8_t* bytes, std::uint32_t size,
     pattern = tagRecurrencePattern();
     BlobCursor cursor(bytes, size);
     ReadHead(cursor, pattern);
-    ReadPattern(cursor, pattern);
+    ForEachSpecificField(pattern, [&cursor](std::uint32_t& field) { cursor.Read(field); });
     cursor.Read(pattern.EndType);
     cursor.Read(pattern.OccurrenceCount);
     cursor.Read(pattern.FirstDOW);
@@ -227,4 +230,23 @@ std::uint32_t ParseRecurrenceBlob(const std::uint8_t* bytes, std::uint32_t size,
     ReadExceptions(cursor, pattern);
     cursor.SkipSizedBlock();
     return cursor.Offset();
+}
+
+int WriteRecurrenceBlob(const tagRecurrencePattern& pattern, std::unique_ptr<std::uint8_t[]>* bytes,
+                        std::uint32_t& size) {
+    if (bytes == nullptr) {
+        return 0;
+    }
+    std::unique_ptr<std::uint8_t[]> room(new (std::nothrow) std::uint8_t[kMostWrittenBytes]());
+    if (!room) {
+        return 0;
+    }
+    BlobWriter blob({room.get(), kMostWrittenBytes});
+    WriteHead(blob, pattern);
+    ForEachSpecificField(pattern, [&blob](std::uint32_t field) { blob.Write(field); });
+    WriteInstances(blob, pattern);
+    WriteNoExceptions(blob);
+    size = blob.Size();
+    *bytes = std::move(room);
+    return 1;
 }

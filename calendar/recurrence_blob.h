@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "calendar/recurrence_pattern.h"
 
@@ -17,3 +18,10 @@ constexpr std::uint32_t kMostMissing = 4096;
 /// read.
 std::uint32_t ParseRecurrenceBlob(const std::uint8_t* bytes, std::uint32_t size,
                                   NAMESPACE_MAPI::tagRecurrencePattern& pattern);
+
+/// Lays a series out as PidLidAppointmentRecur: its head, its pattern and its end. Deleted and changed
+/// instances are left out, and both of the later versions are the ones that this layout has. Returns 1 with
+/// the bytes and their count, which is 76, 80 or 84; 0 with both as they were for a null output and if there
+/// is no memory.
+int WriteRecurrenceBlob(const NAMESPACE_MAPI::tagRecurrencePattern& pattern,
+                        std::unique_ptr<std::uint8_t[]>* bytes, std::uint32_t& size);

@@ -31,6 +31,11 @@ constexpr std::uint32_t kEndAfterCount = 0x2022;
 constexpr std::uint32_t kNeverEnd = 0x2023;
 constexpr std::uint32_t kNeverEndOld = 0xFFFFFFFF;
 
+/// The versions of a series that the agent writes, which are those of a blob without ChangeHighlight.
+constexpr std::uint16_t kWrittenVersion = 0x3004;
+constexpr std::uint32_t kWrittenReaderVersion2 = 0x3006;
+constexpr std::uint32_t kWrittenWriterVersion2 = 0x3008;
+
 /// OverrideFlags (MS-OXOCAL 2.2.1.44.2): which fields of an exception differ from the series.
 constexpr std::uint16_t ARO_SUBJECT = 0x0001;
 constexpr std::uint16_t ARO_MEETINGTYPE = 0x0002;

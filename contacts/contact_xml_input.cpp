@@ -1,6 +1,7 @@
 #include "contacts/contact_xml_input.h"
 
 #include "contacts/contact_fields.h"
+#include "mapi/item_document.h"
 #include "support/errors.h"
 #include "support/log.h"
 #include "support/number_text.h"
@@ -87,26 +88,21 @@ constexpr InputField kInputFields[] = {
     {4038},
 };
 
-/// Reads the text of an element below the root; false if there is no such element.
-bool ReadElement(CXMLParser& document, const wchar_t* name, CString& text) {
-    const ComPtr<IXMLDOMNode> node = document.SelectSingleNode((CString(L"/Contact/") + name).c_str());
-    if (!node) {
-        return false;
-    }
-    text = document.GetNodeText(node.Get());
-    return true;
+/// An element of the document of a contact.
+bool ReadContactElement(CXMLParser& document, const wchar_t* name, CString& text) {
+    return ReadElement(document, L"Contact", name, text);
 }
 
 /// The elements that say which contact is meant and what is to be done with it.
 void ReadIdentity(CXMLParser& document, CContactEx& contact) {
     CString text;
-    if (ReadElement(document, L"lFlag", text)) {
+    if (ReadContactElement(document, L"lFlag", text)) {
         contact.m_lFlag = ReadNumber(text);
     }
-    if (ReadElement(document, L"PIMID", text) && !text.empty()) {
+    if (ReadContactElement(document, L"PIMID", text) && !text.empty()) {
         contact.m_strPIMID = text;
     }
-    if (ReadElement(document, L"CsFolder", text) && !text.empty()) {
+    if (ReadContactElement(document, L"CsFolder", text) && !text.empty()) {
         contact.m_strCsFolder = text;
     }
 }
@@ -114,7 +110,7 @@ void ReadIdentity(CXMLParser& document, CContactEx& contact) {
 void ReadField(CXMLParser& document, const InputField& input, CContactEx& contact) {
     const ContactField* const field = FindContactField(input.id);
     CString text;
-    if (field == nullptr || !ReadElement(document, field->in, text)) {
+    if (field == nullptr || !ReadContactElement(document, field->in, text)) {
         return;
     }
     if (input.logText != nullptr) {
@@ -127,7 +123,7 @@ void ReadField(CXMLParser& document, const InputField& input, CContactEx& contac
 /// which is the only one that can have no value.
 void ReadPhotoPath(CXMLParser& document, CContactEx& contact) {
     CString path;
-    if (!ReadElement(document, L"PICPath", path)) {
+    if (!ReadContactElement(document, L"PICPath", path)) {
         return;
     }
     if (CContactInfoEx* const entry = FindPhotoEntry(contact)) {

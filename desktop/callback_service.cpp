@@ -26,7 +26,8 @@ void SetReceiver(ItemReceiver* receiver) {
 /// One read runs at a time, of one kind, so both kinds go to the one receiver.
 void Receive(const wchar_t* xml) {
     const std::lock_guard lock(g_receiverMutex);
-    if (g_receiver != nullptr) {
+    // A write of an appointment ends with an empty text, which is no item.
+    if (g_receiver != nullptr && *xml != L'\0') {
         g_receiver->Receive(xml);
     }
 }

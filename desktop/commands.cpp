@@ -98,11 +98,7 @@ void RunWrite(const Arguments& arguments) {
         throw Failure(ExitCode::kUsage, hasFiles ? L"--delete takes no files beside it"
                                                  : L"write needs files, \"-\" or --delete");
     }
-    const ItemKind& kind = RequireKind(arguments.words[1]);
-    if (kind.write == nullptr) {
-        throw Failure(ExitCode::kUsage, CString(kind.word) + L" cannot be written");
-    }
-    WriteItems(kind, arguments);
+    WriteItems(RequireKind(arguments.words[1]), arguments);
 }
 
 void RunShutdown(const Arguments& /*arguments*/) {

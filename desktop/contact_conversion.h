@@ -1,9 +1,11 @@
 #pragma once
 
-#include "desktop/item_document.h"
+#include <vector>
 
-/// Makes of a contact's document that was read one that can be written: as a change of the same contact, or
-/// with `asNew` as a new one. A deletion stays one. Times, the full name and a business address among the
-/// row's own elements have no place in a document that is written and are dropped. Throws a Failure for
-/// anything that is not a whole document of a read: what it lacks the write would remove.
-CString ConvertContact(ItemDocument& read, bool asNew);
+#include "desktop/item_document.h"
+#include "desktop/written_document.h"
+
+/// Takes a contact that was read over into a document to be written. Times, the full name and a business
+/// address among the row's own elements have no place there and are dropped; nobody misses them, so there
+/// are no losses to tell of.
+std::vector<CString> ConvertContact(ItemDocument& read, WrittenDocument& written);

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <set>
 
-#include "desktop/contact_conversion.h"
+#include "desktop/conversion.h"
 #include "desktop/failure.h"
 #include "desktop/input_file.h"
 #include "desktop/output_file.h"
@@ -47,10 +47,17 @@ void RequireOwnFiles(const std::vector<CString>& names, const CString& folder) {
     }
 }
 
-CString ConvertFile(const CString& name, const Arguments& arguments) {
+void PrintError(const CString& name, const CString& message) {
+    OutputStream(STD_ERROR_HANDLE).Write(CString(name + L": " + message + L"\n").View());
+}
+
+void ConvertFile(const CString& name, const Arguments& arguments) {
     const CString text = ReadDocumentText(name);
-    ItemDocument read(L"Contact", text.View());
-    return ConvertContact(read, arguments.Has(kOptionNew));
+    const Conversion conversion = ConvertDocument(text.View(), arguments.Has(kOptionNew));
+    PutDocument(conversion.document, name, arguments.out);
+    for (const CString& loss : conversion.losses) {
+        PrintError(name, L"warning: " + loss);
+    }
 }
 
 }  // namespace
@@ -67,13 +74,13 @@ void ConvertDocuments(const Arguments& arguments) {
     std::size_t refused = 0;
     for (const CString& name : names) {
         try {
-            PutDocument(ConvertFile(name, arguments), name, arguments.out);
+            ConvertFile(name, arguments);
         } catch (const Failure& failure) {
             if (failure.Code() != ExitCode::kDocumentRefused) {
                 throw;
             }
             ++refused;
-            OutputStream(STD_ERROR_HANDLE).Write(CString(name + L": " + failure.Message() + L"\n").View());
+            PrintError(name, failure.Message());
         }
     }
     if (refused != 0) {

@@ -1,8 +1,8 @@
 #include "desktop/help.h"
 
 const WideView kHelpText =
-    LR"(zebdesk reads and writes the address book of the mail system, and reads its
-calendar, through its 64-bit agent.
+    LR"(zebdesk reads and writes the address book and the calendar of the mail system
+through its 64-bit agent.
 
 USAGE
   zebdesk COMMAND [OPTION...]
@@ -19,11 +19,11 @@ COMMANDS
                      standard output, or as --out, --xml or --tabs say. With
                      --changed: only those that are new, changed or deleted.
   convert FILE...    Makes of documents that were read ones that can be written,
-                     on standard output or with --out as files.
-  write contacts FILE...
-                     Writes contacts, one document a file, and prints what became
-                     of each. "-" stands for standard input. With --delete in
-                     place of files: deletes one contact.
+                     on standard output or with --out as files. Warns of what a
+                     write of them would lose.
+  write KIND FILE... Writes contacts, or calendar items, one document a file, and
+                     prints what became of each. "-" stands for standard input.
+                     With --delete in place of files: deletes one item.
   shutdown           Ends the agent, and comes back when it has ended.
   help               Prints this text.
 
@@ -50,9 +50,9 @@ OPTIONS
                      everything, and belongs to one profile, kind and folder.
   --accept-deletions
                      Believes deletions however many they are.
-  --new              Converts into new contacts and not into changes of the
-                     same ones.
-  --delete ID        Deletes the contact with this PIMID.
+  --new              Converts into new items and not into changes of the same
+                     ones.
+  --delete ID        Deletes the item with this PIMID.
   -q, --quiet        No progress bar and no summary; errors are still printed.
   -h, --help         Prints this text.
 
@@ -81,21 +81,28 @@ READING CHANGES
   is 4, and the next read brings it again if it can be read by then.
 
 WRITING
-  A document that is written replaces the contact as a whole: what it lacks is
-  removed. Its lFlag says what to do: 8 adds, 4 changes, 32 deletes the contact
-  with its PIMID. To edit a contact: read it with --out, convert its file, edit
-  the result and write that. What has no place in a document to be written is
-  dropped: the times, the full name (it is made of the parts of the name) and
-  blanks around a text. PICPath has to name the picture still, or it is removed.
+  A document that is written replaces the item as a whole: what it lacks is
+  removed. Its lFlag says what to do: 8 adds, 4 changes, 32 deletes the item with
+  its PIMID. To edit an item: read it with --out, convert its file, edit the
+  result and write that.
+  Of a contact, what has no place in a document to be written is dropped: the
+  times, the full name (it is made of the parts of the name) and blanks around a
+  text. PICPath has to name the picture still, or it is removed.
+  Of an appointment, dropped are the times of the document itself, the time zone
+  (it becomes this machine's) and the exceptions of a series: a write makes its
+  deleted and changed instances like all others. "convert" warns of exceptions, of
+  a series of another zone, and of whole days that are not from midnight to
+  midnight here. A series of which a document does not tell how it recurs is not
+  converted.
   The agent does not say whether it wrote. zebdesk looks at the folder before and
   after, and so the result is one of these:
     written, deleted  the folder shows it
     refused           the folder is as it was, or the document was not sent
-    unproven          it cannot be told: the contact is not in the folder, nor in
+    unproven          it cannot be told: the item is not in the folder, nor in
                       those below it that reads go into (choose with --folder), or
                       it was changed once more by somebody else
     not tried         the command ended before its turn
-  A contact can be changed or deleted once in one command.
+  An item can be changed or deleted once in one command.
 
 PROFILES AND FOLDERS
   The agent writes these lists to files, Profile.xml and Outlook.xml, in the
@@ -141,4 +148,5 @@ EXAMPLES
   zebdesk convert contacts\contact-4d27e1c2417f2373.xml > edited.xml
   zebdesk write contacts edited.xml
   zebdesk read calendars
+  zebdesk write calendars --delete 0000000011223344
 )";

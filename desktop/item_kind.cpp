@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "desktop/calendar_conversion.h"
 #include "desktop/calendar_row.h"
+#include "desktop/contact_conversion.h"
 #include "desktop/contact_row.h"
 
 extern "C" {
@@ -18,12 +20,18 @@ namespace {
 
 constexpr ItemKind kKinds[] = {
     {L"contacts", L"contact", L"Contact", L"<id>", L"</id>", "[contact pim]", GetContactCount,
-     SetContactFolder, ReadContacts, WriteContacts, ContactHeadings, ContactRow},
+     SetContactFolder, ReadContacts, WriteContacts, ContactHeadings, ContactRow, L"SP-CATEGORIES",
+     ConvertContact},
     {L"calendars", L"calendar", L"Calendar", L"<id><event>", L"</event></id>", "[calendar pim]",
-     GetCalendarCount, SetCalendarFolder, ReadCalendars, nullptr, CalendarHeadings, CalendarRow},
+     GetCalendarCount, SetCalendarFolder, ReadCalendars, WriteCalendars, CalendarHeadings, CalendarRow,
+     L"TimeZone", ConvertCalendar},
 };
 
 }  // namespace
+
+std::span<const ItemKind> ItemKinds() {
+    return kKinds;
+}
 
 const ItemKind* FindItemKind(WideView word) {
     const auto* kind = std::find_if(std::begin(kKinds), std::end(kKinds),

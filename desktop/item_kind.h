@@ -1,9 +1,13 @@
 #pragma once
 
+#include <span>
+#include <vector>
+
 #include "desktop/item_document.h"
 #include "desktop/text_table.h"
+#include "desktop/written_document.h"
 
-/// A kind of item that the agent counts and reads.
+/// A kind of item that the agent counts, reads and writes.
 struct ItemKind {
     /// The word of the command line, in the plural.
     const wchar_t* word;
@@ -20,12 +24,20 @@ struct ItemKind {
     void (*count)(long* count, long* status);
     void (*choose)(wchar_t* selection, long* status);
     void (*read)(wchar_t* ignored, wchar_t* mapFile, long* status);
-    void (*write)(wchar_t* document, wchar_t* id, wchar_t* time,
-                  long* status);  ///< null if it cannot be written
+    void (*write)(wchar_t* document, wchar_t* id, wchar_t* time, long* status);
     /// The headings of its table, and a document's row in it.
     TextTable::Row (*headings)();
     TextTable::Row (*row)(ItemDocument& document);
+    /// An element that every document of a read has behind all others of its item's message, and no document
+    /// that a conversion makes.
+    const wchar_t* lastElement;
+    /// Takes what a document of a read says of its item over into one to be written. Returns what a write of
+    /// it loses, in lines for the user.
+    std::vector<CString> (*convert)(ItemDocument& read, WrittenDocument& written);
 };
+
+/// All kinds.
+std::span<const ItemKind> ItemKinds();
 
 /// The kind that the word stands for, or null.
 const ItemKind* FindItemKind(WideView word);

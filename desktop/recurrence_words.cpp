@@ -99,13 +99,22 @@ std::size_t CountOf(WideView text, WideView part) {
     return count;
 }
 
-/// ", 4 deleted" for a number that is not 0.
-CString Also(std::size_t count, const wide* what) {
-    return count == 0 ? CString()
-                      : WIDE(", ") + CString::FromNumber(static_cast<long long>(count)) + WIDE(" ") + what;
+/// Appends "4 deleted", behind a comma if something stands in front; nothing for a number of 0.
+void AppendCount(CString& words, std::size_t count, const wide* what) {
+    if (count != 0) {
+        words += words.empty() ? WIDE("") : WIDE(", ");
+        words += CString::FromNumber(static_cast<long long>(count)) + WIDE(" ") + what;
+    }
 }
 
 }  // namespace
+
+CString ExceptionWords(const CString& exceptions) {
+    CString words;
+    AppendCount(words, CountOf(exceptions, WIDE("<deletion ")), WIDE("deleted"));
+    AppendCount(words, CountOf(exceptions, WIDE("<modification ")), WIDE("changed"));
+    return words;
+}
 
 CString RecurrenceWords(const RecurrenceFields& fields) {
     if (fields.type.empty()) {
@@ -118,6 +127,6 @@ CString RecurrenceWords(const RecurrenceFields& fields) {
         return WIDE("a series");
     }
     const CString end = fields.end.empty() ? CString() : CString(WIDE(" until ") + fields.end);
-    return KindWords(fields) + end + Also(CountOf(fields.exceptions, WIDE("<deletion ")), WIDE("deleted")) +
-           Also(CountOf(fields.exceptions, WIDE("<modification ")), WIDE("changed"));
+    const CString exceptions = ExceptionWords(fields.exceptions);
+    return KindWords(fields) + end + (exceptions.empty() ? CString() : CString(WIDE(", ") + exceptions));
 }

@@ -21,3 +21,7 @@ struct RecurrenceFields {
 /// A series in words, such as "every 2 weeks on Thu until 2011-06-30, 4 deleted, 1 changed". Empty for a
 /// single appointment.
 CString RecurrenceWords(const RecurrenceFields& fields);
+
+/// The exceptions of a series in words, such as "4 deleted, 1 changed", from the text that tells of them.
+/// Empty for none.
+CString ExceptionWords(const CString& exceptions);

@@ -40,3 +40,14 @@ void SendItem(const CString& xml, void (*sendBack)(const CString& xml), const wc
         Log(kLogFailure, failureLine);
     }
 }
+
+bool ReadElement(CXMLParser& document, const wchar_t* root, const wchar_t* name, CString& text) {
+    CString path(L"/");
+    path.append(root).append(L"/").append(name);
+    const ComPtr<IXMLDOMNode> node = document.SelectSingleNode(path.c_str());
+    if (!node) {
+        return false;
+    }
+    text = document.GetNodeText(node.Get());
+    return true;
+}

@@ -1,7 +1,7 @@
 #pragma once
 
 // What the documents of contacts and of appointments have in common: how one begins, how its elements are
-// written, and how it leaves.
+// written, and how it leaves; and how the elements of one that comes in are found.
 
 #include <windows.h>
 
@@ -28,3 +28,7 @@ CString DateAndTimeText(const FILETIME& utc);
 /// Sends the text of one item. One that cannot be delivered is logged with the given line and does not end
 /// the read: the next one may be.
 void SendItem(const CString& xml, void (*sendBack)(const CString& xml), const wchar_t* failureLine);
+
+/// Reads the text of the first element of a name right below the root. False, with the text as it was, if
+/// there is none.
+bool ReadElement(CXMLParser& document, const wchar_t* root, const wchar_t* name, CString& text);

@@ -12,6 +12,7 @@
 #include "support/xml_parser.h"
 #include "timezone/zone_table.h"
 
+class CCalendarEx;
 class CContactEx;
 struct FolderIdentity;
 struct tagContactFields;
@@ -142,6 +143,32 @@ class CMAPIObject {
     /// Sends the marked items, to the end even when stopped: new and changed ones in full, deleted ones as
     /// what the list knows of them. Returns 1, or 0 after an exception.
     int ReadCalendarEventFromLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
+
+    // calendar/calendar_writing.cpp. A write puts exactly what the record holds into the message, as that of
+    // a contact does.
+
+    /// Adds, updates or deletes an appointment, as its flag says, and clears the flag's bit if that
+    /// succeeded. Then sends an empty text, whatever came of it: a failure of that call is not caught here
+    /// and leaves as RpcFailure. Returns 0, also when the mail system failed, and 1 after an exception in
+    /// front of the operation and for a null record, which sends nothing.
+    int WriteCalendars(CCalendarEx* calendar);
+    /// Adds an appointment if its kind is the one that is written. Returns 1 if it was saved, otherwise 0.
+    int AddCalendar(CCalendarEx* calendar) const;
+    /// Updates one on the same condition. Returns 1 if it was saved, otherwise 0.
+    int UpdateCalendar(CCalendarEx* calendar) const;
+    /// Removes the message of the record's identifier from the folder that it lives in, whatever the record's
+    /// kind. Returns 1 or 0.
+    int DeleteCalendar(CCalendarEx* calendar) const;
+    /// Makes a message in the chosen folder. The record receives its identifier, empty if that cannot be
+    /// read, and the time of its change. Returns 1 if it was saved, otherwise 0.
+    int AddCalendarEvent(CCalendarEx* calendar) const;
+    /// Replaces the message of the record's identifier. The record receives the time of its change. Returns 1
+    /// if it was saved, otherwise 0.
+    int UpdateCalendarEvent(CCalendarEx* calendar) const;
+    /// Writes a record to an open message and saves it. The record receives the time of the change, or no
+    /// date if the message has none, and whole days become midnights in it. Returns 1 if the message was
+    /// saved, otherwise 0.
+    int UpdateCalendarEventMessage(IMessage* message, CCalendarEx* calendar) const;
 
     HWND m_hNotifyWnd = nullptr;  ///< progress messages go here; never set to a window
     // An operation works on references of its own, so that what another call puts here meanwhile does not

@@ -3,6 +3,8 @@
 // Setting properties of a message one by one. What is empty is removed instead. The results of setting and
 // removing are not looked at: whether a write has succeeded is decided by the saving of the message.
 
+#include <cstdint>
+
 #include "support/owners.h"
 #include "support/text.h"
 #include "timezone/ole_date_time.h"
@@ -17,11 +19,18 @@ HRESULT SetNamedTextProperty(IMAPIProp* object, ULONG propertySet, LONG id, cons
 /// Sets a number.
 void SetNumberProperty(IMAPIProp* object, ULONG tag, LONG number);
 
-/// Sets a yes or no.
-void SetFlagProperty(IMAPIProp* object, ULONG tag, bool flag);
+/// The same for one with a numeric name, if its tag can be found.
+void SetNamedNumberProperty(IMAPIProp* object, ULONG propertySet, LONG id, LONG number);
+
+/// Sets a yes or no, of which the store keeps all 16 bits.
+void SetFlagProperty(IMAPIProp* object, ULONG tag, unsigned short flag);
 
 /// The same for one with a numeric name, if its tag can be found.
-void SetNamedFlagProperty(IMAPIProp* object, ULONG propertySet, LONG id, bool flag);
+void SetNamedFlagProperty(IMAPIProp* object, ULONG propertySet, LONG id, unsigned short flag);
+
+/// Sets bytes under a numeric name, if its tag can be found.
+void SetNamedBinaryProperty(IMAPIProp* object, ULONG propertySet, LONG id, const std::uint8_t* bytes,
+                            std::uint32_t count);
 
 /// Sets a local date as the UTC time that it is, or removes the property for the value that stands for no
 /// date.
@@ -33,3 +42,6 @@ HRESULT SetNamedDateProperty(IMAPIProp* object, ULONG propertySet, LONG id, cons
 
 /// Removes a property.
 void DeleteProperty(IMAPIProp* object, ULONG tag);
+
+/// Removes one with a numeric name, under the type that is given, if its tag can be found.
+void DeleteNamedProperty(IMAPIProp* object, ULONG propertySet, LONG id, ULONG type);

@@ -84,6 +84,14 @@ void ComApartmentHold::Uninitialize() noexcept {
     }
 }
 
+ComInitialization::ComInitialization() noexcept {
+    CoInitialize(nullptr);
+}
+
+ComInitialization::~ComInitialization() {
+    ComApartmentHold::Uninitialize();
+}
+
 CXMLParser::~CXMLParser() {
     CXMLParser::ReleaseDocument();
 }

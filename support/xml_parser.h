@@ -21,6 +21,15 @@ class ComApartmentHold {
     static void Uninitialize() noexcept;
 };
 
+/// COM initialised once more on the calling thread, for one operation.
+class ComInitialization {
+  public:
+    ComInitialization() noexcept;
+    ComInitialization(const ComInitialization&) = delete;
+    ComInitialization& operator=(const ComInitialization&) = delete;
+    ~ComInitialization();
+};
+
 /// One XML document of MSXML, used in one of two ways by one operation on one thread.
 /// Building: InitDocument, CreateHeader, CreateRootElement, then CreateChildElement and SetAttribute, then
 /// GetDocumentText or SaveToFile, then ReleaseDocument. Reading: InitDocument, LoadText, then

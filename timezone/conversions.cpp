@@ -122,12 +122,16 @@ DateParts SplitDate(const COleDateTime& date) {
     return {fields.wYear, fields.wMonth, fields.wDay};
 }
 
-std::uint32_t MinutesSince1601(const COleDateTime& date) {
+COleDateTime MidnightOf(const COleDateTime& date) {
     const DateParts parts = SplitDate(date);
     COleDateTime midnight;
     MakeDateOnly(static_cast<WORD>(parts.year), static_cast<WORD>(parts.month), static_cast<WORD>(parts.day),
                  &midnight);
-    const SYSTEMTIME fields = FieldsOf(midnight);
+    return midnight;
+}
+
+std::uint32_t MinutesSince1601(const COleDateTime& date) {
+    const SYSTEMTIME fields = FieldsOf(MidnightOf(date));
     FILETIME time = {};
     SystemTimeToFileTime(&fields, &time);
     return static_cast<std::uint32_t>(static_cast<std::int64_t>(StepsOf(time)) / kStepsPerMinute);

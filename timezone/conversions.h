@@ -47,6 +47,9 @@ struct DateParts {
 /// range.
 [[nodiscard]] DateParts SplitDate(const COleDateTime& date);
 
+/// The date of a value at 00:00:00; invalid for one that has no date.
+[[nodiscard]] COleDateTime MidnightOf(const COleDateTime& date);
+
 /// The minutes from 1601-01-01 to the midnight of a date, both local; 0 for a date that is not valid.
 [[nodiscard]] std::uint32_t MinutesSince1601(const COleDateTime& date);
 

@@ -4,6 +4,7 @@ Each script is one entry of ctest and ends with run(). The environment names the
 ZEB_BIN_DIR holds those of the product, ZEB_TEST_BIN_DIR the tools for tests.
 """
 
+import datetime
 import os
 import pathlib
 import pty
@@ -23,6 +24,10 @@ AGENT = "ZebAgentForOutlook64.exe"
 # Messages that a mail program saved. Without the variable this is a place in which no file is found.
 REAL_ITEMS = pathlib.Path(os.environ.get("ZEB_REAL_ITEMS") or os.devnull)
 NO_REAL_ITEMS = "NO REAL ITEMS: ZEB_REAL_ITEMS names no folder with them"
+
+# What gives a program another clock than that of the machine, which is beside the C library.
+OTHER_CLOCK = next(pathlib.Path("/usr/lib").glob("*/faketime/libfaketimeMT.so.1"), None)
+NO_OTHER_CLOCK = "NO OTHER CLOCK: the library libfaketime is not there"
 
 # How long a thing may take that ought to happen soon. It only has to be long enough for a busy machine.
 PATIENCE = 300
@@ -64,6 +69,16 @@ def limit_file_size(size):
         signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
         resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
     return limit
+
+
+def clock_at(moment):
+    """The environment of a program whose clock stands at a moment in UTC when it starts, and runs on from there.
+
+    Waits and the times of files stay those of the machine, which Wine's server shares.
+    """
+    seconds = int(moment.replace(tzinfo=datetime.timezone.utc).timestamp())
+    return {"LD_PRELOAD": str(OTHER_CLOCK), "FAKETIME": f"@{seconds}", "FAKETIME_FMT": "%s",
+            "FAKETIME_DONT_FAKE_MONOTONIC": "1", "NO_FAKE_STAT": "1"}
 
 
 class Place:

@@ -37,9 +37,12 @@ constexpr const char* kUsage =
     "  --fail-at N        raise an exception while the Nth document is being received\n"
     "  --crash-after N    end without a word while the Nth document is being received\n"
     "commands:\n"
-    "  logon[=PROFILE] count read stop logoff shutdown profiles folders\n"
+    "  logon[=PROFILE] count read count-calendars read-calendars stop logoff shutdown profiles folders\n"
     "  contact-folder=SELECTION calendar-folder=SELECTION\n"
-    "  write=FILE         write the document in FILE, which is in UTF-16, and print the three outputs\n"
+    "  write=FILE         write the contact of the document in FILE, which is in UTF-16, and print the "
+    "three\n"
+    "                     outputs\n"
+    "  write-calendar=FILE  the same with an appointment\n"
     "  await-end          wait until the agent is gone, and tell whether it said so before\n";
 
 /// What the callbacks do and have done. They come on the runtime's threads, one at a time.
@@ -133,19 +136,19 @@ void DoLogOn(std::wstring profile) {
     std::cout << "logon " << status << '\n';
 }
 
-void DoCount() {
+void DoCount(void (*procedure)(long* count, long* status)) {
     long count = -1;
     long status = -1;
-    GuardedRpc([&count, &status] { GetContactCount(&count, &status); });
+    GuardedRpc([procedure, &count, &status] { procedure(&count, &status); });
     std::cout << "count " << count << ' ' << status << '\n';
 }
 
-void DoRead() {
+void DoRead(void (*procedure)(wchar_t* ignored, wchar_t* mapFile, long* status)) {
     const unsigned long before = g_reception.documents;
     long status = -1;
     wchar_t nothing[] = L"";
     wchar_t* const text = nothing;
-    GuardedRpc([text, &status] { ReadContacts(text, text, &status); });
+    GuardedRpc([procedure, text, &status] { procedure(text, text, &status); });
     std::cout << "read " << status << ' ' << g_reception.documents - before << '\n';
 }
 
@@ -206,13 +209,16 @@ std::string Printable(const wchar_t* text) {
     return printed.str();
 }
 
-void DoWrite(const std::wstring& path) {
+/// A procedure that writes an item.
+using WriteProcedure = void (*)(wchar_t* document, wchar_t* id, wchar_t* time, long* status);
+
+void DoWrite(WriteProcedure procedure, const std::wstring& path) {
     std::wstring document = ReadDocument(path);
     wchar_t id[400] = L"";
     wchar_t time[40] = L"";
     long status = -1;
     wchar_t* const texts[] = {document.data(), id, time};
-    GuardedRpc([&texts, &status] { WriteContacts(texts[0], texts[1], texts[2], &status); });
+    GuardedRpc([procedure, &texts, &status] { procedure(texts[0], texts[1], texts[2], &status); });
     std::cout << "write " << status << " [" << Printable(id) << "] [" << Printable(time) << "]\n";
 }
 
@@ -228,17 +234,42 @@ void AwaitEnd() {
     std::cout << "end " << (announced ? "announced" : "not announced") << '\n';
 }
 
+/// True if the command was one that writes.
+bool DoWriteCommand(const std::wstring& command) {
+    constexpr std::pair<const wchar_t*, WriteProcedure> kCommands[] = {
+        {L"write=", WriteContacts},
+        {L"write-calendar=", WriteCalendars},
+    };
+    for (const auto& [word, procedure] : kCommands) {
+        if (command.rfind(word, 0) == 0) {
+            DoWrite(procedure, command.substr(std::wcslen(word)));
+            return true;
+        }
+    }
+    return false;
+}
+
+/// True if the command was one that counts or reads.
+bool DoReadCommand(const std::wstring& command) {
+    if (command == L"count") {
+        DoCount(GetContactCount);
+    } else if (command == L"count-calendars") {
+        DoCount(GetCalendarCount);
+    } else if (command == L"read") {
+        DoRead(ReadContacts);
+    } else if (command == L"read-calendars") {
+        DoRead(ReadCalendars);
+    } else {
+        return false;
+    }
+    return true;
+}
+
 void Do(const std::wstring& command) {
     if (command.rfind(L"logon=", 0) == 0) {
         DoLogOn(command.substr(std::wcslen(L"logon=")));
-    } else if (command.rfind(L"write=", 0) == 0) {
-        DoWrite(command.substr(std::wcslen(L"write=")));
     } else if (command == L"logon") {
         DoLogOn(L"");
-    } else if (command == L"count") {
-        DoCount();
-    } else if (command == L"read") {
-        DoRead();
     } else if (command == L"stop") {
         GuardedRpc([] { Stop(); });
     } else if (command == L"logoff") {
@@ -247,7 +278,7 @@ void Do(const std::wstring& command) {
         GuardedRpc([] { Shutdown(); });
     } else if (command == L"await-end") {
         AwaitEnd();
-    } else if (!DoTextCommand(command)) {
+    } else if (!DoReadCommand(command) && !DoWriteCommand(command) && !DoTextCommand(command)) {
         throw std::invalid_argument(kUsage);
     }
     std::cout.flush();

@@ -1,4 +1,4 @@
-"""A place for tests of the writing of contacts: documents, writes with the desktop program and with single calls."""
+"""A place for tests of the writing of items: documents, writes with the desktop program and with single calls."""
 
 import datetime
 import hashlib
@@ -6,7 +6,7 @@ import re
 import xml.sax.saxutils
 
 import harness
-from contact_fields import ADDRESS
+from contact_fields import ADDRESS, fields
 
 ADD, CHANGE, DELETE = 8, 4, 32
 ADDRESS_SET = f"{ADDRESS}-0000-0000-c000-000000000046"
@@ -88,12 +88,18 @@ def element(name, text):
     return f"<{name}>{escaped}</{name}>"
 
 
-def document(flag, identifier=None, **fields):
-    """A document to write. In the names of fields "_" stands for "-"."""
+def item_document(root, flag, identifier, fields):
+    """A document to write, of a kind of item."""
     parts = [element("lFlag", str(flag))]
     parts += [element("PIMID", identifier)] if identifier is not None else []
-    parts += [element(name.replace("_", "-"), text) for name, text in fields.items()]
-    return f"<Contact>{''.join(parts)}</Contact>"
+    parts += [element(name, text) for name, text in fields.items()]
+    return f"<{root}>{''.join(parts)}</{root}>"
+
+
+def document(flag, identifier=None, **fields):
+    """A contact's document to write. In the names of fields "_" stands for "-"."""
+    return item_document("Contact", flag, identifier,
+                         {name.replace("_", "-"): text for name, text in fields.items()})
 
 
 def stored(message, field):
@@ -107,10 +113,30 @@ def time_of(text):
 
 
 class WritingCase(harness.Case):
+    """Writes contacts, unless a class for another kind of item says otherwise."""
+
+    # The word of the command line, the folder, and the commands of the test client.
+    KIND = "contacts"
+    FOLDER = harness.Place.FOLDER
+    WRITE, READ, COUNT_ITEMS = "write", "read", "count"
+    # The root element, and an element and its property by which tests tell items apart.
+    ROOT, NAME, NAME_TAG = "Contact", "LastName", LAST_NAME
+    # The elements of a document that was read, by name.
+    fields_of = staticmethod(fields)
+
     def setUp(self):
         super().setUp()
         self.place.folder("Work/Mail/Inbox")
+        self.items = self.place.folder(self.FOLDER)
         self.written = 0
+
+    def document(self, flag, identifier=None, **fields):
+        """A document to write, of the kind of item of this class."""
+        return document(flag, identifier, **fields)
+
+    def named(self, flag, identifier, name, **fields):
+        """A document to write that has a name."""
+        return self.document(flag, identifier, **{self.NAME: name}, **fields)
 
     def file(self, text, encoding="utf-8"):
         """Writes a document to a file of its own. Gives its Windows path."""
@@ -121,7 +147,7 @@ class WritingCase(harness.Case):
 
     def write(self, *documents, status=0, options=(), **more):
         """Writes documents with the desktop program. Gives a list of result, time and identifier for each."""
-        code, output, errors = self.place.run_desktop("write", "contacts", "--tabs", *options,
+        code, output, errors = self.place.run_desktop("write", self.KIND, "--tabs", *options,
                                                       *map(self.file, documents), **more)
         self.assertEqual(code, status, output + errors)
         self.errors = errors
@@ -135,13 +161,13 @@ class WritingCase(harness.Case):
         return time, identifier
 
     def delete(self, identifier, status=0):
-        code, output, errors = self.place.run_desktop("write", "contacts", "--tabs", "--delete", identifier)
+        code, output, errors = self.place.run_desktop("write", self.KIND, "--tabs", "--delete", identifier)
         self.assertEqual(code, status, output + errors)
         return output.splitlines()[1].split("\t")[0]
 
     def writes(self, texts):
         """The commands of the test client that write documents."""
-        return ["write=" + self.file(text, "utf-16-le") for text in texts]
+        return [f"{self.WRITE}={self.file(text, 'utf-16-le')}" for text in texts]
 
     def results(self, lines):
         """The outputs of the writes among the lines of a client: status, identifier and time of each."""
@@ -157,21 +183,34 @@ class WritingCase(harness.Case):
         return results
 
     def add(self, **fields):
-        """Adds a contact with a single call. Gives its identifier."""
-        [(status, identifier, _)] = self.send(document(ADD, **fields))
+        """Adds an item with a single call. Gives its identifier."""
+        [(status, identifier, _)] = self.send(self.document(ADD, **fields))
         self.assertEqual(status, 0)
         self.assertNotEqual(identifier, "")
         return identifier
 
+    def add_named(self, name, **fields):
+        return self.add(**{self.NAME: name}, **fields)
+
+    def read_all(self):
+        """The documents of all items, read with the test client."""
+        lines, documents = self.place.run_client("logon", self.READ, "logoff")
+        self.assertEqual(lines[:2], ["logon 0", f"read 0 {len(documents)}"])
+        return documents
+
     def files(self, folder=None):
         """The digests of all files below a folder, by their paths."""
-        folder = folder or self.place.contacts
+        folder = folder or self.items
         return {str(file.relative_to(folder)): hashlib.sha256(file.read_bytes()).hexdigest()
                 for file in folder.rglob("*") if file.is_file()}
+
+    def empty_folder(self):
+        for file in self.items.glob("*.msg"):
+            file.unlink()
 
     def assert_works(self):
         """The agent is there and writes."""
         before = set(self.files())
-        self.add(LastName="afterwards")
+        self.add_named("afterwards")
         [name] = set(self.files()) - before
-        (self.place.contacts / name).unlink()
+        (self.items / name).unlink()

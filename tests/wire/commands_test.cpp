@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/wire/agent_process.h"
+#include "tests/wire/callback_endpoint.h"
 #include "tests/wire/command_connection.h"
 
 namespace {
@@ -25,21 +26,6 @@ Bytes ArgumentsOfARead() {
     return Hex(
         "02 00 00 00  00 00 00 00  02 00 00 00  71 00 00 00"
         "04 00 00 00  00 00 00 00  04 00 00 00  6d 00 61 00 70 00 00 00");
-}
-
-/// The answer of a write that failed: two empty texts, for which the arrays of 400 and 40 characters are
-/// announced, and at the next multiple of four the status 1.
-void ExpectNothingWritten(const Bytes& answer) {
-    ByteReader reader(answer);
-    for (const std::uint32_t size : {400U, 40U}) {
-        const WireString text = ReadString(reader);
-        EXPECT_EQ(text.maximum, size);
-        EXPECT_EQ(text.offset, 0U);
-        EXPECT_EQ(text.units, std::u16string(1, u'\0'));
-    }
-    reader.Align(4);
-    EXPECT_EQ(reader.U32(), 1U);
-    EXPECT_TRUE(reader.AtEnd());
 }
 
 class Commands : public testing::Test {
@@ -152,16 +138,6 @@ TEST_F(Commands, GetCalendarCountIsZeroWithoutAppointmentsAndAlwaysSucceeds) {
     EXPECT_EQ(Answer(6), Hex("00 00 00 00  00 00 00 00"));
 }
 
-TEST_F(Commands, WhatIsNotServedFailsBeforeAndAfterALogon) {
-    const Bytes noDocument = ByteWriter().String(u"this is no document").Written();
-    for (const bool loggedOn : {false, true}) {
-        if (loggedOn) {
-            ASSERT_EQ(Answer(2, ByteWriter().String(u"").Written()), Success());
-        }
-        ExpectNothingWritten(Answer(14, noDocument));
-    }
-}
-
 /// The answer of a write that had nothing to do: two texts, for which the arrays of 400 and 40 characters are
 /// announced, and a status at the next multiple of four.
 void ExpectAnswerOfAWrite(const Bytes& answer) {
@@ -183,6 +159,22 @@ void ExpectAnswerOfAWrite(const Bytes& answer) {
 
 TEST_F(Commands, AWriteOfWhatIsNoDocumentSucceedsWithoutAnIdentifier) {
     ExpectAnswerOfAWrite(Answer(13, ByteWriter().String(u"this is no document").Written()));
+    ASSERT_EQ(Answer(2, ByteWriter().String(u"").Written()), Success());
+    const CallbackEndpoint endpoint;
+    ExpectAnswerOfAWrite(Answer(14, ByteWriter().String(u"this is no document").Written()));
+}
+
+TEST_F(Commands, AWriteOfAnAppointmentBeforeLogonHasNobodyToTellOfItsEnd) {
+    const CallPdu answer = m_connection.Call(14, ByteWriter().String(u"this is no document").Written());
+    // Windows refuses a callback without a binding, and the write fails with that. Wine's stub does nothing.
+    if (answer.type == PduType::kFault) {
+        EXPECT_EQ(answer.faultStatus, static_cast<std::uint32_t>(RPC_S_INVALID_BINDING));
+    } else {
+        ExpectAnswerOfAWrite(answer.stub);
+    }
+    EXPECT_THAT(m_agent.Log(), HasSubstr("CMAPIObject::WriteCalendars - Begin\r\n"));
+    CommandConnection another;
+    EXPECT_EQ(another.Call(9, Hex("78 00")).stub, Success());
 }
 
 TEST_F(Commands, ThereIsNoEighteenthProcedure) {

@@ -28,10 +28,16 @@ struct WriteAnswer {
     std::uint32_t status = 77;
 };
 
-WriteAnswer Write(CommandConnection& connection, const std::wstring& elements) {
-    const std::wstring document = L"<Contact>" + elements + L"</Contact>";
-    const CallPdu call =
-        connection.Call(13, ByteWriter().String(std::u16string(document.begin(), document.end())).Written());
+constexpr std::uint16_t kWriteContacts = 13;
+constexpr std::uint16_t kWriteCalendars = 14;
+
+Bytes TextArgument(const std::wstring& text) {
+    return ByteWriter().String(std::u16string(text.begin(), text.end())).Written();
+}
+
+WriteAnswer WriteDocument(CommandConnection& connection, std::uint16_t procedure,
+                          const std::wstring& document) {
+    const CallPdu call = connection.Call(procedure, TextArgument(document));
     EXPECT_EQ(call.type, PduType::kResponse);
     ByteReader reader(call.stub);
     WriteAnswer answer;
@@ -41,6 +47,18 @@ WriteAnswer Write(CommandConnection& connection, const std::wstring& elements) {
     answer.status = reader.U32();
     EXPECT_TRUE(reader.AtEnd());
     return answer;
+}
+
+WriteAnswer Write(CommandConnection& connection, const std::wstring& elements) {
+    return WriteDocument(connection, kWriteContacts, L"<Contact>" + elements + L"</Contact>");
+}
+
+std::wstring CalendarDocument(const std::wstring& elements) {
+    return L"<Calendar>" + elements + L"</Calendar>";
+}
+
+WriteAnswer WriteCalendar(CommandConnection& connection, const std::wstring& elements) {
+    return WriteDocument(connection, kWriteCalendars, CalendarDocument(elements));
 }
 
 std::wstring Element(const std::wstring& name, const std::wstring& text) {
@@ -57,18 +75,27 @@ std::wstring ElementText(const std::wstring& document, const std::wstring& name)
                                        : document.substr(first + begin.size(), end - first - begin.size());
 }
 
-/// The one document of a read of all contacts.
-std::wstring ReadTheOne(CommandConnection& connection, const CallbackEndpoint& endpoint) {
+/// The one document of a read of all contacts, or of all items that another procedure reads and sends.
+std::wstring ReadTheOne(CommandConnection& connection, const CallbackEndpoint& endpoint,
+                        std::uint16_t procedure = 15, std::uint16_t callback = kMAPISendBackOneContact) {
     const std::size_t before = endpoint.Calls().size();
-    EXPECT_EQ(connection.Call(15, ReadAll()).stub, Success());
+    EXPECT_EQ(connection.Call(procedure, ReadAll()).stub, Success());
     const std::vector<CallPdu> calls = endpoint.Calls();
     EXPECT_EQ(calls.size(), before + 1);
-    return calls.empty() ? L"" : Document(calls.back());
+    return calls.empty() ? L"" : Document(calls.back(), callback);
+}
+
+std::wstring ReadTheOneCalendar(CommandConnection& connection, const CallbackEndpoint& endpoint) {
+    return ReadTheOne(connection, endpoint, 16, kMAPISendBackOneCalenda);
+}
+
+std::size_t FilesIn(const std::filesystem::path& folder) {
+    const std::filesystem::directory_iterator entries(folder);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
 std::size_t Files(const AgentProcess& agent) {
-    const std::filesystem::directory_iterator entries(agent.Contacts());
-    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+    return FilesIn(agent.Contacts());
 }
 
 TEST(Writing, AddChangeAndDeleteHandBackTheIdentifierAndTheTimeThatAReadShows) {
@@ -127,6 +154,117 @@ TEST(Writing, ChangeThatCannotBeSavedHandsBackTheTimeOfTheOldContact) {
     EXPECT_EQ(answer.time, ElementText(before, L"lastModifiedTime"));
     EXPECT_THAT(agent.Log(), HasSubstr("CMAPIObject::UpdateContact - Finish(Failed)\r\n"));
     EXPECT_EQ(ElementText(ReadTheOne(connection, endpoint), L"LastName"), L"Alpha");
+}
+
+const std::wstring kAppointment =
+    L"<lCalType>3</lCalType><Description>Dentist</Description><Location>Room 4</Location>"
+    L"<dtStartTime>03/10/2026 09:30:00</dtStartTime><dtEndTime>03/10/2026 10:15:00</dtEndTime>"
+    L"<lReminderMinutes>15</lReminderMinutes>";
+
+/// The callbacks that have come are so many, and the last one is the empty text that ends a write.
+void ExpectTheEndOfAWrite(const CallbackEndpoint& endpoint, std::size_t calls) {
+    const std::vector<CallPdu> came = endpoint.Calls();
+    ASSERT_EQ(came.size(), calls);
+    EXPECT_EQ(Document(came.back(), kMAPISendBackOneCalenda), L"");
+    // A text of one character, its terminator.
+    EXPECT_EQ(came.back().stub, Hex("01 00 00 00  00 00 00 00  01 00 00 00  00 00"));
+}
+
+TEST(WritingCalendars, AddChangeAndDeleteHandBackTheIdentifierAndTheTimeThatAReadShows) {
+    const AgentProcess agent;
+    const std::filesystem::path folder = agent.MakeMailFolder(L"Calendar");
+    const CallbackEndpoint endpoint;
+    CommandConnection connection;
+    LogOn(connection);
+
+    const WriteAnswer added = WriteCalendar(connection, L"<lFlag>8</lFlag>" + kAppointment);
+    EXPECT_EQ(added.status, 0U);
+    EXPECT_THAT(added.id, SizeIs(testing::Gt(0U)));
+    EXPECT_EQ(added.id.find_first_not_of(L"0123456789ABCDEF"), std::wstring::npos);
+    EXPECT_EQ(FilesIn(folder), 1U);
+    ExpectTheEndOfAWrite(endpoint, 1);
+    const std::wstring first = ReadTheOneCalendar(connection, endpoint);
+    EXPECT_EQ(ElementText(first, L"Description"), L"Dentist");
+    EXPECT_EQ(ElementText(first, L"dtStartTime"), L"03/10/2026 09:30:00");
+    EXPECT_EQ(ElementText(first, L"dtEndTime"), L"03/10/2026 10:15:00");
+    EXPECT_EQ(ElementText(first, L"lReminderMinutes"), L"15");
+    EXPECT_EQ(ElementText(first, L"PIMID"), added.id);
+    EXPECT_EQ(ElementText(first, L"lastModifiedTime"), added.time);
+
+    const WriteAnswer changed =
+        WriteCalendar(connection, L"<lFlag>4</lFlag>" + Element(L"PIMID", added.id) +
+                                      L"<lCalType>3</lCalType><Description>Doctor</Description>");
+    EXPECT_EQ(changed.status, 0U);
+    EXPECT_EQ(changed.id, added.id);
+    ExpectTheEndOfAWrite(endpoint, 3);
+    const std::wstring second = ReadTheOneCalendar(connection, endpoint);
+    EXPECT_EQ(ElementText(second, L"Description"), L"Doctor");
+    EXPECT_EQ(ElementText(second, L"lastModifiedTime"), changed.time);
+
+    const WriteAnswer deleted = WriteCalendar(connection, L"<lFlag>32</lFlag>" + Element(L"PIMID", added.id));
+    EXPECT_EQ(deleted.status, 0U);
+    EXPECT_EQ(deleted.id, added.id);
+    EXPECT_EQ(deleted.time, L"12/30/1899 00:00:00");
+    EXPECT_EQ(FilesIn(folder), 0U);
+    ExpectTheEndOfAWrite(endpoint, 5);
+}
+
+TEST(WritingCalendars, EveryWriteEndsWithOneEmptyCallbackWhateverCameOfIt) {
+    const AgentProcess agent;
+    const std::filesystem::path folder = agent.MakeMailFolder(L"Calendar");
+    const CallbackEndpoint endpoint;
+    CommandConnection connection;
+    LogOn(connection);
+    std::size_t calls = 0;
+    for (const std::wstring document :
+         {L"", L"no document", L"<Calendar/>", L"<Calendar><lFlag>8</lFlag></Calendar>",
+          L"<Calendar><lFlag>4</lFlag><lCalType>3</lCalType><PIMID>00AB</PIMID></Calendar>",
+          L"<Calendar><lFlag>32</lFlag><PIMID>00AB</PIMID></Calendar>"}) {
+        const WriteAnswer answer = WriteDocument(connection, kWriteCalendars, document);
+        EXPECT_EQ(answer.status, 0U);
+        EXPECT_EQ(answer.id, document.find(L"00AB") == std::wstring::npos ? L"" : L"00AB");
+        EXPECT_EQ(answer.time, L"12/30/1899 00:00:00");
+        ExpectTheEndOfAWrite(endpoint, ++calls);
+    }
+    EXPECT_EQ(FilesIn(folder), 0U);
+}
+
+TEST(WritingCalendars, OutputsHoldNoMoreThanTheirFourHundredAndForty) {
+    const AgentProcess agent;
+    const CallbackEndpoint endpoint;
+    CommandConnection connection;
+    LogOn(connection);
+    const WriteAnswer answer = WriteCalendar(connection, Element(L"PIMID", std::wstring(5000, L'F')));
+    EXPECT_EQ(answer.status, 0U);
+    EXPECT_EQ(answer.id, std::wstring(399, L'F'));
+    EXPECT_EQ(answer.time, L"12/30/1899 00:00:00");
+}
+
+TEST(WritingCalendars, WithoutAnEndpointTheAppointmentIsWrittenTheCallFaultsAndTheAgentGoesOn) {
+    const AgentProcess agent;
+    const std::filesystem::path folder = agent.MakeMailFolder(L"Calendar");
+    CommandConnection connection;
+    LogOn(connection);
+
+    const CallPdu call =
+        connection.Call(kWriteCalendars, TextArgument(CalendarDocument(L"<lFlag>8</lFlag>" + kAppointment)));
+    EXPECT_EQ(call.type, PduType::kFault);
+    EXPECT_EQ(call.faultStatus, static_cast<std::uint32_t>(RPC_S_SERVER_UNAVAILABLE));
+    EXPECT_EQ(FilesIn(folder), 1U);
+    const std::string log = agent.Log();
+    EXPECT_THAT(log, HasSubstr("CMAPIObject::AddCalendar - Finish(Succeeded)\r\n"));
+    EXPECT_THAT(log, testing::Not(HasSubstr("CMAPIObject::WriteCalendars - Finish")));
+
+    EXPECT_TRUE(agent.IsRunning());
+    const CallbackEndpoint endpoint;
+    CommandConnection next;
+    LogOn(next);
+    const std::wstring document = ReadTheOneCalendar(next, endpoint);
+    EXPECT_EQ(ElementText(document, L"Description"), L"Dentist");
+    const WriteAnswer deleted =
+        WriteCalendar(next, L"<lFlag>32</lFlag>" + Element(L"PIMID", ElementText(document, L"PIMID")));
+    EXPECT_EQ(deleted.status, 0U);
+    EXPECT_EQ(FilesIn(folder), 0U);
 }
 
 }  // namespace

@@ -161,18 +161,6 @@ TEST_F(Handlers, IdentifierIsCutToItsOutput) {
     }
 }
 
-TEST_F(Handlers, WhatIsNotServedFailsAndReturnsNothing) {
-    wchar_t text[] = L"x";
-    wchar_t id[400] = L"unset";
-    wchar_t time[40] = L"unset";
-    long status = 77;
-    WriteCalendars(text, id, time, &status);
-    EXPECT_EQ(status, 1);
-    EXPECT_EQ(CString(id), L"");
-    EXPECT_EQ(CString(time), L"");
-    EXPECT_TRUE(TakeLog().empty());
-}
-
 TEST_F(Handlers, GetCalendarCountBeforeLogonIsZeroAndSucceeds) {
     long count = 77;
     long status = 77;

@@ -1,11 +1,12 @@
 #pragma once
 
-// The procedure that writes a contact, as the RPC runtime calls it, and what it gives back.
+// The procedures that write an item, as the RPC runtime calls them, and what they give back.
 
 #include <algorithm>
 #include <iterator>
 
 #include "command.h"
+#include "support/rpc_guard.h"
 #include "support/text.h"
 #include "timezone/ole_date_time.h"
 
@@ -14,6 +15,8 @@ struct WriteOutputs {
     wchar_t id[401] = {};
     wchar_t time[41] = {};
     long status = 77;
+    /// What the procedure raised in place of its outputs; 0 if it returned.
+    unsigned long fault = 0;
 
     WriteOutputs() {
         std::fill(std::begin(id), std::end(id), L'#');
@@ -26,6 +29,19 @@ inline WriteOutputs WriteContact(const CString& xml) {
     WriteOutputs out;
     WriteContacts(text.data(), out.id, out.time, &out.status);
     return out;
+}
+
+inline WriteOutputs WriteCalendar(const CString& xml) {
+    struct Arguments {
+        CString text;
+        WriteOutputs out;
+    } arguments{xml, {}};
+    const RpcCall call = [](void* context) noexcept {
+        auto& [text, out] = *static_cast<Arguments*>(context);
+        WriteCalendars(text.data(), out.id, out.time, &out.status);
+    };
+    arguments.out.fault = GuardRpcCall(call, &arguments);
+    return arguments.out;
 }
 
 /// The present as the time of a write is shown, which can be a second later by the next look.

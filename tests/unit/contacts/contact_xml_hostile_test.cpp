@@ -2,15 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
-// Behind the base types, which it uses.
-#include <psapi.h>
-
-#include <thread>
-
 #include "contacts/contact_xml_input.h"
-#include "support/owners.h"
+#include "tests/unit/hostile_documents.h"
 #include "tests/unit/recorded_log.h"
 #include "tests/unit/temporary_folder.h"
 #include "tests/unit/text_printer.h"
@@ -41,22 +34,6 @@ class HostileContactXml : public testing::Test {
 
     CContactEx m_contact;
 };
-
-CString Repeated(const CString& piece, std::size_t count) {
-    CString text;
-    text.reserve(piece.size() * count);
-    for (std::size_t i = 0; i < count; ++i) {
-        text += piece;
-    }
-    return text;
-}
-
-/// Memory that belongs to this process alone, in bytes.
-std::size_t PrivateMemory() {
-    PROCESS_MEMORY_COUNTERS counters{};
-    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
-    return counters.PagefileUsage;
-}
 
 TEST_F(HostileContactXml, WrongRootIsNotRead) {
     for (const wchar_t* const root : {L"contact", L"Contacts", L"Calendar", L"Contact.1"}) {
@@ -182,49 +159,10 @@ TEST_F(HostileContactXml, MemoryOfDocumentsIsGivenBack) {
     EXPECT_LT(PrivateMemory(), before + 2 * xml.size() * sizeof(wchar_t));
 }
 
-// Interfaces of COM have no virtual destructor, and nothing is deleted through one.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
-/// A class object that makes nothing, in the place of the one for documents.
-class NoDocuments : public IClassFactory {
-  public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
-        return *object == nullptr ? E_NOINTERFACE : S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID, void** object) override {
-        *object = nullptr;
-        ++m_asked;
-        return E_OUTOFMEMORY;
-    }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
-
-    int m_asked = 0;
-};
-
-#pragma GCC diagnostic pop
-
 TEST_F(HostileContactXml, DocumentThatCannotBeMadeLeavesTheRecordWithoutALine) {
-    constexpr CLSID kDocumentClass = {
-        0x2933BF90, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
     TakeLog();
-    int asked = 0;
-    std::thread([&] {
-        CoInitialize(nullptr);
-        NoDocuments factory;
-        DWORD cookie = 0;
-        ASSERT_EQ(CoRegisterClassObject(kDocumentClass, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
-                                        &cookie),
-                  S_OK);
-        Parse(L"<Contact><lFlag>8</lFlag><Mobile>555</Mobile></Contact>");
-        CoRevokeClassObject(cookie);
-        CoUninitialize();
-        asked = factory.m_asked;
-    }).join();
-    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(
+        DocumentsRefusedTo([this] { Parse(L"<Contact><lFlag>8</lFlag><Mobile>555</Mobile></Contact>"); }), 1);
     ExpectNothingRead();
     EXPECT_EQ(TakeLog(), LogLines());
 }

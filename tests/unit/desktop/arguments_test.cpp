@@ -75,7 +75,7 @@ TEST(Commands, AreRefusedBeforeAnythingHappens) {
              {L"write"},
              {L"write", L"contacts"},
              {L"write", L"letters", L"x.xml"},
-             {L"write", L"calendars", L"x.xml"},
+             {L"write", L"calendars"},
              {L"write", L"contacts", L"x.xml", L"--delete", L"00AB"},
          }) {
         EXPECT_EQ(RunDesktop(arguments), ExitCode::kUsage);

@@ -1,15 +1,16 @@
-// A document that was read becomes one that can be written.
-
-#include "desktop/contact_conversion.h"
+// A contact's document that was read becomes one that can be written.
 
 #include <gmock/gmock.h>
 
 #include "desktop/contact_pairs.h"
+#include "desktop/conversion.h"
 #include "desktop/failure.h"
+#include "desktop/item_document.h"
 
 namespace {
 
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 using ::testing::Not;
 
 /// A document of a read with the given elements between its folder and its categories.
@@ -19,8 +20,9 @@ CString Read(const CString& elements) {
 }
 
 CString Converted(const CString& text, bool asNew = false) {
-    ItemDocument document(L"Contact", text.View());
-    return ConvertContact(document, asNew);
+    const Conversion conversion = ConvertDocument(text.View(), asNew);
+    EXPECT_THAT(conversion.losses, IsEmpty());
+    return conversion.document;
 }
 
 /// The text of an element of the converted document.
@@ -99,7 +101,8 @@ TEST(ConvertContact, LeavesADeletionADeletion) {
 TEST(ConvertContact, RefusesWhatIsNoWholeDocumentOfARead) {
     ExpectRefused(L"");
     ExpectRefused(L"no document");
-    ExpectRefused(L"<Calendar/>");
+    ExpectRefused(L"<Contacts/>");
+    ExpectRefused(L"<Contact/>");
     // One whose message could not be opened: written back, it would empty the contact.
     ExpectRefused(
         L"<Contact><CsFolder>Contacts</CsFolder><LastName>Doe</LastName><PIMID>00AB</PIMID></Contact>");

@@ -1,0 +1,104 @@
+"""Calls that overlap writes: nothing is lost that the rules do not leave open."""
+
+import harness
+from contact_fields import fields
+from list_case import ListCase
+from message_case import Message, MessageCase
+from writing_case import ADD, CHANGE, LAST_NAME, document
+
+
+class Overlapping(MessageCase, ListCase):
+    """Several clients in one session, which nothing in the agent keeps apart."""
+
+    CLIENTS = 4
+    EACH = 50
+
+    def setUp(self):
+        super().setUp()
+        self.agent = self.place.start_agent()
+
+    def writer(self, name, count=EACH):
+        """Starts a client that adds contacts to the session that is open."""
+        texts = [document(ADD, LastName=f"{name}-{number}", FirstName=f"{name}-{number}", Body=f"{name}-{number} " * 1000)
+                 for number in range(count)]
+        return self.place.client("--no-endpoint", *self.writes(texts))
+
+    def assert_all_written(self, writers, *folders):
+        """Every write came back with an identifier of its own, and every contact is whole in one of the folders."""
+        identifiers = []
+        for writer in writers:
+            results = self.results(self.assert_exit(writer)[0].splitlines())
+            self.assertEqual([status for status, _, _ in results], [0] * self.EACH)
+            identifiers += [identifier for _, identifier, _ in results]
+        self.assertEqual(len(set(identifiers)), len(writers) * self.EACH)
+        messages = [Message(file) for folder in folders for file in folder.glob("*.msg")]
+        self.assertEqual(sorted(message.tags[LAST_NAME] for message in messages),
+                         sorted(f"{name}-{number}" for name in range(len(writers)) for number in range(self.EACH)))
+        for message in messages:
+            name = message.tags[LAST_NAME]
+            self.assertEqual((message.tags[0x3A06001F], message.tags[0x1000001F].split()), (name, [name] * 1000))
+
+    def log_on(self):
+        self.assertEqual(self.place.run_client("--no-endpoint", "logon")[0], ["logon 0"])
+
+    def test_adds_of_several_clients_are_all_there(self):
+        self.log_on()
+        writers = [self.writer(name) for name in range(self.CLIENTS)]
+        self.assert_all_written(writers, self.place.contacts)
+
+    def test_a_folder_that_is_replaced_meanwhile_loses_no_write(self):
+        other = self.place.folder("Work/Mail/Other")
+        (other / "folder.ini").write_text("[Folder]\r\nClass=IPF.Contact\r\n")
+        chosen = [f"contact-folder=<id>{self.identifier('Mail', name)}</id>" for name in ("Contacts", "Other")]
+        self.log_on()
+        writers = [self.writer(name) for name in range(self.CLIENTS)]
+        while any(writer.poll() is None for writer in writers):
+            lines, _ = self.place.run_client("--no-endpoint", *chosen * 80)
+            self.assertEqual(lines, ["contact-folder 0"] * 160)
+        self.assert_all_written(writers, self.place.contacts, other)
+        self.assertNotIn([], [list(folder.glob("*.msg")) for folder in (self.place.contacts, other)])
+
+    def test_logons_beside_changes_leave_each_contact_old_or_new(self):
+        identifiers = [self.add(LastName=f"{name}", Body=f"{name} " * 1000) for name in range(self.CLIENTS)]
+        self.log_on()
+        writers = [self.place.client("--no-endpoint", *self.writes(
+            document(CHANGE, identifier, LastName=f"{name}-{number}", Body=f"{name}-{number} " * 1000)
+            for number in range(self.EACH))) for name, identifier in enumerate(identifiers)]
+        while any(writer.poll() is None for writer in writers):
+            lines, _ = self.place.run_client("--no-endpoint", *["logon", "logoff"] * 20, "logon")
+            self.assertEqual(lines, ["logon 0"] * 21)
+        for identifier, writer in zip(identifiers, writers):
+            results = self.results(self.assert_exit(writer)[0].splitlines())
+            self.assertEqual([result[:2] for result in results], [(0, identifier)] * self.EACH)
+        messages = [Message(file) for file in self.place.contacts.glob("*.msg")]
+        self.assertEqual(len(messages), self.CLIENTS)
+        for message in messages:
+            self.assertEqual(message.tags[0x1000001F].split(), [message.tags[LAST_NAME]] * 1000)
+        self.assert_works()
+
+    def test_writes_of_one_contact_by_several_clients_leave_it_whole(self):
+        identifier = self.add(LastName="old")
+        self.log_on()
+        writers = [self.place.client("--no-endpoint", *self.writes(
+            document(CHANGE, identifier, LastName=f"{name}-{number}", Body=f"{name}-{number} " * 1000)
+            for number in range(self.EACH))) for name in range(self.CLIENTS)]
+        for writer in writers:
+            self.assert_exit(writer)
+        message = self.the_message()
+        self.assertEqual(message.tags[0x1000001F].split(), [message.tags[LAST_NAME]] * 1000)
+        # The last write of one of them.
+        self.assertTrue(message.tags[LAST_NAME].endswith(f"-{self.EACH - 1}"))
+        self.assertEqual(len(self.files()), 1)
+
+    def test_reads_and_counts_beside_writes_deliver_whole_contacts(self):
+        self.log_on()
+        writers = [self.writer(name) for name in range(2)]
+        lines, documents = self.place.run_client(*["count", "read"] * 10)
+        self.assertEqual([line.split()[0] for line in lines], ["count", "read"] * 10)
+        for contact in map(fields, documents):
+            self.assertEqual(contact["SP-BODY"].split(), [contact["LastName"]] * 1000)
+        self.assert_all_written(writers, self.place.contacts)
+
+
+if __name__ == "__main__":
+    harness.run()
