@@ -1,13 +1,16 @@
 // A desktop program for tests that wears the agent out: many rounds of everything, everything at once, and
 // Stop at any moment of a read. It prints what it saw; who runs it decides whether that is well.
 
+#define WIN32_NO_STATUS
 #include <windows.h>
+#undef WIN32_NO_STATUS
 
-#include <psapi.h>
+#include <ntstatus.h>
 #include <rpc.h>
-#include <tlhelp32.h>
+#include <winternl.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <cwchar>
 #include <random>
@@ -62,32 +65,64 @@ void BindToAgent() {
     Require(status, "RpcBindingFromStringBinding");
 }
 
-/// The agent's process, for a look at what it uses.
-Handle OpenAgent() {
-    const FileHandle processes(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-    PROCESSENTRY32W entry{};
-    entry.dwSize = sizeof(entry);
-    for (BOOL more = Process32FirstW(processes.Get(), &entry); more != FALSE;
-         more = Process32NextW(processes.Get(), &entry)) {
-        if (_wcsicmp(entry.szExeFile, kAgent) == 0) {
-            return Handle(
-                OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, entry.th32ProcessID));
+/// Asks the system for a list whose length is not known before.
+std::vector<std::uint64_t> QuerySystem(SYSTEM_INFORMATION_CLASS what) {
+    std::vector<std::uint64_t> buffer(8192);
+    for (;;) {
+        const auto size = static_cast<ULONG>(buffer.size() * sizeof(buffer[0]));
+        const NTSTATUS status = NtQuerySystemInformation(what, buffer.data(), size, nullptr);
+        if (NT_SUCCESS(status)) {
+            return buffer;
         }
+        if (status != STATUS_INFO_LENGTH_MISMATCH) {
+            throw std::runtime_error("the system does not tell what it runs");
+        }
+        buffer.resize(buffer.size() * 2);
     }
-    throw std::runtime_error("there is no agent");
 }
 
-/// What the agent uses now, on one line.
-void PrintFigures(const Handle& agent, unsigned long round) {
-    DWORD handles = 0;
-    PROCESS_MEMORY_COUNTERS_EX memory{};
-    if (GetProcessHandleCount(agent.Get(), &handles) == FALSE ||
-        GetProcessMemoryInfo(agent.Get(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&memory),
-                             sizeof(memory)) == FALSE) {
-        throw std::runtime_error("the agent does not tell what it uses");
+/// What the agent uses.
+struct Figures {
+    unsigned long handles = 0;
+    unsigned long long bytes = 0;
+};
+
+/// The agent's entry in a list of processes, one behind the other.
+const SYSTEM_PROCESS_INFORMATION& FindAgent(const std::vector<std::uint64_t>& processes) {
+    const auto* place = reinterpret_cast<const BYTE*>(processes.data());
+    for (;;) {
+        const auto& process = *reinterpret_cast<const SYSTEM_PROCESS_INFORMATION*>(place);
+        const std::wstring name(process.ImageName.Buffer, process.ImageName.Length / sizeof(wchar_t));
+        if (name.ends_with(kAgent)) {
+            return process;
+        }
+        if (process.NextEntryOffset == 0) {
+            throw std::runtime_error("there is no agent");
+        }
+        place += process.NextEntryOffset;
     }
-    std::printf("round %lu handles %lu bytes %llu documents %lu\n", round, handles,
-                static_cast<unsigned long long>(memory.PrivateUsage), g_documents.load());
+}
+
+/// Asked of the system and not of the agent's process, and counted one by one: not every system keeps a
+/// count.
+Figures QueryFigures() {
+    const std::vector<std::uint64_t> processes = QuerySystem(SystemProcessInformation);
+    const SYSTEM_PROCESS_INFORMATION& agent = FindAgent(processes);
+    const std::vector<std::uint64_t> list = QuerySystem(SystemHandleInformation);
+    const auto& handles = *reinterpret_cast<const SYSTEM_HANDLE_INFORMATION*>(list.data());
+    Figures figures;
+    figures.bytes = agent.VirtualMemoryCounters.PagefileUsage;
+    for (ULONG i = 0; i < handles.Count; ++i) {
+        figures.handles +=
+            handles.Handle[i].OwnerPid == reinterpret_cast<std::uintptr_t>(agent.UniqueProcessId);
+    }
+    return figures;
+}
+
+void PrintFigures(unsigned long round) {
+    const Figures figures = QueryFigures();
+    std::printf("round %lu handles %lu bytes %llu documents %lu\n", round, figures.handles, figures.bytes,
+                g_documents.load());
     std::fflush(stdout);
 }
 
@@ -199,20 +234,18 @@ void Round(unsigned long cycles) {
 }
 
 void Soak(unsigned long rounds, unsigned long cycles) {
-    const Handle agent = OpenAgent();
     for (unsigned long round = 1; round <= rounds; ++round) {
         g_documents = 0;
         Round(cycles);
-        PrintFigures(agent, round);
+        PrintFigures(round);
     }
 }
 
 void SoakLogons(unsigned long rounds) {
-    const Handle agent = OpenAgent();
     for (unsigned long round = 1; round <= rounds; ++round) {
         LogOn();
         LogOff();
-        PrintFigures(agent, round);
+        PrintFigures(round);
     }
 }
 

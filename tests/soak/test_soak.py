@@ -35,6 +35,7 @@ class Soak(harness.Case):
     def setUp(self):
         super().setUp()
         self.place.settings(subfolder="true")
+        self.place.folder("Work/Mail/Calendar")
         self.place.make_contacts([[tag_line("3A06001F", f"Ada {number}")] for number in range(ITEMS)])
         self.place.make_items(appointment(f"Review {number}") for number in range(ITEMS))
         self.agent = self.place.start_agent(FENNIC64_LEVEL="3")
@@ -68,8 +69,9 @@ class Soak(harness.Case):
             f"{handles[-1]}, {per_round:.2f} a round of which {left:.2f} are left by its logon; memory "
             f"{size[settled] >> 10} to {size[-1] >> 10} KB, {kilobytes:.1f} KB a round beyond its logon")
         self.assertLess(abs(per_round - left), 0.5)
-        # A leaked item would be of some kilobytes, and a round has as many as it has documents and writes.
-        self.assertLess(kilobytes, documents[-1] / 8)
+        # What the agent itself allocates is counted in one process (tests/faults/growth_test.cpp). This is the RPC runtime's
+        # and the XML service's, which is some hundred bytes a call under Wine.
+        self.assertLess(kilobytes, 2 * (documents[-1] + 12 * CYCLES))
 
     def test_stop_ends_a_read_at_any_moment(self):
         seed = int(os.environ.get("ZEB_SEED", "20111"))
