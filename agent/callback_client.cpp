@@ -7,6 +7,21 @@
 #include "support/rpc_endpoints.h"
 #include "support/rpc_guard.h"
 
+namespace {
+
+/// Calls one of the procedures that take a text.
+void SendBack(void (*procedure)(wchar_t*), const CString& xml) {
+    if (g_hOutlookBinding == nullptr) {
+        // What the runtime raises then. Wine's returns instead, and leaves a handler of exceptions behind on
+        // the thread that is none any more: the next exception there would end the process.
+        throw RpcFailure(RPC_S_INVALID_BINDING);
+    }
+    auto* const text = const_cast<wchar_t*>(xml.c_str());
+    GuardedRpc([procedure, text] { procedure(text); });
+}
+
+}  // namespace
+
 int BindOutlookServer() {
     RPC_WSTR text = nullptr;
     RPC_STATUS status = g_rpc.stringBindingCompose(nullptr, RpcText(kProtocolSequence), nullptr,
@@ -36,11 +51,9 @@ void SendServerShutdown() {
 }
 
 void SendBackOneContact(const CString& xml) {
-    auto* const text = const_cast<wchar_t*>(xml.c_str());
-    GuardedRpc([text] { MAPISendBackOneContact(text); });
+    SendBack(&MAPISendBackOneContact, xml);
 }
 
 void SendBackOneCalendar(const CString& xml) {
-    auto* const text = const_cast<wchar_t*>(xml.c_str());
-    GuardedRpc([text] { MAPISendBackOneCalenda(text); });
+    SendBack(&MAPISendBackOneCalenda, xml);
 }

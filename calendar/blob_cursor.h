@@ -14,7 +14,8 @@
 class BlobCursor {
   public:
     /// The bytes stay the caller's.
-    BlobCursor(const std::uint8_t* bytes, std::uint32_t size) noexcept : m_bytes(bytes), m_size(size) {}
+    BlobCursor(const std::uint8_t* bytes, std::uint32_t size) noexcept
+        : m_bytes(bytes), m_size(size), m_unitsLeft(size / sizeof(std::uint16_t)) {}
 
     /// Reads a number of 16 or 32 bits.
     template<class Number>
@@ -40,14 +41,18 @@ class BlobCursor {
     }
 
     /// Reads a text of 16-bit units. One that does not wholly lie in front of the end is empty, and the place
-    /// stays. A null unit ends the text, and the place moves on behind all units.
+    /// stays. A null unit ends the text, and the place moves on behind all units. Texts that lie in each
+    /// other could take any amount of memory, so one is empty too that is longer than what the blob has room
+    /// for beside the texts before it.
     [[nodiscard]] CString TakeText(std::uint16_t units) {
         CString text;
         if (!HasRoom(std::uint32_t{units} * 2U)) {
             return text;
         }
         const std::uint32_t end = m_offset + std::uint32_t{units} * 2U;
-        while (m_offset < end) {
+        const bool isKept = units <= m_unitsLeft;
+        m_unitsLeft -= isKept ? units : 0;
+        while (isKept && m_offset < end) {
             const auto unit = Take<std::uint16_t>();
             if (unit == 0) {
                 break;
@@ -79,5 +84,6 @@ class BlobCursor {
 
     const std::uint8_t* m_bytes;
     std::uint32_t m_size;
+    std::uint32_t m_unitsLeft;  ///< of all texts
     std::uint32_t m_offset = 0;
 };

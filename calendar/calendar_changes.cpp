@@ -65,18 +65,17 @@ void SendDeletedCalendar(const tagLogItem& item, int index, int total) {
 
 }  // namespace
 
-int CMAPIObject::ReadCalendarEventLogFromFolder(const SBinary& entryId,
+int CMAPIObject::ReadCalendarEventLogFromFolder(IMAPIFolder* chosen, const SBinary& entryId,
                                                 CArray<tagLogItem, const tagLogItem&>& items) const {
-    const ComPtr<IMAPIFolder> chosen = m_lpEventFolder;
     const FolderLog log{kCalendarItems, L"ReadCalendarEventLogFromFolder", m_bStop};
-    return ReadFolderLog(log, chosen.Get(), entryId, items);
+    return ReadFolderLog(log, chosen, entryId, items);
 }
 
-int CMAPIObject::ReadCalendarEventFromLog(const CArray<tagLogItem, const tagLogItem&>& items,
+int CMAPIObject::ReadCalendarEventFromLog(IMAPIFolder* chosen,
+                                          const CArray<tagLogItem, const tagLogItem&>& items,
                                           const CString& path) {
-    const ComPtr<IMAPIFolder> chosen = m_lpEventFolder;
     const auto sendWhole = [&](const tagLogItem& item) {
-        SendChangedCalendar(chosen.Get(), item, path, m_CurrentTimeZone);
+        SendChangedCalendar(chosen, item, path, m_CurrentTimeZone);
     };
     const auto sendDeletion = [&](const tagLogItem& item, int index) {
         SendDeletedCalendar(item, index, m_nItemTotal);

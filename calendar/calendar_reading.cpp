@@ -18,35 +18,40 @@ constexpr WPARAM kReadSucceeded = 0x10000022;
 constexpr WPARAM kReadFailed = 0x10000014;
 constexpr LPARAM kInterrupted = 21;
 
-}  // namespace
-
-long CMAPIObject::GetCalendarCount() const {
+/// The count between the lines of the remote procedure; 0 for a null folder.
+long CountCalendars(IMAPIFolder* chosen) {
     Log(kLogTrace, L"CMAPIObject::GetCalendarCount - Begin\r\n");
-    const long count = GetCalendarEventCount();
+    const long count = CMAPIObject::GetCalendarEventCount(chosen);
     Log(kLogTrace, L"CMAPIObject::GetCalendarCount - Finish\r\n");
     return count;
 }
 
-long CMAPIObject::GetCalendarEventCount() const {
+}  // namespace
+
+long CMAPIObject::GetCalendarCount() const {
+    const HeldObjects held = Hold(m_lpEventFolder);
+    return CountCalendars(held.folder.Get());
+}
+
+long CMAPIObject::GetCalendarEventCount(IMAPIFolder* chosen) {
     Log(kLogTrace, L"CMAPIObject::GetCalendarEventCount - Begin\r\n");
     ULONG count = 0;
-    if (const ComPtr<IMAPIFolder> chosen = m_lpEventFolder) {
-        const FolderIdentity identity = GetFolderIdentity(chosen.Get());
+    if (chosen != nullptr) {
+        const FolderIdentity identity = GetFolderIdentity(chosen);
         LogResult(L"GetCalendarEventCount", L"m_lpEventFolder->GetProps", identity.result);
         if (identity.IsKnown()) {
-            count = GetCalendarEventCountFromFolder(identity.EntryId());
+            count = GetCalendarEventCountFromFolder(chosen, identity.EntryId());
         }
     }
     Log(kLogTrace, L"CMAPIObject::GetCalendarEventCount - Finish\r\n");
     return static_cast<long>(count);
 }
 
-ULONG CMAPIObject::GetCalendarEventCountFromFolder(const SBinary& entryId) const {
+ULONG CMAPIObject::GetCalendarEventCountFromFolder(IMAPIFolder* chosen, const SBinary& entryId) {
     static constexpr FolderCount kCount{kCalendarItems, L"GetCalendarEventCountFromFolder",
                                         L"NULL or INVALID Parameter", L"OpenEntry Failed or NULL lpContainer",
                                         nullptr};
-    const ComPtr<IMAPIFolder> chosen = m_lpEventFolder;
-    return CountFolderItems(kCount, chosen.Get(), entryId);
+    return CountFolderItems(kCount, chosen, entryId);
 }
 
 int CMAPIObject::ReadCalendars(const wchar_t* lParam1) {
@@ -65,11 +70,12 @@ int CMAPIObject::ReadCalendars(const wchar_t* lParam1) {
 }
 
 bool CMAPIObject::CountAndReadCalendars(const CString& lParam1) {
+    const HeldObjects held = Hold(m_lpEventFolder);
     LoadTimeZones(m_arrTimeZones);
     m_nItemsSent = 0;
-    m_nItemTotal = static_cast<int>(GetCalendarCount());
+    m_nItemTotal = static_cast<int>(CountCalendars(held.folder.Get()));
     Log(kLogTrace, L"CMAPIObject::ReadCalenda - Calendar Count(%d)\r\n", m_nItemTotal);
-    return ReadCalendarEvent(lParam1) != 0;
+    return ReadCalendarEvent(held.folder.Get(), lParam1) != 0;
 }
 
 /// The lines name the other kind of read; programs that follow the log know them so.
@@ -87,11 +93,11 @@ void CMAPIObject::ReportCalendarRead(bool succeeded) const {
     }
 }
 
-int CMAPIObject::ReadCalendarEvent(const CString& lParam1) {
+int CMAPIObject::ReadCalendarEvent(IMAPIFolder* chosen, const CString& lParam1) {
     Log(kLogTrace, L"CMAPIObject::ReadCalendarEvent - Begin\r\n");
     bool succeeded = false;
     try {
-        succeeded = ReadChosenCalendar(lParam1);
+        succeeded = ReadChosenCalendar(chosen, lParam1);
     } catch (...) {
         succeeded = false;
     }
@@ -99,41 +105,41 @@ int CMAPIObject::ReadCalendarEvent(const CString& lParam1) {
     return succeeded ? 1 : 0;
 }
 
-bool CMAPIObject::ReadChosenCalendar(const CString& lParam1) {
-    const ComPtr<IMAPIFolder> chosen = m_lpEventFolder;
-    if (!chosen) {
+bool CMAPIObject::ReadChosenCalendar(IMAPIFolder* chosen, const CString& lParam1) {
+    if (chosen == nullptr) {
         Log(kLogFailure, L"CMAPIObject::ReadCalendarEvent - NULL m_lpEventFolder\r\n");
         AfxThrowUserException();
     }
-    const FolderIdentity identity = GetFolderIdentity(chosen.Get());
+    const FolderIdentity identity = GetFolderIdentity(chosen);
     LogResult(L"ReadContacts", L"m_lpEventFolder->GetProps", identity.result);
     if (!identity.IsKnown()) {
         Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to GetProps or NULL lpPropValues\r\n");
         AfxThrowUserException();
     }
-    const bool succeeded =
-        lParam1.empty() ? ReadAllCalendars(identity) : ReadChangedCalendars(identity, lParam1);
+    const bool succeeded = lParam1.empty() ? ReadAllCalendars(chosen, identity)
+                                           : ReadChangedCalendars(chosen, identity, lParam1);
     Log(kLogTrace, L"CMAPIObject::before pfnfreeBuffer\r\n");
     return succeeded;
 }
 
-bool CMAPIObject::ReadAllCalendars(const FolderIdentity& identity) {
+bool CMAPIObject::ReadAllCalendars(IMAPIFolder* chosen, const FolderIdentity& identity) {
     Log(kLogFailure, L"CMAPIObject::ReadCalendarEvent - NULL lParam1\r\n");
     if (m_nItemTotal < 1) {
         Log(kLogFailure, L"CMAPIObject::ReadCalendarEvent - No Calendar to Read\r\n");
         return true;
     }
-    if (ReadCalendarEventFromFolder(identity.EntryId(), identity.DisplayName()) == 0) {
+    if (ReadCalendarEventFromFolder(chosen, identity.EntryId(), identity.DisplayName()) == 0) {
         Log(kLogFailure, L"CMAPIObject::ReadCalendarEvent - Failed to read from folder\r\n");
         return false;
     }
     return true;
 }
 
-bool CMAPIObject::ReadChangedCalendars(const FolderIdentity& identity, const CString& mapFile) {
+bool CMAPIObject::ReadChangedCalendars(IMAPIFolder* chosen, const FolderIdentity& identity,
+                                       const CString& mapFile) {
     Log(kLogTrace, L"CMAPIObject::ReadCalendarEvent - Map File(%s)\r\n", mapFile.c_str());
     LogItems items;
-    if (ReadCalendarEventLogFromFolder(identity.EntryId(), items) == 0) {
+    if (ReadCalendarEventLogFromFolder(chosen, identity.EntryId(), items) == 0) {
         Log(kLogFailure, L"CMAPIObject::ReadCalendarEvent - Failed to read from log\r\n");
         return false;
     }
@@ -143,7 +149,7 @@ bool CMAPIObject::ReadChangedCalendars(const FolderIdentity& identity, const CSt
         Log(kLogFailure, L"CMAPIObject::ReadCalendarEvent - No Change\r\n");
     } else {
         Log(kLogTrace, L"CMAPIObject::ReadCalendarEvent - Read Changes\r\n");
-        succeeded = ReadCalendarEventFromLog(items, identity.DisplayName()) != 0;
+        succeeded = ReadCalendarEventFromLog(chosen, items, identity.DisplayName()) != 0;
         if (!succeeded) {
             Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to read calendars from log\r\n");
         }
@@ -152,17 +158,16 @@ bool CMAPIObject::ReadChangedCalendars(const FolderIdentity& identity, const CSt
     return succeeded;
 }
 
-int CMAPIObject::ReadCalendarEventFromFolder(const SBinary& entryId, const CString& path) {
-    const ComPtr<IMAPIFolder> chosen = m_lpEventFolder;
+int CMAPIObject::ReadCalendarEventFromFolder(IMAPIFolder* chosen, const SBinary& entryId,
+                                             const CString& path) {
     // The first line says Finish, as the last one does; programs that follow the log know it so.
-    const FolderRead read{
-        kCalendarItems,
-        L"ReadCalendarEventFromFolder",
-        L"Finish",
-        kCalendarColumns,
-        m_bStop,
-        [&](const SRow& row, const CString& rowPath) { SendCalendarRow(chosen.Get(), row, rowPath); }};
-    return ReadFolderItems(read, chosen.Get(), entryId, path);
+    const FolderRead read{kCalendarItems,
+                          L"ReadCalendarEventFromFolder",
+                          L"Finish",
+                          kCalendarColumns,
+                          m_bStop,
+                          [&](const SRow& row, const CString& rowPath) { SendCalendarRow(chosen, row, rowPath); }};
+    return ReadFolderItems(read, chosen, entryId, path);
 }
 
 void CMAPIObject::SendCalendarRow(IMAPIFolder* chosen, const SRow& row, const CString& path) {

@@ -50,26 +50,26 @@ int CMAPIObject::UpdateCalendar(CCalendarEx* calendar) const {
 
 int CMAPIObject::DeleteCalendar(CCalendarEx* calendar) const {
     return RunLogged(L"DeleteCalendar", [&] {
-        const ComPtr<IMAPIFolder> folder = m_lpEventFolder;
-        return calendar != nullptr && DeleteItem(folder.Get(), calendar->m_strPIMID);
+        const HeldObjects held = Hold(m_lpEventFolder);
+        return calendar != nullptr && DeleteItem(held.folder.Get(), calendar->m_strPIMID);
     });
 }
 
 int CMAPIObject::AddCalendarEvent(CCalendarEx* calendar) const {
     return RunLogged(L"AddCalendarEvent", [&] {
-        const ComPtr<IMAPIFolder> folder = m_lpEventFolder;
-        return calendar != nullptr && AddItem(folder.Get(), calendar->m_strPIMID, [&](IMessage* message) {
-                   return UpdateCalendarEventMessage(message, calendar);
-               });
+        const HeldObjects held = Hold(m_lpEventFolder);
+        return calendar != nullptr &&
+               AddItem(held.folder.Get(), calendar->m_strPIMID,
+                       [&](IMessage* message) { return UpdateCalendarEventMessage(message, calendar); });
     });
 }
 
 int CMAPIObject::UpdateCalendarEvent(CCalendarEx* calendar) const {
     return RunLogged(L"UpdateCalendarEvent", [&] {
-        const ComPtr<IMAPIFolder> folder = m_lpEventFolder;
-        return calendar != nullptr && UpdateItem(folder.Get(), calendar->m_strPIMID, [&](IMessage* message) {
-                   return UpdateCalendarEventMessage(message, calendar);
-               });
+        const HeldObjects held = Hold(m_lpEventFolder);
+        return calendar != nullptr &&
+               UpdateItem(held.folder.Get(), calendar->m_strPIMID,
+                          [&](IMessage* message) { return UpdateCalendarEventMessage(message, calendar); });
     });
 }
 

@@ -7,7 +7,6 @@
 #include "calendar/recurrence_blob.h"
 #include "calendar/recurrence_xml_output.h"
 #include "calendar/zone_blob.h"
-#include "mapi/hex_text.h"
 #include "mapi/property_tags.h"
 
 namespace {
@@ -37,17 +36,10 @@ CString TimeOf(IMessage* message, LONG id) {
 }
 
 void AppendRowValue(CXMLParser& document, CString& id, const SPropValue& value) {
+    if (TakeCommonRowValue(document, id, value)) {
+        return;
+    }
     switch (value.ulPropTag) {
-        case PR_ENTRYID:
-        case PR_LONGTERM_ENTRYID_FROM_TABLE:
-            id = BinaryToHexString(value.Value.bin.lpb, value.Value.bin.cb);
-            return;
-        case PR_CREATION_TIME:
-            AppendElement(document, L"CreateTime", DateAndTimeText(value.Value.ft));
-            return;
-        case PR_LAST_MODIFICATION_TIME:
-            AppendElement(document, L"lastModifiedTime", DateAndTimeText(value.Value.ft));
-            return;
         case PR_SUBJECT_W:
             AppendElement(document, L"Description", CString(value.Value.lpszW));
             return;

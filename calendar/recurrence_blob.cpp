@@ -31,8 +31,8 @@ struct TextLengths {
 /// True for a count that only damage explains. What is not there stands as zeros and is told of in the
 /// document, each with a paragraph, so a few bytes must not ask for many.
 bool IsBeyondReason(std::uint32_t count, const BlobCursor& cursor) {
-    const bool isThere = count <= cursor.Remaining() / sizeof(std::uint32_t);
-    return count > kMostInstances || (count > kMostMissing && !isThere);
+    const auto there = static_cast<std::uint32_t>(cursor.Remaining() / sizeof(std::uint32_t));
+    return count > kMostInstances || (count > there && count - there > kMostMissing);
 }
 
 /// An array of as many elements as dates follow at the cursor, or null for none and if there is no memory.
@@ -98,7 +98,7 @@ void ReadDates(BlobCursor& cursor, tagRecurrenceException& exception) {
 void SkipNarrowText(BlobCursor& cursor, TextLengths& lengths) {
     cursor.Read(lengths.withTerminator);
     cursor.Read(lengths.characters);
-    if (lengths.characters != 0 && lengths.characters == lengths.withTerminator - 1) {
+    if (lengths.characters == lengths.withTerminator - 1) {
         cursor.Skip(lengths.characters);
     }
 }

@@ -9,7 +9,7 @@
 /// there is no memory: a blob of a few bytes must not take gigabytes.
 constexpr std::uint32_t kMostInstances = 1'048'576;
 
-/// The most that it is made for if the blob ends before that many dates; the missing ones are zero.
+/// The most of them that the blob may end before; these are zero.
 constexpr std::uint32_t kMostMissing = 4096;
 
 /// Reads PidLidAppointmentRecur (MS-OXOCAL 2.2.1.44.5) into a new record. Nothing is checked for

@@ -52,17 +52,16 @@ void SendDeletedContact(const tagLogItem& item) {
 
 }  // namespace
 
-int CMAPIObject::ReadContactLogFromFolder(const SBinary& entryId,
+int CMAPIObject::ReadContactLogFromFolder(IMAPIFolder* chosen, const SBinary& entryId,
                                           CArray<tagLogItem, const tagLogItem&>& items) const {
-    const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
     const FolderLog log{kContactItems, L"ReadContactLogFromFolder", m_bStop};
-    return ReadFolderLog(log, chosen.Get(), entryId, items);
+    return ReadFolderLog(log, chosen, entryId, items);
 }
 
-int CMAPIObject::ReadContactFromLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path) {
-    const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
+int CMAPIObject::ReadContactFromLog(IMAPIFolder* chosen, const CArray<tagLogItem, const tagLogItem&>& items,
+                                    const CString& path) {
     const MarkedItemRead read{kOperation, &m_bStop, m_nItemTotal,
-                              [&](const tagLogItem& item) { SendChangedContact(chosen.Get(), item, path); },
+                              [&](const tagLogItem& item) { SendChangedContact(chosen, item, path); },
                               [](const tagLogItem& item, int /*index*/) { SendDeletedContact(item); }};
     return SendMarkedItems(read, items);
 }

@@ -15,27 +15,32 @@ constexpr UINT kProgressMessage = 2524;
 constexpr WPARAM kContactProgress = 0x10002;
 constexpr LPARAM kAllDone = 100;
 
-}  // namespace
-
-long CMAPIObject::GetContactCount() const {
+/// The count between its lines; 0 for a null folder.
+long CountContacts(IMAPIFolder* chosen) {
     Log(kLogTrace, L"CMAPIObject::GetContactCount - Begin\r\n");
     ULONG count = 0;
-    if (const ComPtr<IMAPIFolder> chosen = m_lpContactFolder) {
-        const FolderIdentity identity = GetFolderIdentity(chosen.Get());
+    if (chosen != nullptr) {
+        const FolderIdentity identity = GetFolderIdentity(chosen);
         Log(kLogTrace, L"CMAPIObject::GetContactCount - GetProps(0X%08X)\r\n", identity.result);
         if (identity.IsKnown()) {
-            count = GetContactCountFromFolder(identity.EntryId());
+            count = CMAPIObject::GetContactCountFromFolder(chosen, identity.EntryId());
         }
     }
     Log(kLogTrace, L"CMAPIObject::GetContactCount - Finish\r\n");
     return static_cast<long>(count);
 }
 
-ULONG CMAPIObject::GetContactCountFromFolder(const SBinary& entryId) const {
+}  // namespace
+
+long CMAPIObject::GetContactCount() const {
+    const HeldObjects held = Hold(m_lpContactFolder);
+    return CountContacts(held.folder.Get());
+}
+
+ULONG CMAPIObject::GetContactCountFromFolder(IMAPIFolder* chosen, const SBinary& entryId) {
     static constexpr FolderCount kCount{kContactItems, L"GetContactCountFromFolder", L"INVALID Parameter",
                                         nullptr, L"Get Count from SubFolder"};
-    const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
-    return CountFolderItems(kCount, chosen.Get(), entryId);
+    return CountFolderItems(kCount, chosen, entryId);
 }
 
 int CMAPIObject::ReadContacts(const wchar_t* lParam1) {
@@ -53,40 +58,43 @@ int CMAPIObject::ReadContacts(const wchar_t* lParam1) {
 }
 
 bool CMAPIObject::ReadChosenContacts(const CString& lParam1) {
-    const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
-    if (!chosen) {
+    const HeldObjects held = Hold(m_lpContactFolder);
+    IMAPIFolder* const chosen = held.folder.Get();
+    if (chosen == nullptr) {
         Log(kLogFailure, L"CMAPIObject::ReadContacts - NULL m_lpContactFolder\r\n");
         AfxThrowUserException();
     }
     m_nItemsSent = 0;
-    m_nItemTotal = static_cast<int>(GetContactCount());
+    m_nItemTotal = static_cast<int>(CountContacts(chosen));
     Log(kLogTrace, L"CMAPIObject::ReadContacts - Contact Count(%d)\r\n", m_nItemTotal);
 
-    const FolderIdentity identity = GetFolderIdentity(chosen.Get());
+    const FolderIdentity identity = GetFolderIdentity(chosen);
     Log(kLogTrace, L"CMAPIObject::ReadContacts - m_lpContactFolder->GetProps(0X%08X)\r\n", identity.result);
     if (!identity.IsKnown()) {
         Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to GetProps or NULL lpPropValues\r\n");
         AfxThrowUserException();
     }
-    return lParam1.empty() ? ReadAllContacts(identity) : ReadChangedContacts(identity, lParam1);
+    return lParam1.empty() ? ReadAllContacts(chosen, identity)
+                           : ReadChangedContacts(chosen, identity, lParam1);
 }
 
-bool CMAPIObject::ReadAllContacts(const FolderIdentity& identity) {
+bool CMAPIObject::ReadAllContacts(IMAPIFolder* chosen, const FolderIdentity& identity) {
     Log(kLogFailure, L"CMAPIObject::ReadContacts - Read All Items(NULL lParam1)\r\n");
     if (m_nItemTotal <= 0) {
         return true;
     }
-    if (ReadContactFromFolder(identity.EntryId(), identity.DisplayName()) == 0) {
+    if (ReadContactFromFolder(chosen, identity.EntryId(), identity.DisplayName()) == 0) {
         Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to read contacts from folder\r\n");
         return false;
     }
     return true;
 }
 
-bool CMAPIObject::ReadChangedContacts(const FolderIdentity& identity, const CString& mapFile) {
+bool CMAPIObject::ReadChangedContacts(IMAPIFolder* chosen, const FolderIdentity& identity,
+                                      const CString& mapFile) {
     Log(kLogTrace, L"CMAPIObject::ReadContacts - Read Changed Items(%s)\r\n", mapFile.c_str());
     LogItems items;
-    if (ReadContactLogFromFolder(identity.EntryId(), items) == 0) {
+    if (ReadContactLogFromFolder(chosen, identity.EntryId(), items) == 0) {
         Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to read contacts from log\r\n");
         return false;
     }
@@ -97,22 +105,21 @@ bool CMAPIObject::ReadChangedContacts(const FolderIdentity& identity, const CStr
         return true;
     }
     Log(kLogTrace, L"CMAPIObject::ReadContacts - Read Changes\r\n");
-    if (ReadContactFromLog(items, identity.DisplayName()) == 0) {
+    if (ReadContactFromLog(chosen, items, identity.DisplayName()) == 0) {
         Log(kLogFailure, L"CMAPIObject::ReadContacts - Failed to read contacts from log\r\n");
         return false;
     }
     return true;
 }
 
-int CMAPIObject::ReadContactFromFolder(const SBinary& entryId, const CString& path) {
-    const ComPtr<IMAPIFolder> chosen = m_lpContactFolder;
+int CMAPIObject::ReadContactFromFolder(IMAPIFolder* chosen, const SBinary& entryId, const CString& path) {
     const FolderRead read{kContactItems,
                           L"ReadContactFromFolder",
                           L"Begin",
                           kContactColumns,
                           m_bStop,
-                          [&](const SRow& row, const CString& rowPath) { SendContactRow(chosen.Get(), row, rowPath); }};
-    return ReadFolderItems(read, chosen.Get(), entryId, path);
+                          [&](const SRow& row, const CString& rowPath) { SendContactRow(chosen, row, rowPath); }};
+    return ReadFolderItems(read, chosen, entryId, path);
 }
 
 void CMAPIObject::SendContactRow(IMAPIFolder* chosen, const SRow& row, const CString& path) {

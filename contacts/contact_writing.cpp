@@ -32,8 +32,8 @@ void CMAPIObject::WriteOneContact(CContactEx* contact) const {
 
 int CMAPIObject::AddContact(CContactEx* contact) const {
     return RunLogged(L"AddContact", [&] {
-        const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
-        return contact != nullptr && AddItem(folder.Get(), contact->m_strPIMID, [&](IMessage* message) {
+        const HeldObjects held = Hold(m_lpContactFolder);
+        return contact != nullptr && AddItem(held.folder.Get(), contact->m_strPIMID, [&](IMessage* message) {
                    return UpdateContactMessage(message, contact);
                });
     });
@@ -41,17 +41,17 @@ int CMAPIObject::AddContact(CContactEx* contact) const {
 
 int CMAPIObject::UpdateContact(CContactEx* contact) const {
     return RunLogged(L"UpdateContact", [&] {
-        const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
-        return contact != nullptr && UpdateItem(folder.Get(), contact->m_strPIMID, [&](IMessage* message) {
-                   return UpdateContactMessage(message, contact);
-               });
+        const HeldObjects held = Hold(m_lpContactFolder);
+        return contact != nullptr &&
+               UpdateItem(held.folder.Get(), contact->m_strPIMID,
+                          [&](IMessage* message) { return UpdateContactMessage(message, contact); });
     });
 }
 
 int CMAPIObject::DeleteContact(CContactEx* contact) const {
     return RunLogged(L"DeleteContact", [&] {
-        const ComPtr<IMAPIFolder> folder = m_lpContactFolder;
-        return contact != nullptr && DeleteItem(folder.Get(), contact->m_strPIMID);
+        const HeldObjects held = Hold(m_lpContactFolder);
+        return contact != nullptr && DeleteItem(held.folder.Get(), contact->m_strPIMID);
     });
 }
 

@@ -5,7 +5,6 @@
 #include "contacts/contact_fields.h"
 #include "contacts/contact_photo.h"
 #include "contacts/im_address.h"
-#include "mapi/hex_text.h"
 #include "mapi/named_properties.h"
 #include "mapi/property_tags.h"
 #include "timezone/conversions.h"
@@ -72,17 +71,10 @@ CString AnniversaryText(const FILETIME& utc) {
 }
 
 void AppendRowValue(CXMLParser& document, CString& id, const SPropValue& value) {
+    if (TakeCommonRowValue(document, id, value)) {
+        return;
+    }
     switch (value.ulPropTag) {
-        case PR_ENTRYID:
-        case PR_LONGTERM_ENTRYID_FROM_TABLE:
-            id = BinaryToHexString(value.Value.bin.lpb, value.Value.bin.cb);
-            return;
-        case PR_CREATION_TIME:
-            AppendElement(document, L"CreateTime", DateAndTimeText(value.Value.ft));
-            return;
-        case PR_LAST_MODIFICATION_TIME:
-            AppendElement(document, L"lastModifiedTime", DateAndTimeText(value.Value.ft));
-            return;
         case PR_WEDDING_ANNIVERSARY:
             AppendElement(document, L"Anniversary", AnniversaryText(value.Value.ft));
             return;

@@ -24,6 +24,9 @@ constexpr std::int32_t kYearly = 4;
 
 constexpr std::int32_t kMondayToFriday = 62;
 
+/// The one kind of calendar item that is written.
+constexpr std::int32_t kAppointment = 3;
+
 [[noreturn]] void ThrowRefused(const wchar_t* message) {
     throw Failure(ExitCode::kDocumentRefused, message);
 }
@@ -75,13 +78,21 @@ void AddSeries(ItemDocument& read, WrittenDocument& written) {
 void TellSeriesLosses(ItemDocument& read, std::vector<CString>& losses) {
     const CString exceptions = ExceptionWords(read.Field(L"ExceptionRule"));
     if (!exceptions.empty()) {
-        losses.push_back(L"the exceptions of its series cannot be written (" + exceptions +
-                         L"): a write makes them instances like all others");
+        losses.emplace_back(L"the exceptions of its series cannot be written (" + exceptions +
+                            L"): a write makes them instances like all others");
     }
     if (read.Field(L"TimeZone") != MachineZoneText()) {
-        losses.push_back(
+        losses.emplace_back(
             L"its series is of another time zone than this machine, which a write makes it one of");
     }
+}
+
+/// The zone of a single appointment that is not this machine's, in the form by which a write finds one: the
+/// text in front of its rules. Empty for this machine's, which a write takes by itself. A series has its
+/// times by the clocks of this machine, so it must not name another zone.
+CString OtherZoneOf(ItemDocument& read) {
+    const CString zone = read.Field(L"TimeZone");
+    return zone == MachineZoneText() ? CString() : CString(zone.substr(0, zone.find(L";STD:")));
 }
 
 bool IsMidnight(const CString& time) {
@@ -91,21 +102,34 @@ bool IsMidnight(const CString& time) {
 
 }  // namespace
 
+const wchar_t* ObjectionToCalendar(ItemDocument& document) {
+    return NumberOf(document, L"lCalType") == kAppointment
+               ? nullptr
+               : L"its lCalType is not 3, so it is no appointment that is written";
+}
+
+bool IsWholeCalendar(ItemDocument& document) {
+    // The last element of its message, and one of the two that tell whether it is a series.
+    return document.Has(L"TimeZone") && (document.Has(L"RecurType") || document.Has(L"lRecurType"));
+}
+
 std::vector<CString> ConvertCalendar(ItemDocument& read, WrittenDocument& written) {
     std::vector<CString> losses;
     for (const wchar_t* name : kElements) {
         written.Add(name, read.Field(name));
     }
-    if (!read.Has(L"RecurType")) {
+    if (read.Has(L"RecurType")) {
+        written.Add(L"TimeZone", OtherZoneOf(read));
+    } else {
         RequireSeries(read);
         AddSeries(read, written);
         TellSeriesLosses(read, losses);
     }
-    // Whatever else is not written.
-    written.Add(L"lCalType", L"3");
+    written.Add(L"lCalType", CString::FromNumber(kAppointment));
     if (read.Field(L"bAlldayEvent") == L"TRUE" &&
         !(IsMidnight(read.Field(L"dtStartTime")) && IsMidnight(read.Field(L"dtEndTime")))) {
-        losses.push_back(L"its whole days are not from midnight to midnight here, and a write makes them so");
+        losses.emplace_back(
+            L"its whole days are not from midnight to midnight here, and a write makes them so");
     }
     return losses;
 }

@@ -64,12 +64,6 @@ CallbackService::CallbackService() {
     RequireOk(RpcServerListen(1, kMaxCalls, TRUE));
 }
 
-CallbackService::~CallbackService() {
-    RpcMgmtStopServerListening(nullptr);
-    RpcMgmtWaitServerListen();
-    RpcServerUnregisterIf(ZebAgentCallback_v1_0_s_ifspec, nullptr, TRUE);
-}
-
 Reception::Reception(ItemReceiver& receiver) {
     SetReceiver(&receiver);
 }

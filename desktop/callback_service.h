@@ -13,14 +13,17 @@ class ItemReceiver {
     virtual void Receive(const wchar_t* document) noexcept = 0;
 };
 
-/// Serves the callback interface as long as it exists. One at a time can exist.
+/// Serves the callback interface from its construction to the end of the process. One can exist.
+///
+/// The runtime is not told to stop: its threads would then be ending while the process does, and Wine's
+/// processes crash now and then when a thread is just ending. Threads that wait are no trouble.
 class CallbackService {
   public:
     /// Throws a Failure if the endpoint is taken.
     CallbackService();
     CallbackService(const CallbackService&) = delete;
     CallbackService& operator=(const CallbackService&) = delete;
-    ~CallbackService();
+    ~CallbackService() = default;
 };
 
 /// Directs the documents that arrive to a receiver as long as it exists. Documents that nobody waits for are

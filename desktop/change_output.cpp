@@ -75,8 +75,8 @@ void ChangeOutput::HandOn(ItemDocument& document, const wchar_t* change) {
 }
 
 void ChangeOutput::Finish() {
-    m_documents->Finish();
     if (m_wantsTable && m_table.Size() != 0) {
         PrintOutput(m_table.Aligned(OutputStream(STD_OUTPUT_HANDLE).Columns()).View());
     }
+    m_documents->Finish();
 }

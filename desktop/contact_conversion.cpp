@@ -3,6 +3,11 @@
 #include "desktop/contact_pairs.h"
 #include "support/number_text.h"
 
+bool IsWholeContact(ItemDocument& document) {
+    // The last element, which is called otherwise where it is written.
+    return document.Has(L"SP-CATEGORIES");
+}
+
 std::vector<CString> ConvertContact(ItemDocument& read, WrittenDocument& written) {
     for (const ContactPair& pair : kContactPairs) {
         written.Add(pair.write, read.Field(pair.read));

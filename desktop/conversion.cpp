@@ -30,7 +30,7 @@ Conversion ConvertDeletion(const ItemKind& kind, ItemDocument& read, bool asNew)
 }
 
 Conversion ConvertItem(const ItemKind& kind, ItemDocument& read, bool asNew) {
-    if (!read.Has(kind.lastElement)) {
+    if (!kind.isWhole(read)) {
         ThrowRefused(L"it is no document of a read, or one that ends too early");
     }
     WrittenDocument written(kind.root);

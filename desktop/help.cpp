@@ -1,8 +1,8 @@
 #include "desktop/help.h"
 
 const WideView kHelpText =
-    LR"(zebdesk reads and writes the address book and the calendar of the mail system
-through its 64-bit agent.
+    LR"(zebdesk reads and writes the address book and the calendar of the mail
+system through its 64-bit agent.
 
 USAGE
   zebdesk COMMAND [OPTION...]
@@ -40,7 +40,9 @@ OPTIONS
   --out DIR          Writes one file an item to DIR, which is made if need be.
                      A file holds the item's document as it came, in UTF-8, and
                      its name depends on the item alone: reading again replaces
-                     it. Other files in DIR are left alone.
+                     it. The picture of a contact goes to DIR under the same name
+                     with .jpg, and PICPath names it there; see PICTURES. Other
+                     files in DIR are left alone.
   --xml              Prints the documents one behind the other as they arrive;
                      for "profiles" and "folders" the one that the agent wrote.
   --tabs             Prints the table for another program: a tab between the
@@ -86,14 +88,18 @@ WRITING
   its PIMID. To edit an item: read it with --out, convert its file, edit the
   result and write that.
   Of a contact, what has no place in a document to be written is dropped: the
-  times, the full name (it is made of the parts of the name) and blanks around a
-  text. PICPath has to name the picture still, or it is removed.
-  Of an appointment, dropped are the times of the document itself, the time zone
-  (it becomes this machine's) and the exceptions of a series: a write makes its
-  deleted and changed instances like all others. "convert" warns of exceptions, of
-  a series of another zone, and of whole days that are not from midnight to
-  midnight here. A series of which a document does not tell how it recurs is not
-  converted.
+  times, the full name (it is made of the parts of the name), blanks around a
+  text, and all of an e-mail address but its text, so that one of the mail
+  system's own kind becomes one of the internet. PICPath has to name the picture
+  still, or it is removed.
+  Of an appointment, dropped are the times of the document itself, and of a
+  series its time zone, which becomes this machine's, and its exceptions: a write
+  makes its deleted and changed instances like all others. "convert" warns of
+  exceptions, of a series of another zone, and of whole days that are not from
+  midnight to midnight here. A series of which a document does not tell how it
+  recurs is not converted. One that has both a last day and a count is made to end
+  by its count, so that it keeps both: to let it end on another day, set
+  bRecurHasEndDate to TRUE.
   The agent does not say whether it wrote. zebdesk looks at the folder before and
   after, and so the result is one of these:
     written, deleted  the folder shows it
@@ -103,6 +109,21 @@ WRITING
                       it was changed once more by somebody else
     not tried         the command ended before its turn
   An item can be changed or deleted once in one command.
+
+  TIME and IDENTIFIER are what the agent handed back, whatever the result. TIME is
+  that of the item only if it was written. Otherwise it is the time of the attempt
+  or that of the item as it was before, and 12/30/1899 00:00:00 says that the
+  agent had none. What was not sent has neither.
+
+PICTURES
+  The agent puts the picture of a contact into a file of its own, PIC0.jpg,
+  PIC1.jpg and so on, and begins with 0 again when it is started anew. With --out
+  the picture is moved to DIR, so that the document names the right one for as
+  long as DIR stays where it is; a contact without a picture has none in DIR. If
+  it cannot be moved, the document names the agent's file, and the exit status is
+  6 when all items are there. With --xml the documents name the agent's files, and
+  a table leaves them where they are: use what you want of them before the agent
+  is started the next time.
 
 PROFILES AND FOLDERS
   The agent writes these lists to files, Profile.xml and Outlook.xml, in the

@@ -18,13 +18,17 @@ extern "C" {
 
 namespace {
 
+const wchar_t* NoObjection(ItemDocument& /*document*/) {
+    return nullptr;
+}
+
 constexpr ItemKind kKinds[] = {
     {L"contacts", L"contact", L"Contact", L"<id>", L"</id>", "[contact pim]", GetContactCount,
-     SetContactFolder, ReadContacts, WriteContacts, ContactHeadings, ContactRow, L"SP-CATEGORIES",
+     SetContactFolder, ReadContacts, WriteContacts, ContactHeadings, ContactRow, NoObjection, IsWholeContact,
      ConvertContact},
     {L"calendars", L"calendar", L"Calendar", L"<id><event>", L"</event></id>", "[calendar pim]",
      GetCalendarCount, SetCalendarFolder, ReadCalendars, WriteCalendars, CalendarHeadings, CalendarRow,
-     L"TimeZone", ConvertCalendar},
+     ObjectionToCalendar, IsWholeCalendar, ConvertCalendar},
 };
 
 }  // namespace

@@ -28,9 +28,10 @@ struct ItemKind {
     /// The headings of its table, and a document's row in it.
     TextTable::Row (*headings)();
     TextTable::Row (*row)(ItemDocument& document);
-    /// An element that every document of a read has behind all others of its item's message, and no document
-    /// that a conversion makes.
-    const wchar_t* lastElement;
+    /// Why the agent would neither add nor change an item by a document, for the user; null if it would.
+    const wchar_t* (*objection)(ItemDocument& document);
+    /// True for a document of a read that has all of its item. What a conversion makes is none.
+    bool (*isWhole)(ItemDocument& document);
     /// Takes what a document of a read says of its item over into one to be written. Returns what a write of
     /// it loses, in lines for the user.
     std::vector<CString> (*convert)(ItemDocument& read, WrittenDocument& written);

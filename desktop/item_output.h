@@ -14,7 +14,7 @@ class ItemOutput {
     virtual ~ItemOutput() = default;
 
     virtual void Take(ItemDocument& document) = 0;
-    /// Called when no more items come, whether the read was complete or not.
+    /// Called when no more items come, whether the read was complete or not. Tells what Take passed over.
     virtual void Finish() {}
     /// True if items appear on standard output while the read is running.
     [[nodiscard]] virtual bool WritesAtOnce() const { return false; }

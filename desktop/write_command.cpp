@@ -58,6 +58,9 @@ void Examine(Order& order, const ItemKind& kind, std::set<std::string>& named) {
         order.reason = L"its lFlag asks for nothing: 8 adds, 4 changes, 32 deletes";
     } else if (order.facts.kind != WriteKind::kAdd && id.empty()) {
         order.reason = L"it has no PIMID";
+    } else if (const wchar_t* objection = kind.objection(document);
+               order.facts.kind != WriteKind::kDelete && objection != nullptr) {
+        order.reason = objection;
     } else if (order.facts.kind != WriteKind::kAdd && !named.insert(StateKey(id.View())).second) {
         order.reason = L"another one is for the same item";
     }
@@ -200,12 +203,12 @@ bool IsDone(const Order& order) {
     return order.wasSent && order.outcome == WriteOutcome::kDone;
 }
 
-/// Prints what became of each document. The time of one that was not written is that of the attempt.
+/// Prints what became of each document, and what came back whatever became of it: it tells the user what the
+/// agent told.
 void PrintResults(const std::vector<Order>& orders, const Arguments& arguments) {
     TextTable table({L"RESULT", L"TIME", L"FILE", L"IDENTIFIER"});
     for (const Order& order : orders) {
-        const bool isWritten = IsDone(order) && order.facts.kind != WriteKind::kDelete;
-        table.Add({WordFor(order), isWritten ? order.facts.time : CString(), order.name, order.facts.id});
+        table.Add({WordFor(order), order.facts.time, order.name, order.facts.id});
         if (!order.reason.empty()) {
             OutputStream(STD_ERROR_HANDLE).Write(CString(order.name + L": " + order.reason + L"\n").View());
         }

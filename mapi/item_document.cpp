@@ -1,5 +1,9 @@
 #include "mapi/item_document.h"
 
+#include <mapitags.h>
+
+#include "mapi/hex_text.h"
+#include "mapi/property_tags.h"
 #include "support/log.h"
 #include "timezone/conversions.h"
 
@@ -31,6 +35,23 @@ CString DateAndTimeText(const FILETIME& utc) {
     COleDateTime local;
     FileTimeToLocalDateTime(utc, local);
     return DateAndTimeText(local);
+}
+
+bool TakeCommonRowValue(CXMLParser& document, CString& id, const SPropValue& value) {
+    switch (value.ulPropTag) {
+        case PR_ENTRYID:
+        case PR_LONGTERM_ENTRYID_FROM_TABLE:
+            id = BinaryToHexString(value.Value.bin.lpb, value.Value.bin.cb);
+            return true;
+        case PR_CREATION_TIME:
+            AppendElement(document, L"CreateTime", DateAndTimeText(value.Value.ft));
+            return true;
+        case PR_LAST_MODIFICATION_TIME:
+            AppendElement(document, L"lastModifiedTime", DateAndTimeText(value.Value.ft));
+            return true;
+        default:
+            return false;
+    }
 }
 
 void SendItem(const CString& xml, void (*sendBack)(const CString& xml), const wchar_t* failureLine) {

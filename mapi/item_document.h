@@ -5,6 +5,8 @@
 
 #include <windows.h>
 
+#include <mapidefs.h>
+
 #include "support/text.h"
 #include "support/xml_parser.h"
 #include "timezone/ole_date_time.h"
@@ -24,6 +26,10 @@ CString DateAndTimeText(const COleDateTime& local);
 
 /// A time of the store, which is UTC, as documents carry it: in local time.
 CString DateAndTimeText(const FILETIME& utc);
+
+/// Takes what every item's row has: its identifier, which is put into `id`, and the times of its creation and
+/// last change, of which each becomes an element. False for any other value, of which nothing is done.
+bool TakeCommonRowValue(CXMLParser& document, CString& id, const SPropValue& value);
 
 /// Sends the text of one item. One that cannot be delivered is logged with the given line and does not end
 /// the read: the next one may be.

@@ -20,6 +20,15 @@ struct tagLogItem;
 
 namespace NAMESPACE_MAPI {
 
+/// What an operation works with from its beginning to its end: references of its own, so that a call that
+/// comes meanwhile and replaces the session or the folder takes nothing away from it. They are let go in the
+/// order of a logoff.
+struct HeldObjects {
+    ComPtr<IMAPISession> session;
+    ComPtr<IMsgStore> store;
+    ComPtr<IMAPIFolder> folder;  ///< the chosen one; null without one
+};
+
 /// The mail session and what was chosen in it. There is one instance, g_MAPIObject, used by whichever call
 /// thread of the RPC runtime is running, without a lock: a desktop program makes one call at a time. `Stop`
 /// alone may come while a read runs, and sets a flag.
@@ -81,20 +90,24 @@ class CMAPIObject {
     /// Sends all contacts of the chosen folder or, for the path of a map file, what changed in it since the
     /// map was written. Returns 0 for success and 1 for failure.
     int ReadContacts(const wchar_t* lParam1);
-    /// Counts the contacts of a folder and, by setting, of its sub-folders. Failures count as 0.
-    ULONG GetContactCountFromFolder(const SBinary& entryId) const;
+    /// Counts the contacts of a folder and, by setting, of its sub-folders. Failures count as 0. The steps of
+    /// a read, of which this is the first, open everything through `chosen`, the folder that the read holds;
+    /// a null one fails them.
+    static ULONG GetContactCountFromFolder(IMAPIFolder* chosen, const SBinary& entryId);
     /// Sends the contacts of a folder, then those of its sub-folders. `path` names the folder in the
     /// documents. Returns 1 if all was walked to the end, otherwise 0.
-    int ReadContactFromFolder(const SBinary& entryId, const CString& path);
+    int ReadContactFromFolder(IMAPIFolder* chosen, const SBinary& entryId, const CString& path);
 
     // contacts/contact_changes.cpp.
 
     /// Appends what a contact folder and, by setting, its sub-folders hold now. Returns 1, or 0 for a list
     /// that is not complete.
-    int ReadContactLogFromFolder(const SBinary& entryId, CArray<tagLogItem, const tagLogItem&>& items) const;
+    int ReadContactLogFromFolder(IMAPIFolder* chosen, const SBinary& entryId,
+                                 CArray<tagLogItem, const tagLogItem&>& items) const;
     /// Sends the marked items: new and changed ones in full, deleted ones as what the list knows of them.
     /// Returns 1 if all was walked to the end, otherwise 0.
-    int ReadContactFromLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
+    int ReadContactFromLog(IMAPIFolder* chosen, const CArray<tagLogItem, const tagLogItem&>& items,
+                           const CString& path);
 
     // contacts/contact_writing.cpp. A write puts exactly what the record holds into the message: what it
     // leaves empty is removed.
@@ -122,27 +135,28 @@ class CMAPIObject {
     /// The number of appointments that a full read sends; 0 without a calendar folder.
     long GetCalendarCount() const;
     /// The same, without the lines of the remote procedure.
-    long GetCalendarEventCount() const;
+    static long GetCalendarEventCount(IMAPIFolder* chosen);
     /// Counts the appointments of a folder and, by setting, of its sub-folders. Failures count as 0.
-    ULONG GetCalendarEventCountFromFolder(const SBinary& entryId) const;
+    static ULONG GetCalendarEventCountFromFolder(IMAPIFolder* chosen, const SBinary& entryId);
     /// Sends all appointments of the chosen folder or, for the path of a map file, what changed in it since
     /// the map was written. Returns 0 for success and 1 for failure.
     int ReadCalendars(const wchar_t* lParam1);
     /// The read itself, behind the count. Returns 1 for success and 0 for failure.
-    int ReadCalendarEvent(const CString& lParam1);
+    int ReadCalendarEvent(IMAPIFolder* chosen, const CString& lParam1);
     /// Sends the appointments of a folder, then those of its sub-folders. `path` names the folder in the
     /// documents. Returns 1 if all was walked to the end, otherwise 0.
-    int ReadCalendarEventFromFolder(const SBinary& entryId, const CString& path);
+    int ReadCalendarEventFromFolder(IMAPIFolder* chosen, const SBinary& entryId, const CString& path);
 
     // calendar/calendar_changes.cpp.
 
     /// Appends what a calendar folder and, by setting, its sub-folders hold now. Returns 1, or 0 for a list
     /// that is not complete.
-    int ReadCalendarEventLogFromFolder(const SBinary& entryId,
+    int ReadCalendarEventLogFromFolder(IMAPIFolder* chosen, const SBinary& entryId,
                                        CArray<tagLogItem, const tagLogItem&>& items) const;
     /// Sends the marked items, to the end even when stopped: new and changed ones in full, deleted ones as
     /// what the list knows of them. Returns 1, or 0 after an exception.
-    int ReadCalendarEventFromLog(const CArray<tagLogItem, const tagLogItem&>& items, const CString& path);
+    int ReadCalendarEventFromLog(IMAPIFolder* chosen, const CArray<tagLogItem, const tagLogItem&>& items,
+                                 const CString& path);
 
     // calendar/calendar_writing.cpp. A write puts exactly what the record holds into the message, as that of
     // a contact does.
@@ -171,8 +185,7 @@ class CMAPIObject {
     int UpdateCalendarEventMessage(IMessage* message, CCalendarEx* calendar) const;
 
     HWND m_hNotifyWnd = nullptr;  ///< progress messages go here; never set to a window
-    // An operation works on references of its own, so that what another call puts here meanwhile does not
-    // release what it uses.
+    // Only the beginning of an operation looks at these; it then works on what it holds.
     ComPtr<IMAPISession> m_lpMAPISession;
     ComPtr<IProfAdmin> m_lpProfAdmin;  ///< kept from the first list of profiles
     ComPtr<IMsgStore> m_lpMsgStore;    ///< the default store
@@ -188,6 +201,10 @@ class CMAPIObject {
     CArray<CString> m_arrDefaultFolderIds;  ///< hexadecimal, by folder type number
 
   private:
+    /// For the beginning of an operation: takes the references that it works on.
+    [[nodiscard]] HeldObjects Hold(const ComPtr<IMAPIFolder>& chosen) const {
+        return {m_lpMAPISession, m_lpMsgStore, chosen};
+    }
     bool InitializeMAPI();
     bool OpenSession(const wchar_t* profile);
     bool OpenDefaultStore();
@@ -201,14 +218,14 @@ class CMAPIObject {
                       int depth);
     ComPtr<IMAPIFolder> SearchStores(const CString& hexId) const;
     bool ReadChosenContacts(const CString& lParam1);
-    bool ReadAllContacts(const FolderIdentity& identity);
-    bool ReadChangedContacts(const FolderIdentity& identity, const CString& mapFile);
+    bool ReadAllContacts(IMAPIFolder* chosen, const FolderIdentity& identity);
+    bool ReadChangedContacts(IMAPIFolder* chosen, const FolderIdentity& identity, const CString& mapFile);
     void SendContactRow(IMAPIFolder* chosen, const SRow& row, const CString& path);
     bool CountAndReadCalendars(const CString& lParam1);
     void ReportCalendarRead(bool succeeded) const;
-    bool ReadChosenCalendar(const CString& lParam1);
-    bool ReadAllCalendars(const FolderIdentity& identity);
-    bool ReadChangedCalendars(const FolderIdentity& identity, const CString& mapFile);
+    bool ReadChosenCalendar(IMAPIFolder* chosen, const CString& lParam1);
+    bool ReadAllCalendars(IMAPIFolder* chosen, const FolderIdentity& identity);
+    bool ReadChangedCalendars(IMAPIFolder* chosen, const FolderIdentity& identity, const CString& mapFile);
     void SendCalendarRow(IMAPIFolder* chosen, const SRow& row, const CString& path);
     void WriteOneContact(CContactEx* contact) const;
 };

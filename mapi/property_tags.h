@@ -2,6 +2,8 @@
 
 // Tags of published properties that the SDK headers at hand do not name.
 
+#include <windows.h>
+
 #include <mapitags.h>
 
 constexpr ULONG PR_ICON_INDEX = 0x10800003;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Shows the agent at work: makes a sample store, writes, counts and reads its contacts through the desktop program, and
-# ends the agent. Everything that it makes is in build/demo. DEMO_CONTACTS sets how many contacts the timed read has.
+# Shows the agent at work: makes a sample store, writes, counts and reads its contacts and appointments through the desktop
+# program, and ends the agent. Everything that it makes is in build/demo. DEMO_CONTACTS sets how many contacts the timed read has.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/wine-server.sh
@@ -39,7 +39,7 @@ rm -rf "$demo"
 mkdir -p "$demo/bin"
 # Programs of the demo's own, so that its settings and its log are not those of build/bin.
 cp build/bin/*.exe build/bin/*.dll "$demo/bin/"
-cp -r localstore/sample/people "$demo/people"
+cp -r localstore/sample/people localstore/sample/appointments "$demo/"
 keep_wine_server
 
 say "A store with people of many scripts in one profile, and $many plain contacts in another"
@@ -78,26 +78,15 @@ document=$(grep -l '<LastName>山田' "$demo"/documents/*.xml)
 printf '$ cat documents/%s\n' "$(basename "$document")"
 cat "$document"
 
-say "The pictures are files of their own, and whoever receives the documents owns them"
-mkdir "$demo/pictures"
-for document in "$demo"/documents/*.xml; do
-  picture=$(sed -n 's:.*<PICPath>\(.*\)</PICPath>.*:\1:p' "$document")
-  [ -z "$picture" ] || mv "$WINEPREFIX/drive_c/$(tail -c +4 <<<"${picture//\\//}")" "$demo/pictures/"
-done
-for picture in "$demo"/pictures/*; do
+say "The pictures are files of their own, each beside the document that names it"
+for picture in "$demo"/documents/*.jpg; do
   [ "$(head -c 3 "$picture" | od -An -tx1)" = ' ff d8 ff' ] || { printf 'demo: %s is no JPEG\n' "$picture" >&2; exit 1; }
-  printf '%6d bytes  pictures/%s\n' "$(stat -c %s "$picture")" "$(basename "$picture")"
+  printf '%6d bytes  documents/%s\n' "$(stat -c %s "$picture")" "$(basename "$picture")"
 done
 
 say "Of a contact that was read a document is made that can be written. It is edited and written back"
-remove_pictures() {
-  grep -rhoE '<PICPath>[^<]*' "$demo/$1" | sed -e 's/<PICPath>C://' -e 's:\\:/:g' | while read -r picture; do
-    rm -f "$WINEPREFIX/drive_c$picture"
-  done
-}
 # From here on reads bring what changes.
 zebdesk read contacts --quiet --changed contacts.map --out changes >"$demo/first-read.txt"
-remove_pictures changes
 document=documents/$(basename "$(grep -l '<LastName>Okafor' "$demo"/documents/*.xml)")
 printf '$ zebdesk convert %s > edited.xml\n' "$document"
 zebdesk convert "$document" >"$demo/edited.xml"
@@ -105,11 +94,39 @@ sed -i 's:<JobTitle>.*</JobTitle>:<JobTitle>Head of the gauging station</JobTitl
 grep -E 'lFlag|JobTitle' "$demo/edited.xml"
 show write contacts edited.xml
 show read contacts --changed contacts.map --out changes
+printf '$ grep JobTitle changes/%s\n' "$(basename "$document")"
+grep JobTitle "$demo/changes/$(basename "$document")"
 
 say "And it is deleted"
 show write contacts --delete "$(sed -n 's:.*<PIMID>\(.*\)</PIMID>.*:\1:p' "$demo/edited.xml")"
 show read contacts --changed contacts.map --out changes
 show count
+
+say "A series of appointments comes in through the agent"
+zebdesk read calendars --quiet --changed calendars.map --out calendar >"$demo/first-read.txt"
+show write calendars appointments/gauge-reading.xml
+show read calendars --changed calendars.map --out calendar
+
+say "It is read, converted, edited and written back: now it is every second week, and elsewhere"
+appointment_named() { printf 'calendar/%s' "$(basename "$(grep -l "<Description>$1" "$demo"/calendar/*.xml)")"; }
+document=$(appointment_named 'Reading of the gauge')
+printf '$ zebdesk convert %s > series.xml\n' "$document"
+zebdesk convert "$document" >"$demo/series.xml"
+sed -i -e 's:<lRecurInterval>.*<:<lRecurInterval>2<:' -e 's:<lRecurRepeat>.*<:<lRecurRepeat>9<:' \
+  -e 's:<Location>.*<:<Location>Upper weir<:' "$demo/series.xml"
+grep -E 'lFlag|Location|lRecurInterval|lRecurRepeat' "$demo/series.xml"
+show write calendars series.xml
+show read calendars --changed calendars.map --out calendar
+
+say "What a write of a series would lose is told by the conversion"
+document=$(appointment_named Chorprobe)
+printf '$ zebdesk convert %s > choir.xml\n' "$document"
+zebdesk convert "$document" 2>&1 >"$demo/choir.xml"
+
+say "And the series is deleted"
+show write calendars --delete "$(sed -n 's:.*<PIMID>\(.*\)</PIMID>.*:\1:p' "$demo/series.xml")"
+show read calendars --changed calendars.map --out calendar
+show count calendars
 
 say "The last lines of the log that the agent wrote"
 tail -n 10 "$demo/bin/Logs/ZebAgentOutlook64.log" | tr -d '\r'

@@ -1,12 +1,18 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets and runs each for some seconds: fuzz.sh [SECONDS]. What a run finds stays in
-# build/fuzz/found; new inputs that reach new code stay in build/fuzz/corpus.
+# Builds the fuzz targets and runs each, or those that are named, for some seconds: fuzz.sh [SECONDS [TARGET...]].
+# What a run finds stays in build/fuzz/found; new inputs that reach new code stay in build/fuzz/corpus. A file
+# tests/fuzz/TARGET.options holds the fuzzer's options for a target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
+shift || true
 
 tools/build.sh fuzz
-mapfile -t targets < <(find build/fuzz -type f -name 'fuzz_*' -perm -u+x | sort)
+if [ $# -gt 0 ]; then
+  targets=("${@/#/build/fuzz/fuzz/}")
+else
+  mapfile -t targets < <(find build/fuzz -type f -name 'fuzz_*' -perm -u+x | sort)
+fi
 [ ${#targets[@]} -gt 0 ] || { printf 'fuzz: no target was built\n' >&2; exit 1; }
 
 broken=0
@@ -16,8 +22,12 @@ for target in "${targets[@]}"; do
   corpus=build/fuzz/corpus/$name
   mkdir -p "$corpus"
   log=build/fuzz/$name.log
+  options=()
+  if [ -f "tests/fuzz/$name.options" ]; then
+    read -ra options <"tests/fuzz/$name.options"
+  fi
   printf '%-24s ' "$name"
-  if "$target" -max_total_time="$seconds" -artifact_prefix="build/fuzz/found/$name-" \
+  if "$target" "${options[@]}" -max_total_time="$seconds" -artifact_prefix="build/fuzz/found/$name-" \
     "$corpus" >"$log" 2>&1; then
     grep '^Done ' "$log"
   else

@@ -6,9 +6,11 @@ where GCC keeps its headers. Files that are built natively and look different th
 names of files, only those are looked at. Tests take longer than all the rest, for the headers that they include.
 """
 
+import itertools
 import json
 import os
 import re
+import shlex
 import subprocess
 import sys
 from concurrent.futures import ThreadPoolExecutor
@@ -32,6 +34,12 @@ def gcc_header_arguments(compiler):
     return [f"-isystem{folder}" for folder in folders if not re.search(r"/gcc/.*/include(-fixed)?$", folder)]
 
 
+def compiler_of(command):
+    """The compiler of a compile command: the last word in front of the options, behind a launcher such as ccache."""
+    words = itertools.takewhile(lambda word: not word.startswith("-"), shlex.split(command))
+    return list(words)[-1]
+
+
 def commands(build):
     """The compiler of each file of the rooms in a compile database, one entry a file."""
     database = build / "compile_commands.json"
@@ -41,7 +49,7 @@ def commands(build):
     for entry in json.loads(database.read_text()):
         path = Path(entry["file"])
         if path.is_relative_to(ROOT) and path.relative_to(ROOT).parts[0] in ROOMS:
-            found.setdefault(path, entry["command"].split()[0])
+            found.setdefault(path, compiler_of(entry["command"]))
     return found
 
 

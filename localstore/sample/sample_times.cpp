@@ -36,11 +36,4 @@ FILETIME LocalToUtc(const FILETIME& local, const TIME_ZONE_INFORMATION& zone) {
     return time;
 }
 
-std::uint32_t LocalMinutes(const std::wstring& text) {
-    constexpr std::uint64_t kFileTimesPerMinute = 600'000'000;
-    const FILETIME time = TimeOf(text);
-    const std::uint64_t count = std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
-    return static_cast<std::uint32_t>(count / kFileTimesPerMinute);
-}
-
 }  // namespace sample

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <cstdint>
 #include <string>
 
 namespace sample {
@@ -15,8 +14,5 @@ TIME_ZONE_INFORMATION MachineZone();
 
 /// A time of a zone as UTC.
 FILETIME LocalToUtc(const FILETIME& local, const TIME_ZONE_INFORMATION& zone);
-
-/// A time in no zone as minutes since 1601, in no zone.
-std::uint32_t LocalMinutes(const std::wstring& text);
 
 }  // namespace sample

@@ -1,8 +1,7 @@
 #include "localstore/sample/series_bytes.h"
 
 #include <algorithm>
-
-#include "localstore/sample/sample_times.h"
+#include <chrono>
 
 namespace sample {
 
@@ -11,6 +10,20 @@ namespace {
 constexpr std::uint32_t kMinutesPerDay = 1440;
 /// The end of a series that never ends (MS-OXOCAL 2.2.1.44.1).
 constexpr std::uint32_t kNoEndDate = 0x5AE980DF;
+
+/// A time such as "2026-03-02" or "2026-03-02 09:30", in no zone, as minutes since 1601.
+std::uint32_t LocalMinutes(const std::wstring& text) {
+    using namespace std::chrono;
+    constexpr std::size_t kDayUnits = 10;
+    const auto number = [&text](std::size_t from, std::size_t units) {
+        return std::stoi(text.substr(from, units));
+    };
+    const sys_days first = year(1601) / 1 / 1;
+    const sys_days day = year(number(0, 4)) / number(5, 2) / number(8, 2);
+    const int minutes = text.size() > kDayUnits ? number(11, 2) * 60 + number(14, 2) : 0;
+    return static_cast<std::uint32_t>((day - first).count()) * kMinutesPerDay +
+           static_cast<std::uint32_t>(minutes);
+}
 
 /// Little-endian numbers and texts, one behind the other.
 class Bytes {

@@ -4,7 +4,7 @@ import datetime
 import zoneinfo
 
 from appointments import APPOINTMENT, COMMON, EPOCH, fields
-from message_case import Message, MessageCase
+from message_case import MessageCase
 from writing_case import item_document
 
 APPOINTMENT_SET = f"{APPOINTMENT}-0000-0000-c000-000000000046"
@@ -14,7 +14,6 @@ BODY = 0x1000001F
 START, END = (APPOINTMENT_SET, 0x820D), (APPOINTMENT_SET, 0x820E)
 LOCATION = (APPOINTMENT_SET, 0x8208)
 RECUR = (APPOINTMENT_SET, 0x8216)
-NO_TIME = "12/30/1899 00:00:00"
 
 
 def moment(*parts):

@@ -129,8 +129,9 @@ class Place:
         return pathlib.Path(self.environment().get("WINEPREFIX", ROOT / "build/wine")) / "drive_c"
 
     def host_path(self, path):
-        """Where this machine has a file of the Windows drive C."""
-        return self.drive_c() / path.replace("\\", "/").removeprefix("C:/")
+        """Where this machine has a file of the Windows drive C, or of Z, which is all of this machine."""
+        drive, below = path.replace("\\", "/").split(":/", 1)
+        return pathlib.Path("/", below) if drive == "Z" else self.drive_c() / below
 
     def application_data(self):
         """The user's application data folder as this machine knows it."""
@@ -229,13 +230,16 @@ class Place:
                                       *arguments))
 
     def read_with_desktop(self, *options, kind="contacts", **more):
-        """Has the desktop program read all items of a kind. Gives the bytes of the documents by the names of their files."""
+        """Has the desktop program read all items of a kind. Gives the bytes of the documents by the names of their files.
+
+        Their pictures are with them in a folder of this place.
+        """
         self._desktops += 1
         out = self.path / f"read{self._desktops}"
         status, output, errors = self.run_desktop("read", kind, "--out", windows_path(out), *options, **more)
         if status != 0:
             raise AssertionError(f"the desktop program ended with {status}: {output}{errors}\n{self.log()}")
-        return {file.name: file.read_bytes() for file in out.iterdir()}
+        return {file.name: file.read_bytes() for file in out.glob("*.xml")}
 
     def make_contacts(self, contacts):
         """Makes contacts through MAPI. Each is a list of lines for make_contacts."""

@@ -92,6 +92,30 @@ class DocumentTests(HostileCase):
         self.assert_memory_stays(lambda: self.assert_nothing_done(text, text, text))
         self.assert_works()
 
+    def document_of(self, name, *sizes):
+        """A document to add an item, with notes of those sizes in megabytes, of which the first ones count."""
+        return self.with_more(self.named(ADD, None, name),
+                              "".join(element("Body", "x" * (size * MEGABYTE)) for size in sizes))
+
+    def test_a_document_of_50_megabytes_is_written_whole_or_not_at_all_and_given_back(self):
+        # The service of the platform may have a limit, beyond which the text is none: that of Wine is below 10 megabytes.
+        sizes = {"large": [1] * 9, "spread": [1] * 50, "single": [50]}
+        texts = [self.document_of(name, *each) for name, each in sizes.items()]
+
+        def write_and_remove():
+            results = self.send(*texts)
+            self.assertEqual([status for status, _, _ in results], [0] * len(texts))
+            self.assertIsNone(self.agent.poll())
+            messages = self.messages()
+            self.assertEqual(set(messages), {name for name, result in zip(sizes, results) if result[1]})
+            self.assertIn("large", messages)
+            for name, message in messages.items():
+                self.assertEqual(len(message.tags[BODY]), sizes[name][0] * MEGABYTE)
+            self.empty_folder()
+        write_and_remove()
+        self.assert_memory_stays(write_and_remove)
+        self.assert_works()
+
     def test_a_field_of_4_megabytes_is_written_whole_and_its_memory_given_back(self):
         body = "0123456789abcde\u5C71" * (MEGABYTE * 4 // 16)
         self.add_named("long", Body=body)
@@ -161,8 +185,8 @@ class IdentifierTests(HostileCase):
     def hostile(self, identifier):
         """Identifiers that name nothing."""
         return ["0", "00", "000", "x", "0x", "zz", "0x" + identifier, identifier + "00", identifier[:-2], "0" + identifier,
-                identifier[2:], identifier[::-1], "\u5C71\U0001F600" * 30, "%s%n%d", "..\\..\\x", "<>&\"'", "F" * 398, "F" * 399, "F" * 400, "F" * 401, "0" * 100001, "\u00E9" * 1000000,
-                self.folder_identifier(identifier)]
+                identifier[2:], identifier[::-1], "\u5C71\U0001F600" * 30, "%s%n%d", "..\\..\\x", "<>&\"'", "F" * 398,
+                "F" * 399, "F" * 400, "F" * 401, "0" * 100001, "\u00E9" * 1000000, self.folder_identifier(identifier)]
 
     def folder_identifier(self, identifier):
         """The beginning of an item's identifier in another one: that of the store without any item."""

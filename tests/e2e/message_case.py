@@ -1,9 +1,10 @@
 """A place for tests of written items that look at the messages themselves, with the independent reader."""
 
+import datetime
 import sys
 
 import harness
-from writing_case import WritingCase
+from writing_case import WritingCase, time_of
 
 try:
     from read_msg import Message
@@ -23,6 +24,11 @@ class MessageCase(WritingCase):
     def the_message(self):
         [file] = self.items.glob("*.msg")
         return Message(file)
+
+    def assert_present(self, moment, begin):
+        """The time of an attempt, which the agent has from the clock."""
+        self.assertLessEqual(begin.replace(microsecond=0), time_of(moment))
+        self.assertLessEqual(time_of(moment), datetime.datetime.now())
 
     def picture(self, content=JPEG):
         path = self.place.path / "picture.jpg"

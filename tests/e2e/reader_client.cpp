@@ -4,13 +4,14 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cwchar>
 #include <iomanip>
 #include <iostream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
 #include <rpc.h>
 
@@ -162,23 +163,47 @@ void DoWithText(const wchar_t* word, TextProcedure procedure, std::wstring value
     std::printf("%ls %ld\n", word, status);
 }
 
+/// The word of a command and what is behind its "=".
+struct CommandParts {
+    std::wstring word;
+    std::wstring value;
+};
+
+CommandParts PartsOf(const std::wstring& command) {
+    const std::size_t equals = command.find(L'=');
+    return {command.substr(0, equals),
+            equals == std::wstring::npos ? std::wstring() : command.substr(equals + 1)};
+}
+
+/// A command and the remote procedure behind it.
+template<class Procedure>
+struct NamedProcedure {
+    const wchar_t* word;
+    Procedure procedure;
+};
+
+/// The procedure of a command; null if there is none.
+template<class Procedure, std::size_t kCount>
+Procedure FindProcedure(const NamedProcedure<Procedure> (&commands)[kCount], const std::wstring& word) {
+    const auto* found = std::find_if(std::begin(commands), std::end(commands),
+                                     [&](const auto& command) { return command.word == word; });
+    return found == std::end(commands) ? nullptr : found->procedure;
+}
+
 /// True if the command was one of those with a text.
 bool DoTextCommand(const std::wstring& command) {
-    constexpr std::pair<const wchar_t*, TextProcedure> kCommands[] = {
+    constexpr NamedProcedure<TextProcedure> kCommands[] = {
         {L"profiles", GetAppProfile},
         {L"folders", GetAppFolder},
         {L"contact-folder", SetContactFolder},
         {L"calendar-folder", SetCalendarFolder},
     };
-    const std::size_t equals = command.find(L'=');
-    for (const auto& [word, procedure] : kCommands) {
-        if (command.substr(0, equals) == word) {
-            DoWithText(word, procedure,
-                       equals == std::wstring::npos ? std::wstring() : command.substr(equals + 1));
-            return true;
-        }
+    const CommandParts parts = PartsOf(command);
+    const TextProcedure procedure = FindProcedure(kCommands, parts.word);
+    if (procedure != nullptr) {
+        DoWithText(parts.word.c_str(), procedure, parts.value);
     }
-    return false;
+    return procedure != nullptr;
 }
 
 std::wstring ReadDocument(const std::wstring& path) {
@@ -236,17 +261,16 @@ void AwaitEnd() {
 
 /// True if the command was one that writes.
 bool DoWriteCommand(const std::wstring& command) {
-    constexpr std::pair<const wchar_t*, WriteProcedure> kCommands[] = {
-        {L"write=", WriteContacts},
-        {L"write-calendar=", WriteCalendars},
+    constexpr NamedProcedure<WriteProcedure> kCommands[] = {
+        {L"write", WriteContacts},
+        {L"write-calendar", WriteCalendars},
     };
-    for (const auto& [word, procedure] : kCommands) {
-        if (command.rfind(word, 0) == 0) {
-            DoWrite(procedure, command.substr(std::wcslen(word)));
-            return true;
-        }
+    const CommandParts parts = PartsOf(command);
+    const WriteProcedure procedure = FindProcedure(kCommands, parts.word);
+    if (procedure != nullptr) {
+        DoWrite(procedure, parts.value);
     }
-    return false;
+    return procedure != nullptr;
 }
 
 /// True if the command was one that counts or reads.

@@ -1,21 +1,30 @@
 """Calls that overlap writes: nothing is lost that the rules do not leave open."""
 
+import collections
+
 import harness
 from contact_fields import fields
 from list_case import ListCase
 from message_case import Message, MessageCase
-from writing_case import ADD, CHANGE, LAST_NAME, document
+from writing_case import ADD, CHANGE, DELETE, LAST_NAME, document
 
 
-class Overlapping(MessageCase, ListCase):
+class SharedSession(MessageCase, ListCase):
     """Several clients in one session, which nothing in the agent keeps apart."""
-
-    CLIENTS = 4
-    EACH = 50
 
     def setUp(self):
         super().setUp()
         self.agent = self.place.start_agent()
+
+    def log_on(self):
+        self.assertEqual(self.place.run_client("--no-endpoint", "logon")[0], ["logon 0"])
+
+
+class Overlapping(SharedSession):
+    """Writes beside other calls."""
+
+    CLIENTS = 4
+    EACH = 50
 
     def writer(self, name, count=EACH):
         """Starts a client that adds contacts to the session that is open."""
@@ -37,9 +46,6 @@ class Overlapping(MessageCase, ListCase):
         for message in messages:
             name = message.tags[LAST_NAME]
             self.assertEqual((message.tags[0x3A06001F], message.tags[0x1000001F].split()), (name, [name] * 1000))
-
-    def log_on(self):
-        self.assertEqual(self.place.run_client("--no-endpoint", "logon")[0], ["logon 0"])
 
     def test_adds_of_several_clients_are_all_there(self):
         self.log_on()
@@ -98,6 +104,58 @@ class Overlapping(MessageCase, ListCase):
         for contact in map(fields, documents):
             self.assertEqual(contact["SP-BODY"].split(), [contact["LastName"]] * 1000)
         self.assert_all_written(writers, self.place.contacts)
+
+    def test_deletions_beside_changes_of_the_same_contacts_leave_each_gone_or_whole(self):
+        names = [f"old-{number}" for number in range(self.EACH)]
+        identifiers = [result[1] for result in self.send(
+            *(document(ADD, LastName=name, Body=f"{name} " * 1000) for name in names))]
+        self.log_on()
+        changes = [document(CHANGE, identifier, LastName=f"new-{number}", Body=f"new-{number} " * 1000)
+                   for number, identifier in enumerate(identifiers)]
+        # Several times, so that deletions come before, in and behind the changes.
+        deletions = [document(DELETE, identifier) for identifier in identifiers] * 3
+        for client in [self.place.client("--no-endpoint", *self.writes(texts)) for texts in (changes, deletions)]:
+            results = self.results(self.assert_exit(client)[0].splitlines())
+            self.assertEqual([result[0] for result in results], [0] * len(results))
+        left = self.messages()
+        for name, message in left.items():
+            self.assertEqual(message.tags[0x1000001F].split(), [name] * 1000)
+        changed = self.place.log().count("CMAPIObject::UpdateContact - Finish(Succeeded)")
+        harness.tell_measured(f"changes beside deletions of {self.EACH} contacts: {changed} came first, {len(left)} contacts "
+                              "are still there")
+        self.assert_works()
+
+
+class Undefined(SharedSession):
+    """What only a lock would keep apart may end the agent. It costs no contact, and the next agent finds all as it was."""
+
+    TIMES = 40
+
+    def race(self, *commands):
+        """Lets clients make calls at the same time, again and again. Tells the results and what became of the agent."""
+        self.add(LastName="there", Body="there " * 1000)
+        before = self.files()
+        clients = [self.place.client("--no-endpoint", *each * self.TIMES) for each in commands]
+        lines = [line for client in clients for line in self.place.finish(client)[1].splitlines()]
+        ended = self.agent.poll() is not None
+        counts = ", ".join(f"{line}: {count}" for line, count in sorted(collections.Counter(lines).items()))
+        harness.tell_measured(f"at once {' and '.join(' '.join(each) for each in commands)}: {counts}; "
+                              f"the agent {'ended' if ended else 'went on'}")
+        if ended:
+            self.agent = self.place.start_agent()
+        self.assertEqual(self.files(), before)
+        self.assertEqual(self.place.run_client("logon", "count", "folders", "logoff")[0],
+                         ["logon 0", "count 1 0", "folders 0"])
+        self.assert_works()
+
+    def test_two_logons_at_once(self):
+        self.race(["logon"], ["logon"])
+
+    def test_the_list_of_folders_beside_logons(self):
+        self.race(["logon"], ["folders"] * 2)
+
+    def test_the_list_of_folders_beside_logons_and_logoffs(self):
+        self.race(["logon", "logoff"], ["folders"] * 2)
 
 
 if __name__ == "__main__":

@@ -1,4 +1,5 @@
-"""Appointments that a mail program saved: what independent readers find in them arrives in their documents.
+"""Appointments that a mail program saved: what independent readers find in them arrives in their documents, and what is written
+back is the same.
 
 The files are not part of the project. ZEB_REAL_ITEMS names the folder that holds them with their descriptions.
 """
@@ -156,6 +157,33 @@ class RealAppointments(harness.Case):
             deleted = len(expected.pattern["DeletedInstanceDates"])
             end = expected.pattern["EndDate"]["local"][:10]
             self.assertTrue(words[expected.content["subject"]].endswith(f" until {end}, {deleted} deleted, 1 changed"), words)
+
+    def read_to(self, name):
+        out = self.place.path / name
+        status, _, errors = self.place.run_desktop("read", "calendars", "--out", harness.windows_path(out), TZ=ZONE)
+        self.assertEqual(status, 0, errors)
+        return [harness.windows_path(file) for file in out.iterdir()], {
+            item.pop("Description"): item for item in (appointments.fields(file.read_text(encoding="utf-8"))
+                                                       for file in out.iterdir())}
+
+    def test_written_back_they_lose_their_exceptions_and_little_else(self):
+        files, before = self.read_to("before")
+        converted = self.place.path / "converted"
+        status, _, errors = self.place.run_desktop("convert", "--out", harness.windows_path(converted), *files, TZ=ZONE)
+        self.assertEqual(status, 0, errors)
+        with_exceptions = [item for item in before.values() if "ExceptionRule" in item]
+        self.assertEqual((errors.count("warning:"), errors.count("exceptions")), (len(with_exceptions),) * 2, errors)
+        status, output, errors = self.place.run_desktop("write", "calendars", "--tabs",
+                                                        *map(harness.windows_path, converted.iterdir()), TZ=ZONE)
+        self.assertEqual((status, output.count("\nwritten\t")), (0, len(REAL)), errors)
+        after = self.read_to("after")[1]
+        for item in [*before.values(), *after.values()]:
+            del item["lastModifiedTime"]
+        for item in before.values():
+            item.pop("ExceptionRule", None)
+            # Blanks around a text do not come through.
+            item["Body"] = item["Body"].strip(" \t\n")
+        self.assertEqual(after, before)
 
     def test_the_files_stay_as_they_are(self):
         self.place.read_with_desktop(kind="calendars")

@@ -1,13 +1,13 @@
 """Appointments that cannot be written: what is there stays as it is, and nothing new appears."""
 
 import harness
-from calendar_case import NO_TIME, CalendarWritingCase
+from calendar_case import CalendarWritingCase
 from refusal_case import RefusalTests
-from writing_case import ADD, CHANGE, DELETE, REFUSED
+from writing_case import ADD, CHANGE, DELETE, NO_TIME, REFUSED
 
 
 class Refusals(RefusalTests, CalendarWritingCase):
-    OPERATIONS = {CHANGE: "UpdateCalendar", DELETE: "DeleteCalendar"}
+    OPERATIONS = {ADD: "AddCalendar", CHANGE: "UpdateCalendar", DELETE: "DeleteCalendar"}
 
     def assert_time_of_attempt(self, moment, begin):
         self.assertEqual(moment, NO_TIME)

@@ -6,12 +6,11 @@ import struct
 
 import harness
 import recurrence_decoder
-from calendar_case import (APPOINTMENT_SET, BODY, COMMON_SET, END, LOCATION, NO_TIME, RECUR, START, SUBJECT,
+from calendar_case import (APPOINTMENT_SET, BODY, COMMON_SET, END, LOCATION, RECUR, START, SUBJECT,
                            CalendarWritingCase, filetime, moment, utc_of)
-from message_case import Message
 from recurrence_decoder import (BY_DAY, BY_MONTH, BY_MONTH_NTH, BY_WEEK, DAILY, END_AFTER, END_BY_DATE, MONTHLY, NEVER,
                                 WEEKLY, YEARLY)
-from writing_case import ADD, CHANGE, time_of
+from writing_case import ADD, CHANGE, DELETE, NO_TIME, time_of
 
 NEW_YORK = "America/New_York"
 # The zone property of New York: bias, that of standard time and of daylight saving, and both rules with a year in front.
@@ -40,10 +39,10 @@ class WrittenAppointments(CalendarWritingCase):
         super().setUp()
         self.agent = self.place.start_agent(TZ=NEW_YORK)
 
-    def written(self, **elements):
-        """The message of an appointment that is added."""
+    def message_of(self, **elements):
+        """The message of an appointment that is added, at a place."""
         self.empty_folder()
-        self.add_named("x", **elements)
+        self.add_named("x", **({"Location": "there"} | elements))
         return self.the_message()
 
     def types(self, message):
@@ -58,7 +57,7 @@ class WrittenAppointments(CalendarWritingCase):
 class Properties(WrittenAppointments):
     def test_a_single_appointment_has_these_and_no_others(self):
         begin, end = moment(2026, 3, 2, 9), moment(2026, 3, 2, 10, 45)
-        message = self.written(Body=BODY_TEXT, Location="Room <4> \U0001F600", dtStartTime=begin, dtEndTime=end)
+        message = self.message_of(Body=BODY_TEXT, Location="Room <4> \U0001F600", dtStartTime=begin, dtEndTime=end)
         self.assertEqual(self.types(message), names(OF_APPOINTMENT, OF_COMMON))
         texts = {0x001A001F: "IPM.Appointment", SUBJECT: "x", BODY: BODY_TEXT}
         numbers = {0x00170003: 1, 0x00260003: 0, 0x00360003: 0, 0x10800003: 1024}
@@ -74,17 +73,17 @@ class Properties(WrittenAppointments):
 
     def test_its_zone_is_that_of_the_machine_unless_it_names_one(self):
         for text in ("", "GMT:+300;DST:60;STD:0000110102000000;DLT:0000030202000000", "nonsense"):
-            message = self.written(TimeZone=text)
+            message = self.message_of(TimeZone=text)
             self.assertEqual(message.named[(APPOINTMENT_SET, 0x8233)], NEW_YORK_ZONE, text)
             self.assertIn("Eastern", message.named[(APPOINTMENT_SET, 0x8234)])
-        message = self.written(TimeZone="GMT:-330;DST:0")
+        message = self.message_of(TimeZone="GMT:-330;DST:0")
         self.assertEqual(struct.unpack_from("<iii", message.named[(APPOINTMENT_SET, 0x8233)])[0], -330)
         # The zone names no other time.
         self.assertEqual(message.named[START], utc_of(self.NEEDED["dtStartTime"], NEW_YORK))
 
     def test_a_reminder_has_its_time_and_its_sound(self):
         begin = moment(2026, 3, 8, 3, 30)
-        reminded = lambda minutes, tone: self.written(lReminderMinutes=str(minutes), nRingTone=str(tone),
+        reminded = lambda minutes, tone: self.message_of(lReminderMinutes=str(minutes), nRingTone=str(tone),
                                                       dtStartTime=begin)
         for minutes in (0, 15, 120):
             message = reminded(minutes, 0)
@@ -112,13 +111,13 @@ class Properties(WrittenAppointments):
     def test_whole_days_are_from_midnight_to_midnight(self):
         cases = {(10, 10): (10, 11, 1440), (10, 12): (10, 12, 2880), (12, 10): (12, 13, 1440)}
         for (begin, end), (first, last, minutes) in cases.items():
-            message = self.written(bAlldayEvent="TRUE", dtStartTime=moment(2010, 5, begin, 10),
+            message = self.message_of(bAlldayEvent="TRUE", dtStartTime=moment(2010, 5, begin, 10),
                                    dtEndTime=moment(2010, 5, end, 10))
             self.assertEqual(self.of(message, (0x820D, 0x820E, 0x8213, 0x8215)),
                              [utc_of(moment(2010, 5, first), NEW_YORK), utc_of(moment(2010, 5, last), NEW_YORK), minutes,
                               True])
         # Only this spelling is a truth.
-        self.assertFalse(self.written(bAlldayEvent="true").named[(APPOINTMENT_SET, 0x8215)])
+        self.assertFalse(self.message_of(bAlldayEvent="true").named[(APPOINTMENT_SET, 0x8215)])
 
     def test_a_change_replaces_all_that_it_names_and_nothing_else(self):
         self.place.make_items([["appointment", "tag 0037001F " + "old".encode("utf-16-be").hex(),
@@ -138,7 +137,7 @@ class Properties(WrittenAppointments):
         self.assertEqual({item["PIMID"] for item in map(self.fields_of, self.read_all())}, {added[1], changed[1]})
         [found] = [item for item in map(self.fields_of, self.read_all()) if item["PIMID"] == added[1]]
         self.assertEqual(found["lastModifiedTime"], added[2])
-        self.assertEqual(self.send(self.document(32, added[1])), [(0, added[1], NO_TIME)])
+        self.assertEqual(self.send(self.document(DELETE, added[1])), [(0, added[1], NO_TIME)])
         self.assertGreater(time_of(added[2]), datetime.datetime(2020, 1, 1))
 
 
@@ -147,7 +146,7 @@ class Series(WrittenAppointments):
 
     def series(self, kind, **elements):
         """The decoded property of a series that is added, with its message."""
-        message = self.written(lRecurType=str(kind), **elements)
+        message = self.message_of(lRecurType=str(kind), **elements)
         self.assertEqual(self.of(message, (0x8223, 0x8231, 0x8232)), [True, kind, None])
         self.assertEqual((message.tags[0x10800003], self.types(message)[RECUR]), (1025, BYTES))
         decoded = recurrence_decoder.decode(message.named[RECUR])
@@ -221,14 +220,14 @@ class Series(WrittenAppointments):
         self.assertEqual(message.named[END], utc_of(self.NEEDED["dtEndTime"], NEW_YORK))
 
     def test_one_over_midnight_ends_on_the_next_day(self):
-        message = self.written(lRecurType="1", lRecurInterval="1", dtStartTime=moment(2026, 3, 2, 23, 30),
+        message = self.message_of(lRecurType="1", lRecurInterval="1", dtStartTime=moment(2026, 3, 2, 23, 30),
                                dtEndTime=moment(2026, 3, 3, 0, 30))
         [(start, end)] = recurrence_decoder.decode(message.named[RECUR]).instances(1)
         self.assertEqual((start, end), (datetime.datetime(2026, 3, 2, 23, 30), datetime.datetime(2026, 3, 3, 0, 30)))
 
     def test_a_series_becomes_a_single_appointment_and_one_again(self):
         identifier = self.add_named("x", lRecurType="1")
-        self.send(self.named(CHANGE, identifier, "x"))
+        self.send(self.named(CHANGE, identifier, "x", Location="there"))
         message = self.the_message()
         self.assertEqual(self.types(message), names(OF_APPOINTMENT, OF_COMMON))
         self.assertEqual((message.tags[0x10800003], self.of(message, (0x8223, 0x8231))), (1024, [False, 0]))

@@ -8,9 +8,9 @@ import itertools
 import random
 import shutil
 import sys
+import unittest
 
 import harness
-import recurrence_decoder
 from recurrence_decoder import (BY_DAY, BY_MONTH, BY_MONTH_NTH, BY_WEEK, DAILY, END_AFTER, END_BY_DATE, EPOCH, MONTHLY, NEVER,
                                 WEEKLY, YEARLY, decode, minutes_of)
 
@@ -19,8 +19,6 @@ try:
 except ImportError:
     print("SKIPPED: the dateutil library is not there", file=sys.stderr)
     sys.exit(harness.SKIPPED)
-
-import unittest
 
 # Instances of each series that are compared.
 MOST = 50
@@ -31,6 +29,10 @@ LAST_WEEK = -1
 # The library's days, from the bit of Sunday on.
 DAYS = (rrule.SU, rrule.MO, rrule.TU, rrule.WE, rrule.TH, rrule.FR, rrule.SA)
 START = datetime.datetime(2011, 3, 9, 9, 30)
+
+# MS-OXOCAL 4.1.1.1: every week on Monday, Thursday and Friday from 10:00 to 10:30, twelve times.
+EXAMPLE = bytes.fromhex("0430 0430 0B20 0100 0000 C0210000 01000000 00000000 32000000 22200000 0C000000 00000000 00000000"
+                        "00000000 8020BC0C 20ADBC0C 06300000 09300000 58020000 76020000 0000 00000000 00000000")
 
 
 @dataclasses.dataclass
@@ -151,7 +153,8 @@ class WrittenSeries(unittest.TestCase):
 
     def test_a_day_that_a_month_does_not_have_is_its_last_day(self):
         january = datetime.datetime(2011, 1, 1, 8)
-        asked = [Asked(EVERY_MONTH, n, lRecurDay=day, start=january.replace(day=day)) for n in (1, 2, 5) for day in (29, 30, 31)]
+        asked = [Asked(EVERY_MONTH, n, lRecurDay=day, start=january.replace(day=day))
+                 for n in (1, 2, 5) for day in (29, 30, 31)]
         found = self.expect_same_days(asked)
         months = [day.date() for day in itertools.islice(found[2].days(), 14)]
         self.assertEqual(months[1], datetime.date(2011, 2, 28))
@@ -231,6 +234,12 @@ class WrittenSeries(unittest.TestCase):
                                chance.randrange(1, 32), chance.randrange(13), start=start, **end))
         self.expect_same_days(asked, endless=False)
 
+    def test_published_example_is_written_but_for_its_later_version(self):
+        asked = Asked(EVERY_WEEK, lRecurWeekMask=50, lRecurRepeat=12, start=datetime.datetime(2007, 3, 26, 10),
+                      length=datetime.timedelta(minutes=30), until=datetime.datetime(2007, 4, 20), has_until=False)
+        written, = self.properties([asked])
+        self.assertEqual(written, EXAMPLE.replace(b"\x09\x30", b"\x08\x30"))
+
     # What the property says otherwise than its format describes it, and what becomes of strange wishes.
 
     def test_first_date_of_days_and_weeks_is_the_published_one(self):
@@ -241,7 +250,7 @@ class WrittenSeries(unittest.TestCase):
                             Asked(EVERY_WEEK, 0, lRecurWeekMask=WORKING_DAYS))
         for series in found:
             self.assertEqual(series.FirstDateTime, series.published_first_date_time())
-        # The example of the published format has the same.
+        # The published example has the same.
         self.assertEqual(found[-1].FirstDateTime, 8640)
 
     def test_first_date_of_a_monthly_series_is_zero_whatever_its_month_is(self):
@@ -316,15 +325,10 @@ class WrittenSeries(unittest.TestCase):
 
 
 class Decoder(unittest.TestCase):
-    """The decoder itself, by the example of the published format and by what it has to refuse."""
-
-    # MS-OXOCAL 4.1.1.1: every week on Monday, Thursday and Friday, twelve times.
-    WEEKLY = bytes.fromhex("04300430 0B20 0100 0000 C0210000 01000000 00000000 32000000 22200000 0C000000 00000000"
-                           "00000000 00000000 80 20 BC 0C 20 AD BC 0C 06300000 08300000 58020000 76020000 0000"
-                           "00000000 00000000")
+    """The decoder itself, by an example of the published format and by what it has to refuse."""
 
     def test_published_example_is_read_and_expanded(self):
-        series = decode(self.WEEKLY)
+        series = decode(EXAMPLE)
         self.assertEqual((series.RecurFrequency, series.Period, series.WeekDays), (WEEKLY, 1, 50))
         days = list(series.days())
         self.assertEqual(len(days), 12)
@@ -333,14 +337,14 @@ class Decoder(unittest.TestCase):
         self.assertEqual(minutes_of(days[-1]), series.EndDate)
 
     def test_bytes_too_few_or_too_many_are_refused(self):
-        for size in range(len(self.WEEKLY)):
+        for size in range(len(EXAMPLE)):
             with self.assertRaises(ValueError):
-                decode(self.WEEKLY[:size])
+                decode(EXAMPLE[:size])
         with self.assertRaises(ValueError):
-            decode(self.WEEKLY + b"\0")
+            decode(EXAMPLE + b"\0")
 
     def test_deleted_days_are_left_out_but_counted(self):
-        series = decode(self.WEEKLY)
+        series = decode(EXAMPLE)
         days = list(series.days())
         series.DeletedInstanceDates = [minutes_of(days[3])]
         self.assertEqual(list(series.days()), days[:3] + days[4:])

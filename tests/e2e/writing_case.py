@@ -16,6 +16,8 @@ LAST_NAME = 0x3A11001F
 LAST_MODIFICATION_TIME = 0x30080040
 PICTURE = 0x37010102
 REFUSED = 11
+# What stands for a time that the store does not tell.
+NO_TIME = "12/30/1899 00:00:00"
 
 # Each field that is a text alone: its element when it is written, its element when it is read, and its property by tag
 # or, from 0x8000 to 0x8FFF, by its number in the property set of addresses.

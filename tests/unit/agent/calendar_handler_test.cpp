@@ -5,10 +5,12 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "agent/callback_client.h"
 #include "mapi/mapi_object.h"
 #include "tests/unit/agent/write_outputs.h"
+#include "tests/unit/localstore/scarce_memory.h"
 #include "tests/unit/recorded_log.h"
 #include "tests/unit/text_printer.h"
 #include "tests/wire/callback_endpoint.h"
@@ -87,6 +89,54 @@ TEST_F(CalendarHandler, IdentifierIsCutToItsOutput) {
         EXPECT_EQ(CString(out.time), kNoTime);
         EXPECT_EQ(out.time[40], L'#');
         ExpectTheEnd(++writes);
+    }
+}
+
+TEST_F(CalendarHandler, BeforeTheFirstLogonTheCallFailsForWantOfABinding) {
+    const RPC_BINDING_HANDLE binding = std::exchange(g_hOutlookBinding, nullptr);
+    const WriteOutputs out = WriteCalendar(L"<Calendar/>");
+    g_hOutlookBinding = binding;
+    EXPECT_EQ(out.fault, static_cast<unsigned long>(RPC_S_INVALID_BINDING));
+    EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::WriteCalendars - Begin\r\n"}}));
+    EXPECT_EQ(WriteCalendar(L"<Calendar/>").fault, 0U);
+    ExpectTheEnd(1);
+}
+
+TEST_F(CalendarHandler, EveryAllocationThatFailsIsAFailureOrLeavesThatOfTheCallback) {
+    m_endpoint.reset();
+    struct Call {
+        CString text = L"<Calendar><PIMID>" + CString(WideString(60, L'A')) +
+                       L"</PIMID><lFlag>4</lFlag><lCalType>3</lCalType></Calendar>";
+        WriteOutputs out;
+    };
+    const RpcCall write = [](void* context) noexcept {
+        auto& [text, out] = *static_cast<Call*>(context);
+        WriteCalendars(text.data(), out.id, out.time, &out.status);
+    };
+    // The zones are there already, and are not to be read again and again.
+    LoadTimeZones(g_MAPIObject.m_arrTimeZones);
+    for (const bool forever : {false, true}) {
+        int failures = 0;
+        bool hasFailed = true;
+        for (std::size_t n = 1; hasFailed; ++n) {
+            SCOPED_TRACE(testing::Message() << "allocation " << n << (forever ? " and all behind it" : ""));
+            Call call;
+            {
+                const localstore_test::ScarceMemory scarce(n, forever);
+                call.out.fault = GuardRpcCall(write, &call);
+                hasFailed = scarce.HasFailed();
+            }
+            if (call.out.fault == 0) {
+                ++failures;
+                EXPECT_EQ(call.out.status, 1);
+            } else {
+                EXPECT_EQ(call.out.fault, static_cast<unsigned long>(RPC_S_SERVER_UNAVAILABLE));
+            }
+            EXPECT_EQ(CString(call.out.id), L"");
+            EXPECT_EQ(CString(call.out.time), L"");
+            EXPECT_TRUE(hasFailed || call.out.fault != 0);
+        }
+        EXPECT_GT(failures, 0);
     }
 }
 

@@ -282,12 +282,12 @@ TEST(RecurrenceBlob, TheMostDeletedDatesHaveAnArrayAndOneMoreHasNone) {
     EXPECT_EQ(more.result, head.Size() + 4 + 4 * 1'048'577U);
 }
 
-TEST(RecurrenceBlob, OfManyMissingDatesThereIsNoArray) {
+TEST(RecurrenceBlob, OfMoreMissingDatesThan4096ThereIsNoArray) {
     const BlobBytes head = HeadBytes(OfKind(0, 0)).U32(0).U32(0).U32(0);
     const auto most = ReadExactly(BlobBytes(head).U32(4096));
     ASSERT_NE(most.pattern.DeletedInstanceDates, nullptr);
     EXPECT_EQ(most.pattern.DeletedInstanceDates[4095], 0U);
-    const auto more = ReadExactly(BlobBytes(head).U32(4097).Fill(4 * 4096, 'x'));
+    const auto more = ReadExactly(BlobBytes(head).U32(4097).Fill(3, 'x'));
     EXPECT_EQ(more.pattern.DeletedInstanceCount, 4097U);
     EXPECT_EQ(more.pattern.DeletedInstanceDates, nullptr);
     EXPECT_EQ(more.result, head.Size() + 4 + 4 * 4097U);
@@ -295,6 +295,15 @@ TEST(RecurrenceBlob, OfManyMissingDatesThereIsNoArray) {
     const auto exceptions = ReadExactly(BlobBytes(head).U32(0).U32(1'048'576));
     EXPECT_EQ(exceptions.pattern.ModifiedInstanceCount, 1'048'576U);
     EXPECT_EQ(exceptions.pattern.Exceptions, nullptr);
+}
+
+TEST(RecurrenceBlob, AListOfManyDatesThatWasCutKeepsThoseInFrontOfTheCut) {
+    const BlobBytes head = HeadBytes(OfKind(0, 0)).U32(0).U32(0).U32(0);
+    const auto read = ReadExactly(BlobBytes(head).U32(1'000 + 4096).Fill(4 * 1'000, 'x'));
+    ASSERT_NE(read.pattern.DeletedInstanceDates, nullptr);
+    EXPECT_EQ(read.pattern.DeletedInstanceDates[999], 0x78787878U);
+    EXPECT_EQ(read.pattern.DeletedInstanceDates[1'000 + 4095], 0U);
+    EXPECT_EQ(read.result, head.Size() + 4 + 4 * 1'000);
 }
 
 TEST(RecurrenceBlob, SizeOfTheLastBlockCountsModulo32Bits) {

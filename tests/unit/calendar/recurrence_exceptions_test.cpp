@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/calendar/recurrence_digest.h"
 #include "tests/unit/calendar/recurrence_writer.h"
 #include "tests/unit/calendar/sample_series.h"
 #include "tests/unit/text_printer.h"
@@ -243,6 +242,45 @@ TEST(RecurrenceExceptions, TheLongestSubjectIsReadWhole) {
     const CString text(WideString(0xFFFF, WIDE('x')));
     const ReadRecurrence read = ReadWithSubject(0xFFFF, BlobBytes().Wide(text).U32(0).U32(0));
     EXPECT_EQ(read.pattern.Exceptions[0].Subject, text);
+}
+
+/// A series of changes with a subject each. Behind each a block leads back, so that all share one text.
+BlobBytes WithSharedSubject(std::uint16_t exceptions, std::uint16_t units) {
+    BlobBytes blob = UpToExceptionCount(0x3008, exceptions).U16(exceptions);
+    for (int i = 0; i < exceptions; ++i) {
+        blob.Add(InfoHead(0x1)).U16(1).U16(0);  // ExceptionInfo with a subject
+    }
+    return blob
+        .U32(0)                                        // ReservedBlock1Size
+        .U32(0)                                        // ReservedBlockEE1Size
+        .Add(DateBytes({}))                            // StartDateTime, EndDateTime, OriginalStartDate
+        .U16(units)                                    // WideCharSubjectLength
+        .Fill(2 * std::size_t{units}, 'x')             // WideCharSubject
+        .U32(0U - (4U + 12U + 2U + 2U * units + 4U));  // ReservedBlockEE2Size
+}
+
+TEST(RecurrenceExceptions, TextsThatLieInEachOtherTakeNoMoreThanThePropertyHas) {
+    const BlobBytes blob = WithSharedSubject(100, 5'000);
+    const tagRecurrencePattern pattern = ReadExactly(blob).pattern;
+    std::size_t units = 0;
+    for (std::uint32_t i = 0; i < 100; ++i) {
+        units += pattern.Exceptions[i].Subject.size();
+    }
+    EXPECT_EQ(pattern.Exceptions[0].Subject.size(), 5'000U);
+    EXPECT_EQ(pattern.Exceptions[99].Subject, WIDE(""));
+    EXPECT_LE(units, blob.Size() / 2);
+}
+
+TEST(RecurrenceExceptions, TextsThatTakeAsMuchAsThePropertyHasAreReadWhole) {
+    // Two texts of half of what stands around them are as long as the property, and longer ones too long.
+    const auto half = static_cast<std::uint16_t>(WithSharedSubject(2, 0).Size() / 2);
+    const tagRecurrencePattern most = ReadExactly(WithSharedSubject(2, half)).pattern;
+    EXPECT_EQ(most.Exceptions[0].Subject.size(), half);
+    EXPECT_EQ(most.Exceptions[1].Subject.size(), half);
+    const auto longer = static_cast<std::uint16_t>(half + 1);
+    const tagRecurrencePattern more = ReadExactly(WithSharedSubject(2, longer)).pattern;
+    EXPECT_EQ(more.Exceptions[0].Subject.size(), longer);
+    EXPECT_EQ(more.Exceptions[1].Subject, WIDE(""));
 }
 
 /// The reminder's minutes behind an 8-bit subject of two lengths and some bytes.

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "desktop/calendar_conversion.h"
 #include "desktop/conversion.h"
 #include "desktop/failure.h"
 #include "desktop/item_document.h"
@@ -18,6 +19,8 @@ constexpr const wchar_t* kSingle = L"<RecurType>0</RecurType>";
 constexpr const wchar_t* kWeekly =
     L"<lRecurType>2</lRecurType><lRecurInterval>2</lRecurInterval><lRecurInstance>0</lRecurInstance>"
     L"<lRecurWeekMask>10</lRecurWeekMask><lRecurWeekDay>0</lRecurWeekDay><lRecurDay>0</lRecurDay>";
+/// A zone that no machine is in.
+constexpr const wchar_t* kOtherZone = L"GMT:+301;DST:60;STD:0000110102000000;DLT:0000030202000000";
 constexpr const wchar_t* kNever =
     L"<dtRecurEndDate>NULL</dtRecurEndDate><bRecurHasEndDate>FALSE</bRecurHasEndDate>"
     L"<lRecurRepeat>0</lRecurRepeat>";
@@ -89,12 +92,17 @@ TEST(ConvertCalendar, SaysThatItIsAnAppointment) {
     EXPECT_EQ(Element(Series(kNever), L"lCalType"), L"3");
 }
 
-TEST(ConvertCalendar, DropsTimesAndTheZoneThatNoWriteFinds) {
+TEST(ConvertCalendar, DropsTimesAndTheZoneOfThisMachine) {
     const CString converted = Converted(
         Read(L"<CreateTime>1</CreateTime><lastModifiedTime>2</lastModifiedTime>" + CString(kSingle)));
     for (const wchar_t* text : {L"CreateTime", L"lastModifiedTime", L"TimeZone"}) {
         EXPECT_THAT(converted, Not(HasSubstr(text)));
     }
+}
+
+TEST(ConvertCalendar, NamesAnotherZoneByItsNumbersUnlessItIsASeries) {
+    EXPECT_EQ(Element(Read(kSingle, kOtherZone), L"TimeZone"), L"GMT:+301;DST:60");
+    EXPECT_EQ(Element(Read(CString(kWeekly) + kNever, kOtherZone), L"TimeZone"), L"");
 }
 
 TEST(ConvertCalendar, TellsNothingOfASeriesForASingleAppointment) {
@@ -169,10 +177,9 @@ TEST(ConvertCalendar, TellsOfExceptionsThatNoWriteKeeps) {
 }
 
 TEST(ConvertCalendar, TellsOfASeriesOfAnotherZoneAndOfNoSingleAppointment) {
-    const CString zone(L"GMT:+301;DST:0;STD:0000000000000000;DLT:0000000000000000");
-    EXPECT_THAT(LossesOf(Read(CString(kWeekly) + kNever, zone)),
+    EXPECT_THAT(LossesOf(Read(CString(kWeekly) + kNever, kOtherZone)),
                 ElementsAre(HasSubstr(L"another time zone")));
-    EXPECT_THAT(LossesOf(Read(kSingle, zone)), IsEmpty());
+    EXPECT_THAT(LossesOf(Read(kSingle, kOtherZone)), IsEmpty());
 }
 
 TEST(ConvertCalendar, TellsOfWholeDaysThatAreNotFromMidnightToMidnightHere) {
@@ -198,6 +205,21 @@ TEST(ConvertCalendar, LeavesADeletionADeletion) {
     ExpectRefused(deletion, L"deletion", true);
 }
 
+TEST(ObjectionToCalendar, IsThatItIsNoAppointment) {
+    const auto hasObjection = [](const wchar_t* elements) {
+        const CString text = CString(L"<Calendar><lFlag>8</lFlag>") + elements + L"</Calendar>";
+        ItemDocument document(L"Calendar", text.View());
+        return ObjectionToCalendar(document) != nullptr;
+    };
+    EXPECT_FALSE(hasObjection(L"<lCalType>3</lCalType>"));
+    EXPECT_FALSE(hasObjection(L"<lCalType>03rd</lCalType>"));
+    EXPECT_TRUE(hasObjection(L""));
+    EXPECT_TRUE(hasObjection(L"<lCalType/>"));
+    EXPECT_TRUE(hasObjection(L"<lCalType>2</lCalType>"));
+    // Of several the first one counts.
+    EXPECT_TRUE(hasObjection(L"<lCalType>-1</lCalType><lCalType>3</lCalType>"));
+}
+
 TEST(ConvertCalendar, RefusesASeriesThatDoesNotTellHowItRecurs) {
     // Its property could not be read, is missing, or is of a kind that nobody knows.
     for (const wchar_t* type : {L"0", L"2", L""}) {
@@ -208,7 +230,6 @@ TEST(ConvertCalendar, RefusesASeriesThatDoesNotTellHowItRecurs) {
             Read(L"<lRecurType>" + CString(type) + L"</lRecurType><lRecurInterval>1</lRecurInterval>"),
             L"how it recurs");
     }
-    ExpectRefused(Read(L""), L"how it recurs");
 }
 
 TEST(ConvertCalendar, RefusesASeriesOfAnotherCalendar) {
@@ -224,6 +245,7 @@ TEST(ConvertCalendar, RefusesWhatIsNoWholeDocumentOfARead) {
         L"ends too early");
     // One that was converted already.
     ExpectRefused(Converted(Read(kSingle)), L"no document of a read");
+    ExpectRefused(Converted(Read(kSingle, kOtherZone)), L"no document of a read");
     ExpectRefused(Converted(Series(kNever)), L"no document of a read");
 }
 

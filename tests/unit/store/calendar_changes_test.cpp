@@ -219,6 +219,23 @@ TEST_F(CalendarChanges, SentDocumentHasTheFieldsOfAFullRead) {
     EXPECT_EQ(changed, full);
 }
 
+TEST_F(CalendarChanges, WithoutAZoneOfItsOwnAnAppointmentHasTheMachinesInBothReads) {
+    AddAppointments(L"Calendar", {L"One"});
+    LogOn();
+    g_MAPIObject.m_CurrentTimeZone.Bias = 300;
+    g_MAPIObject.m_CurrentTimeZone.DaylightBias = -60;
+    g_MAPIObject.m_CurrentTimeZone.StandardDate = {0, 11, 0, 1, 2, 0, 0, 0};
+    g_MAPIObject.m_CurrentTimeZone.DaylightDate = {0, 3, 0, 2, 2, 0, 0, 0};
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    ASSERT_EQ(ReadChanges(), 0);
+    const std::vector<CString> documents = TakeSentCalendars();
+    ASSERT_EQ(documents.size(), 2U);
+    for (const CString& document : documents) {
+        EXPECT_EQ(TextBetween(document, L"<TimeZone>", L"</TimeZone>"),
+                  L"GMT:+300;DST:60;STD:0000110102000000;DLT:0000030202000000");
+    }
+}
+
 TEST_F(CalendarChanges, ChangedItemGoesOutUnderItsShortTermIdentifierAndADeletionUnderTheListedOne) {
     AddAppointments(L"Calendar", {L"One"});
     WriteFile(L"Work\\Mail\\folder.ini", "[Store]\nLongTermIds=1\n");
@@ -354,7 +371,8 @@ TEST_F(CalendarChanges, FolderThatDoesNotOpenCannotBeListed) {
     LogOn();
     LogItems items;
     BYTE junk[] = {1, 2, 3};
-    EXPECT_EQ(g_MAPIObject.ReadCalendarEventLogFromFolder({3, junk}, items), 0);
+    EXPECT_EQ(
+        g_MAPIObject.ReadCalendarEventLogFromFolder(g_MAPIObject.m_lpEventFolder.Get(), {3, junk}, items), 0);
     const LogLines log = TakeLog();
     ASSERT_EQ(log.size(), 4U);
     EXPECT_EQ(log[2], (LogLine{3,

@@ -11,6 +11,7 @@
 namespace {
 
 namespace recorder = localstore::recorder;
+using NAMESPACE_MAPI::CMAPIObject;
 
 TEST_F(CalendarReading, FullReadWritesItsLinesInOrder) {
     AddAppointments(L"Calendar", {L"One"});
@@ -38,6 +39,48 @@ TEST_F(CalendarReading, FullReadWritesItsLinesInOrder) {
     EXPECT_TRUE(TakeSent().empty());
     EXPECT_EQ(g_MAPIObject.m_nItemsSent, 2);
     EXPECT_EQ(g_MAPIObject.m_nItemTotal, 2);
+}
+
+TEST_F(CalendarReading, SubFolderReadWritesItsLinesInOrder) {
+    MakeFolder(L"Work\\Mail\\Calendar\\A");
+    AddAppointments(L"Calendar", {L"Top"});
+    LogOn();
+    g_bSubFolder = true;
+    EXPECT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    const auto line = [](const wchar_t* operation, const wchar_t* text) {
+        return LogLine{1, CString::Format(L"CMAPIObject::%s - %s\r\n", operation, text)};
+    };
+    const auto folder = [&](const wchar_t* operation) {
+        return LogLines{line(operation, L"m_lpEventFolder->OpenEntry(0X00000000)"),
+                        line(operation, L"lpContainer->GetContentsTable(0X00000000)"),
+                        line(operation, L"pfnHrQueryAllRows(0X00000000)"),
+                        line(operation, L"lpContainer->GetHierarchyTable(0X00000000)"),
+                        line(operation, L"pfnHrQueryAllRows(0X00000000)")};
+    };
+    constexpr const wchar_t* kCount = L"GetCalendarEventCountFromFolder";
+    constexpr const wchar_t* kRead = L"ReadCalendarEventFromFolder";
+    LogLines expected{line(L"ReadCalendars", L"Begin"), line(L"GetCalendarCount", L"Begin"),
+                      line(L"GetCalendarEventCount", L"Begin"),
+                      line(L"GetCalendarEventCount", L"m_lpEventFolder->GetProps(0X00000000)"),
+                      line(kCount, L"Begin")};
+    Append(expected, folder(kCount));
+    expected.push_back(line(kCount, L"Begin"));
+    Append(expected, folder(kCount));
+    Append(expected, {line(kCount, L"Finish"),
+                      line(kCount, L"Finish"),
+                      line(L"GetCalendarEventCount", L"Finish"),
+                      line(L"GetCalendarCount", L"Finish"),
+                      line(L"ReadCalenda", L"Calendar Count(1)"),
+                      line(L"ReadCalendarEvent", L"Begin"),
+                      line(L"ReadContacts", L"m_lpEventFolder->GetProps(0X00000000)"),
+                      {3, L"CMAPIObject::ReadCalendarEvent - NULL lParam1\r\n"},
+                      line(kRead, L"Finish")});
+    Append(expected, folder(kRead));
+    expected.push_back(line(kRead, L"Finish"));
+    Append(expected, folder(kRead));
+    Append(expected, {line(kRead, L"Finish(Succeeded)"), line(kRead, L"Finish(Succeeded)")});
+    Append(expected, LastLines());
+    EXPECT_EQ(TakeLog(), expected);
 }
 
 TEST_F(CalendarReading, DocumentIsTheSameCharacterByCharacter) {
@@ -131,12 +174,12 @@ TEST_F(CalendarReading, CountOfTheRemoteProcedureStandsBetweenItsOwnLines) {
     Append(expected, EventCountLines());
     expected.push_back({1, L"CMAPIObject::GetCalendarCount - Finish\r\n"});
     EXPECT_EQ(TakeLog(), expected);
-    EXPECT_EQ(g_MAPIObject.GetCalendarEventCount(), 2);
+    EXPECT_EQ(CMAPIObject::GetCalendarEventCount(g_MAPIObject.m_lpEventFolder.Get()), 2);
     EXPECT_EQ(TakeLog(), EventCountLines());
 }
 
 TEST_F(CalendarReading, CountWithoutACalendarFolderIsZero) {
-    EXPECT_EQ(g_MAPIObject.GetCalendarEventCount(), 0);
+    EXPECT_EQ(CMAPIObject::GetCalendarEventCount(g_MAPIObject.m_lpEventFolder.Get()), 0);
     EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetCalendarEventCount - Begin\r\n"},
                                    {1, L"CMAPIObject::GetCalendarEventCount - Finish\r\n"}}));
 }
@@ -145,14 +188,15 @@ TEST_F(CalendarReading, CountOfAFolderThatDoesNotOpenIsZero) {
     LogOn();
     BYTE junk[] = {1, 2, 3};
     for (const SBinary& id : {SBinary{0, nullptr}, SBinary{0, junk}, SBinary{3, nullptr}}) {
-        EXPECT_EQ(g_MAPIObject.GetCalendarEventCountFromFolder(id), 0U);
+        EXPECT_EQ(CMAPIObject::GetCalendarEventCountFromFolder(g_MAPIObject.m_lpEventFolder.Get(), id), 0U);
         EXPECT_EQ(
             TakeLog(),
             (LogLines{{1, L"CMAPIObject::GetCalendarEventCountFromFolder - Begin\r\n"},
                       {3, L"CMAPIObject::GetCalendarEventCountFromFolder - NULL or INVALID Parameter\r\n"},
                       {1, L"CMAPIObject::GetCalendarEventCountFromFolder - Finish\r\n"}}));
     }
-    EXPECT_EQ(g_MAPIObject.GetCalendarEventCountFromFolder({3, junk}), 0U);
+    EXPECT_EQ(CMAPIObject::GetCalendarEventCountFromFolder(g_MAPIObject.m_lpEventFolder.Get(), {3, junk}),
+              0U);
     const LogLines log = TakeLog();
     ASSERT_EQ(log.size(), 4U);
     EXPECT_TRUE(log[1].text.starts_with(
@@ -166,7 +210,7 @@ TEST_F(CalendarReading, FolderPropertiesThatCannotBeHadMakeTheCountZero) {
     AddAppointments(L"Calendar", {L"One"});
     LogOn();
     recorder::FailMethod("IMAPIFolder::GetProps", {}, E_FAIL);
-    EXPECT_EQ(g_MAPIObject.GetCalendarEventCount(), 0);
+    EXPECT_EQ(CMAPIObject::GetCalendarEventCount(g_MAPIObject.m_lpEventFolder.Get()), 0);
     EXPECT_EQ(
         TakeLog(),
         (LogLines{{1, L"CMAPIObject::GetCalendarEventCount - Begin\r\n"},
@@ -259,14 +303,18 @@ TEST_F(CalendarReading, DocumentThatCannotBeMadeInTheMiddleEndsTheRead) {
 
 TEST_F(CalendarReading, FolderThatDoesNotOpenFailsTheRead) {
     LogOn();
-    EXPECT_EQ(g_MAPIObject.ReadCalendarEventFromFolder({0, nullptr}, L"Calendar"), 0);
+    EXPECT_EQ(g_MAPIObject.ReadCalendarEventFromFolder(g_MAPIObject.m_lpEventFolder.Get(), {0, nullptr},
+                                                       L"Calendar"),
+              0);
     EXPECT_EQ(
         TakeLog(),
         (LogLines{{1, L"CMAPIObject::ReadCalendarEventFromFolder - Finish\r\n"},
                   {3, L"CMAPIObject::ReadCalendarEventFromFolder - Interrupted or INVALID Parameter\r\n"},
                   {1, L"CMAPIObject::ReadCalendarEventFromFolder - Finish(Failed)\r\n"}}));
     BYTE junk[] = {1, 2, 3};
-    EXPECT_EQ(g_MAPIObject.ReadCalendarEventFromFolder({3, junk}, L"Calendar"), 0);
+    EXPECT_EQ(
+        g_MAPIObject.ReadCalendarEventFromFolder(g_MAPIObject.m_lpEventFolder.Get(), {3, junk}, L"Calendar"),
+        0);
     EXPECT_EQ(
         TakeLog()[2],
         (LogLine{3, L"CMAPIObject::ReadCalendarEventFromFolder - OpenEntry Failed or NULL lpContainer\r\n"}));
@@ -295,6 +343,20 @@ TEST_F(CalendarReading, MessageThatDoesNotOpenGoesOutWithoutItsMessagePart) {
     const std::vector<CString> documents = TakeSentCalendars();
     ASSERT_EQ(documents.size(), 1U);
     EXPECT_TRUE(Contains(documents[0], L"</PIMID>\r\n\t<lCalType>3</lCalType></Calendar>"));
+}
+
+TEST_F(CalendarReading, MessageIsLetGoBeforeItsDocumentIsSent) {
+    AddAppointments(L"Calendar", {L"One"});
+    LogOn();
+    std::vector<long> objects;
+    OnSend([&] { objects.push_back(recorder::LiveObjects()); });
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    // The last one that is opened is the message. Without it there is nothing to let go.
+    recorder::FailCall(LastCallOf("IMAPIFolder::OpenEntry"), false);
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(L""), 0);
+    EXPECT_EQ(TakeSentCalendars().size(), 2U);
+    ASSERT_EQ(objects.size(), 2U);
+    EXPECT_EQ(objects[0], objects[1]);
 }
 
 TEST_F(CalendarReading, WithoutASubjectTheRowHasNoneAndChangesHaveAnEmptyOne) {

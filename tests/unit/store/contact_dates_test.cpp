@@ -1,11 +1,45 @@
 // Birthday and anniversary as they stand in the store, in each of the zones and on both sides of a change.
 
+#include <algorithm>
+#include <chrono>
+#include <iterator>
+#include <string>
+
 #include "tests/unit/store/contact_writing_fixture.h"
 #include "tests/unit/store/machine_zones.h"
 #include "tests/unit/text_printer.h"
 #include "tests/unit/timezone/date_helpers.h"
+#include "tests/unit/timezone/zone_rule.h"
 
 namespace {
+
+using std::chrono::days;
+using std::chrono::hours;
+using std::chrono::seconds;
+
+/// The Sundays on which clocks are put forward and back by law, counted in their months from 1, and 0 for the
+/// last one.
+struct DaysOfChange {
+    const char* zone;
+    std::chrono::month forwardMonth;
+    unsigned forwardSunday;
+    std::chrono::month backMonth;
+    unsigned backSunday;
+};
+constexpr DaysOfChange kDaysOfChange[] = {
+    {"America/New_York", std::chrono::March, 2, std::chrono::November, 1},
+    {"America/Los_Angeles", std::chrono::March, 2, std::chrono::November, 1},
+    {"America/St_Johns", std::chrono::March, 2, std::chrono::November, 1},
+    {"Europe/Berlin", std::chrono::March, 0, std::chrono::October, 0},
+    {"Australia/Adelaide", std::chrono::October, 1, std::chrono::April, 1},
+    {"Australia/Lord_Howe", std::chrono::October, 1, std::chrono::April, 1},
+};
+LocalTime SundayOf(int year, std::chrono::month month, unsigned number) {
+    using std::chrono::Sunday;
+    const std::chrono::year_month in = std::chrono::year(year) / month;
+    return number == 0 ? std::chrono::local_days(in / Sunday[std::chrono::last])
+                       : std::chrono::local_days(in / Sunday[number]);
+}
 
 class ContactDates : public ContactWriting {
   protected:
@@ -16,31 +50,12 @@ class ContactDates : public ContactWriting {
             GTEST_SKIP() << "runs with TZ set to one of its zones";
         }
         m_zone = *zone;
-        g_MAPIObject.m_CurrentTimeZone.Bias = m_zone.bias;
-        // Half an hour on Lord Howe, which not every platform knows.
-        TIME_ZONE_INFORMATION machine{};
-        GetTimeZoneInformation(&machine);
-        m_daylight = m_zone.daylightMonth == 0 ? 0 : machine.DaylightBias;
+        // The zone of the machine, as a logon finds it.
+        LogOn();
+        EXPECT_EQ(g_MAPIObject.m_CurrentTimeZone.Bias, m_zone.bias);
     }
-    /// UTC minus local time in January or in July, in minutes.
-    [[nodiscard]] int OffsetIn(WORD month) const {
-        const bool isNorthern = m_zone.daylightMonth < m_zone.standardMonth;
-        return m_zone.bias + (isNorthern == (month == 7) ? m_daylight : 0);
-    }
-    /// Midnight of a day and some minutes, on the calendar alone.
-    static CString Later(WORD year, WORD month, WORD day, int minutes) {
-        const SYSTEMTIME midnight = Fields(year, month, day);
-        FILETIME time{};
-        SystemTimeToFileTime(&midnight, &time);
-        ULARGE_INTEGER steps{};
-        steps.LowPart = time.dwLowDateTime;
-        steps.HighPart = time.dwHighDateTime;
-        steps.QuadPart += static_cast<ULONGLONG>(static_cast<LONGLONG>(minutes) * 600000000);
-        time = {steps.LowPart, steps.HighPart};
-        SYSTEMTIME later{};
-        FileTimeToSystemTime(&time, &later);
-        return ::Text(later);
-    }
+    /// UTC minus standard time in whole hours; the minutes of both signs are dropped.
+    [[nodiscard]] hours WholeHours() const { return hours(m_zone.bias / 60); }
     /// The UTC time of a property; empty if it is not there.
     [[nodiscard]] CString TimeOf(ULONG tag) const {
         const MapiBuffer<SPropValue> value = GetProperty(Message().Get(), tag);
@@ -50,24 +65,74 @@ class ContactDates : public ContactWriting {
     [[nodiscard]] CString NamedTimeOf(LONG id) const {
         return TimeOf(FolderWriter::AddressTag(Message().Get(), id, PT_SYSTIME));
     }
+    /// Writes a contact with two dates and expects them in the store, each as the time that it is in UTC and
+    /// under its name once more with the whole hours of the zone taken off. Times that are two in UTC, or
+    /// none, are the platform's affair.
+    void ExpectDates(const LocalTime& birthday, const LocalTime& anniversary) {
+        const CString texts[] = {TimeText(birthday), TimeText(anniversary)};
+        SCOPED_TRACE(testing::PrintToString(texts[0]) + " and " + testing::PrintToString(texts[1]));
+        m_contact.m_strPIMID.clear();
+        Write(8, {{4003, texts[0].c_str()}, {4019, texts[1].c_str()}});
+        ASSERT_EQ(m_contact.m_lFlag, 0);
+        ExpectTime(TimeOf(PR_BIRTHDAY), birthday);
+        ExpectTime(TimeOf(PR_WEDDING_ANNIVERSARY), anniversary);
+        ExpectTime(NamedTimeOf(0x80DE), birthday - WholeHours());
+        ExpectTime(NamedTimeOf(0x80DF), anniversary - WholeHours());
+    }
+    void ExpectTime(const CString& stored, const LocalTime& local) {
+        if (m_rule.IsOneTime(local)) {
+            EXPECT_EQ(stored, TimeText(m_rule.ToUtc(local)));
+            ++m_expected;
+        }
+    }
+    /// Dates around a change of the clocks, between whose begin and end times are left out or come twice.
+    void ExpectDatesAround(const LocalTime& begin, const LocalTime& end) {
+        const LocalTime midnight = std::chrono::floor<days>(begin);
+        ExpectDates(midnight - days(1), midnight + days(1));
+        ExpectDates(midnight, midnight + days(2));
+        ExpectDates(begin - hours(1), end + hours(1));
+        ExpectDates(begin - seconds(1), end);
+        ExpectDates(begin - hours(24), end + hours(24));
+    }
 
     MachineZone m_zone{};
-    int m_daylight = 0;
+    ZoneRule m_rule = ZoneRule::OfThisProcess();
+    int m_year = m_rule.YearOr(2020);
+    int m_expected = 0;
 };
 
 TEST_F(ContactDates, AreWrittenAsMidnightHereAndOnceMoreWithTheWholeHoursOfTheOffsetTakenOff) {
-    Write(8, {{4003, L"2020-01-15 00:00:00"}, {4019, L"2020-07-15 00:00:00"}});
-    EXPECT_EQ(TimeOf(PR_BIRTHDAY), Later(2020, 1, 15, OffsetIn(1)));
-    EXPECT_EQ(TimeOf(PR_WEDDING_ANNIVERSARY), Later(2020, 7, 15, OffsetIn(7)));
-    const int hours = m_zone.bias / 60;
-    EXPECT_EQ(NamedTimeOf(0x80DE), Later(2020, 1, 15, OffsetIn(1) - hours * 60));
-    EXPECT_EQ(NamedTimeOf(0x80DF), Later(2020, 7, 15, OffsetIn(7) - hours * 60));
+    ExpectDates(At(m_year, 1, 15), At(m_year, 7, 15));
+    EXPECT_EQ(m_expected, 4);
 }
 
 TEST_F(ContactDates, OfSummerAndWinterChangePlaces) {
-    Write(8, {{4003, L"2020-07-15 00:00:00"}, {4019, L"2020-01-15 00:00:00"}});
-    EXPECT_EQ(TimeOf(PR_BIRTHDAY), Later(2020, 7, 15, OffsetIn(7)));
-    EXPECT_EQ(TimeOf(PR_WEDDING_ANNIVERSARY), Later(2020, 1, 15, OffsetIn(1)));
+    ExpectDates(At(m_year, 7, 15), At(m_year, 1, 15));
+    EXPECT_EQ(m_expected, 4);
+}
+
+TEST_F(ContactDates, AroundTheDayOnWhichTheClocksArePutForward) {
+    // Elsewhere nothing changes on such a day.
+    const LocalTime change = m_rule.HasChanges() ? m_rule.Forward(m_year) : At(m_year, 3, 8, 2);
+    ExpectDatesAround(change, change + m_rule.Amount());
+    EXPECT_GE(m_expected, 16);
+}
+
+TEST_F(ContactDates, AroundTheDayOnWhichTheClocksArePutBack) {
+    const LocalTime change = m_rule.HasChanges() ? m_rule.Back(m_year) : At(m_year, 11, 1, 2);
+    ExpectDatesAround(change - m_rule.Amount(), change);
+    EXPECT_GE(m_expected, 16);
+}
+
+TEST_F(ContactDates, ChangeOnTheDaysOfTheLaw) {
+    const auto* const law = std::ranges::find(kDaysOfChange, std::string(m_zone.name), &DaysOfChange::zone);
+    ASSERT_EQ(m_rule.HasChanges(), law != std::end(kDaysOfChange));
+    if (m_rule.HasChanges()) {
+        EXPECT_EQ(std::chrono::floor<days>(m_rule.Forward(m_year)),
+                  SundayOf(m_year, law->forwardMonth, law->forwardSunday));
+        EXPECT_EQ(std::chrono::floor<days>(m_rule.Back(m_year)),
+                  SundayOf(m_year, law->backMonth, law->backSunday));
+    }
 }
 
 /// These need no zone.

@@ -151,10 +151,11 @@ TEST_F(ContactWriting, NameAndInitialsAreMadeOfTheParts) {
 TEST_F(ContactWriting, WithoutPartsTheNameGoesEvenIfAFullNameWasSent) {
     Write(8, {{1, L"John"}});
     Write(4, {{5, L"John Doe"}});
-    EXPECT_EQ(Text(PR_DISPLAY_NAME_W), L"(none)");
-    EXPECT_EQ(Text(PR_INITIALS_W), L"(none)");
+    for (const ULONG tag :
+         {PR_DISPLAY_NAME_W, PR_SUBJECT_W, PR_NORMALIZED_SUBJECT_W, PR_INITIALS_W, PR_GIVEN_NAME_W}) {
+        EXPECT_EQ(Text(tag), L"(none)") << std::hex << tag;
+    }
     EXPECT_EQ(NamedText(0x8005), L"(none)");
-    EXPECT_EQ(Text(PR_GIVEN_NAME_W), L"(none)");
 }
 
 TEST_F(ContactWriting, WhatTheRecordLeavesOutGoesAndOtherPropertiesStay) {

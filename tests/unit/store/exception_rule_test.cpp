@@ -83,6 +83,15 @@ TEST(ExceptionRule, WithoutAReminderOfTheSeriesAChangeHasNone) {
               Whole(Modification(L"2011/03/07", L"2011/03/08", kReview, kRoom, L"0", L"-1", L"0")));
 }
 
+TEST(ExceptionRule, AReminderOfTheSeriesAtItsStartOrBehindItIsOneToo) {
+    for (const auto& [minutes, text] : {std::pair{0, L"0"}, std::pair{-2, L"-2"}}) {
+        SeriesDefaults defaults = kDefaults;
+        defaults.reminderMinutes = minutes;
+        EXPECT_EQ(TextOfOne(Moved(kFirstMonday, 0), defaults),
+                  Whole(Modification(L"2011/03/07", L"2011/03/08", kReview, kRoom, L"1", text, L"0")));
+    }
+}
+
 TEST(ExceptionRule, EachOverrideChangesItsOwnLine) {
     tagRecurrenceException own = Moved(kFirstMonday, 0x1FF);
     own.Subject = WIDE("Test");

@@ -180,7 +180,8 @@ TEST_F(FolderLogTest, WalkOfSubFoldersWritesItsLinesInOrder) {
     MapiBuffer<SPropValue> id;
     ASSERT_EQ(pfnHrGetOneProp(g_MAPIObject.m_lpContactFolder.Get(), PR_ENTRYID, id.Put()), S_OK);
     TakeLog();
-    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder(id->Value.bin, items), 1);
+    EXPECT_EQ(
+        g_MAPIObject.ReadContactLogFromFolder(g_MAPIObject.m_lpContactFolder.Get(), id->Value.bin, items), 1);
     const LogLines folder{
         {1, L"CMAPIObject::ReadContactLogFromFolder - Begin\r\n"},
         {1, L"CMAPIObject::ReadContactLogFromFolder - m_lpContactFolder->OpenEntry(0X00000000)\r\n"},
@@ -206,14 +207,16 @@ TEST_F(FolderLogTest, StopInFrontOfTheWalkFailsTheRead) {
 TEST_F(FolderLogTest, FolderThatDoesNotOpenFailsTheWalk) {
     LogOn();
     LogItems items;
-    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder({0, nullptr}, items), 0);
+    EXPECT_EQ(
+        g_MAPIObject.ReadContactLogFromFolder(g_MAPIObject.m_lpContactFolder.Get(), {0, nullptr}, items), 0);
     EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::ReadContactLogFromFolder - Begin\r\n"},
                                    {3,
                                     L"CMAPIObject::ReadContactLogFromFolder - Interrupted or INVALID "
                                     L"Parameter\r\n"},
                                    {1, L"CMAPIObject::ReadContactLogFromFolder - Finish(Failed)\r\n"}}));
     BYTE junk[] = {1, 2, 3};
-    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder({3, junk}, items), 0);
+    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder(g_MAPIObject.m_lpContactFolder.Get(), {3, junk}, items),
+              0);
     const LogLines log = TakeLog();
     ASSERT_EQ(log.size(), 4U);
     // The code behind OpenEntry is the store's.
@@ -231,7 +234,7 @@ TEST_F(FolderLogTest, WithoutAChosenFolderTheWalkFails) {
     const ComPtr<IMAPIFolder> chosen = std::move(g_MAPIObject.m_lpContactFolder);
     BYTE id[] = {1};
     LogItems items;
-    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder({1, id}, items), 0);
+    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder(g_MAPIObject.m_lpContactFolder.Get(), {1, id}, items), 0);
     EXPECT_EQ(TakeLog(), kRefusedLines);
 }
 
@@ -240,7 +243,7 @@ TEST_F(FolderLogTest, WalkThatIsStoppedBeforehandFailsWithItsLines) {
     g_MAPIObject.m_bStop = 1;
     BYTE id[] = {1};
     LogItems items;
-    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder({1, id}, items), 0);
+    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder(g_MAPIObject.m_lpContactFolder.Get(), {1, id}, items), 0);
     EXPECT_EQ(TakeLog(), kRefusedLines);
 }
 
@@ -257,11 +260,13 @@ TEST_F(FolderLogTest, WalkWithoutItsTableFailsWithItsLines) {
     LogItems items;
     TakeLog();
     recorder::FailMethod("IMAPIFolder::GetContentsTable", {}, E_FAIL);
-    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder(id->Value.bin, items), 0);
+    EXPECT_EQ(
+        g_MAPIObject.ReadContactLogFromFolder(g_MAPIObject.m_lpContactFolder.Get(), id->Value.bin, items), 0);
     EXPECT_EQ(TakeLog(), expected);
     recorder::ClearFailures();
     recorder::FailMethod("HrQueryAllRows", {}, E_FAIL);
-    EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder(id->Value.bin, items), 0);
+    EXPECT_EQ(
+        g_MAPIObject.ReadContactLogFromFolder(g_MAPIObject.m_lpContactFolder.Get(), id->Value.bin, items), 0);
     expected[2].text =
         L"CMAPIObject::ReadContactLogFromFolder - lpContainer->GetContentsTable(0X00000000)\r\n";
     expected.insert(expected.begin() + 3,

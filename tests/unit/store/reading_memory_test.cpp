@@ -149,8 +149,10 @@ TEST_F(CalendarReading, WhatWasMarkedIsReadWithoutMemoryAndNothingIsRaised) {
     for (const bool isCalendar : {false, true}) {
         int result = 0;
         const localstore_test::ScarceMemory scarce(1, true);
-        EXPECT_NO_THROW(result = isCalendar ? g_MAPIObject.ReadCalendarEventFromLog(items, path)
-                                            : g_MAPIObject.ReadContactFromLog(items, path));
+        EXPECT_NO_THROW(result = isCalendar ? g_MAPIObject.ReadCalendarEventFromLog(
+                                                  g_MAPIObject.m_lpEventFolder.Get(), items, path)
+                                            : g_MAPIObject.ReadContactFromLog(
+                                                  g_MAPIObject.m_lpContactFolder.Get(), items, path));
         EXPECT_EQ(result, 1);
         EXPECT_TRUE(scarce.HasFailed());
     }

@@ -236,6 +236,23 @@ TEST(SplitDate, ADateThatCannotBeSplitGivesMinusOne) {
     }
 }
 
+TEST(MidnightOf, IsTheDateWithoutItsTime) {
+    const COleDateTime midnight = MidnightOf(Date(2010, 2, 10, 23, 59, 59));
+    EXPECT_EQ(midnight.m_dt, 40219.0);
+    EXPECT_EQ(midnight.m_status, kDateValid);
+    // In front of the day zero, where values run backwards within a day.
+    EXPECT_EQ(MidnightOf(Date(1899, 12, 29, 18)).m_dt, -1.0);
+}
+
+TEST(MidnightOf, ADateThatHasNoneIsInvalidWithTheValueZero) {
+    for (const COleDateTime date : {COleDateTime{40219.5, kDateInvalid}, COleDateTime{40219.5, kDateNull},
+                                    COleDateTime{3000000.0, kDateValid}}) {
+        const COleDateTime midnight = MidnightOf(date);
+        EXPECT_EQ(midnight.m_dt, 0.0);
+        EXPECT_EQ(midnight.m_status, kDateInvalid);
+    }
+}
+
 TEST(MinutesSince1601, CountsToTheMidnightOfTheDate) {
     EXPECT_EQ(MinutesSince1601(Date(1601, 1, 1)), 0U);
     EXPECT_EQ(MinutesSince1601(Date(1601, 1, 2, 13, 45)), 1440U);

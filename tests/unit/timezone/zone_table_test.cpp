@@ -392,6 +392,14 @@ TEST(ZoneByTextOfNoZones, EmptyTableFindsNone) {
     EXPECT_EQ(FindTimeZoneByText({}, L"GMT:+0;DST:0"), -1);
 }
 
+/// A text of a zone's key, read in the platform's own way.
+CString TextOfKey(HKEY zones, const wchar_t* zone, const wchar_t* value) {
+    std::array<wchar_t, 512> text{};
+    DWORD size = sizeof(text);
+    EXPECT_EQ(RegGetValueW(zones, zone, value, RRF_RT_REG_SZ, nullptr, text.data(), &size), ERROR_SUCCESS);
+    return {text.data()};
+}
+
 TEST(ZonesOfThisMachine, AreThoseOfItsRegistryOneByOne) {
     TimeZoneTable table;
     ASSERT_EQ(LoadTimeZones(table), 1);
@@ -401,25 +409,32 @@ TEST(ZonesOfThisMachine, AreThoseOfItsRegistryOneByOne) {
                       KEY_READ, zones.Put()),
         ERROR_SUCCESS);
     std::size_t index = 0;
+    std::size_t withDaylightSaving = 0;
     wchar_t name[256];
     for (; RegEnumKeyW(zones.Get(), static_cast<DWORD>(index), name, 256) == ERROR_SUCCESS; ++index) {
+        SCOPED_TRACE(testing::PrintToString(CString(name)));
         ASSERT_LT(index, table.GetSize());
         const tagZebTimeZone& zone = table[index];
         ZoneBytes rules;
         DWORD size = sizeof(rules);
         ASSERT_EQ(RegGetValueW(zones.Get(), name, L"TZI", RRF_RT_ANY, nullptr, &rules, &size), ERROR_SUCCESS);
         EXPECT_EQ(zone.Bias, rules.bias);
+        EXPECT_EQ(zone.StandardBias, rules.standardBias);
         EXPECT_EQ(zone.DaylightBias, rules.daylightBias);
         EXPECT_TRUE(SameFields(zone.StandardDate, rules.standardDate));
         EXPECT_TRUE(SameFields(zone.DaylightDate, rules.daylightDate));
-        wchar_t display[512] = L"";
-        size = sizeof(display);
-        ASSERT_EQ(RegGetValueW(zones.Get(), name, L"Display", RRF_RT_ANY, nullptr, display, &size),
-                  ERROR_SUCCESS);
-        EXPECT_EQ(zone.Display, display);
+        EXPECT_EQ(zone.Display, TextOfKey(zones.Get(), name, L"Display"));
+        EXPECT_EQ(zone.Std, TextOfKey(zones.Get(), name, L"Std"));
+        EXPECT_EQ(zone.Dlt, TextOfKey(zones.Get(), name, L"Dlt"));
+        EXPECT_FALSE(zone.Std.empty());
+        EXPECT_FALSE(zone.Dlt.empty());
+        withDaylightSaving += rules.daylightDate.wMonth != 0 ? 1 : 0;
     }
     EXPECT_EQ(index, table.GetSize());
     EXPECT_GT(index, 100U);
+    // Both kinds of zone were among them.
+    EXPECT_GT(withDaylightSaving, 10U);
+    EXPECT_LT(withDaylightSaving, index);
 }
 
 TEST(ZonesOfThisMachine, IndiaHasItsHalfHourAndNoDaylightSaving) {
