@@ -2,11 +2,19 @@
 
 // The store and the agent that the sweeps work on.
 
+#include <cstdlib>
 #include <optional>
+#include <string_view>
 
 #include "localstore/recorder.h"
 #include "tests/faults/operation.h"
 #include "tests/unit/timezone/zone_registry.h"
+
+/// True for a sweep of every point with every code, as against some points with the first one of each kind.
+inline bool IsFullSweep() {
+    const char* const wanted = std::getenv("ZEB_FAULTS");
+    return wanted != nullptr && std::string_view(wanted) == "full";
+}
 
 class FaultTest : public StoreTest {
   protected:

@@ -37,6 +37,7 @@ class StoreState {
     [[nodiscard]] bool MapIsWhole(const CString& map) const;
 
     CContactEx contact;
+    CCalendarEx calendar;
     CString contactId;   ///< of the contact in the sub-folder, whose name is the old one
     CString calendarId;  ///< likewise of an appointment
     CString contactSelection;
