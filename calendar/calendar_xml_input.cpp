@@ -28,8 +28,8 @@ void TakeEntry(CCalendarEx& calendar, const CString& text) {
     calendar.AddField(FieldId, text);
 }
 
-/// The fields that the text does not hold are 0. Of a date that does not exist only the status is taken,
-/// because platforms differ in what they make of its value.
+/// Of a date that does not exist only the status is taken, because platforms differ in what they make of its
+/// value.
 template<COleDateTime CCalendarEx::*Member>
 void TakeDate(CCalendarEx& calendar, const CString& text) {
     int month = 0;
@@ -38,8 +38,9 @@ void TakeDate(CCalendarEx& calendar, const CString& text) {
     int hour = 0;
     int minute = 0;
     int second = 0;
-    std::swscanf(text.c_str(), L"%02d/%02d/%04d %02d:%02d:%02d", &month, &day, &year, &hour, &minute,
-                 &second);
+    // A field that the text does not hold stays 0.
+    static_cast<void>(std::swscanf(text.c_str(), L"%02d/%02d/%04d %02d:%02d:%02d", &month, &day, &year, &hour,
+                                   &minute, &second));
     COleDateTime date;
     date.SetDateTime(static_cast<WORD>(year), static_cast<WORD>(month), static_cast<WORD>(day),
                      static_cast<WORD>(hour), static_cast<WORD>(minute), static_cast<WORD>(second));

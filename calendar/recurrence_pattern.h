@@ -98,7 +98,8 @@ struct tagRecurrencePattern {
     std::uint32_t StartTimeOffset = 0;  ///< minutes from midnight
     std::uint32_t EndTimeOffset = 0;    ///< minutes from midnight
     std::uint32_t DeletedInstanceCount = 0;
-    /// Null if the count is 0, and where the count asked for more than there is.
+    /// Null if the count is 0. Null too, while the count stays, if there is no memory for as many or the
+    /// reader takes the count for damage. Up to 4096 dates that a property lacks are zeros here.
     std::unique_ptr<std::uint32_t[]> DeletedInstanceDates;
     std::uint32_t ModifiedInstanceCount = 0;
     std::unique_ptr<tagRecurrenceException[]> Exceptions;  ///< likewise

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cwchar>
 #include <string>
 
 #include "desktop/callback_service.h"
@@ -40,8 +41,8 @@ class TemporaryFile {
     CString m_path;
 };
 
-/// Stops the read at its first document: by then the map is complete. From in here the mark comes in the
-/// middle of the read for certain, which takes it back at its end.
+/// Stops the read at its first document, where a read of changes can be stopped: by then the map is complete.
+/// From in here the mark comes in the middle of the read for certain, which takes it back at its end.
 class StoppingReceiver : public ItemReceiver {
   public:
     explicit StoppingReceiver(const ItemKind& kind) : m_kind(kind) {}
@@ -62,6 +63,10 @@ class StoppingReceiver : public ItemReceiver {
   private:
     /// The file of the picture belongs to whoever receives the document.
     void RemovePicture(const wchar_t* document) const {
+        // A read of changed appointments does not stop, so all of them come here, and none has a picture.
+        if (std::wcsstr(document, L"<PICPath>") == nullptr) {
+            return;
+        }
         const ComApartmentHold hold;
         ItemDocument item(m_kind.root, document);
         const CString path = item.Field(L"PICPath");

@@ -83,7 +83,8 @@ void CMAPIObject::WriteFolderDocument(CXMLParser& document, wchar_t* lpszFolders
         }
         for (ULONG i = 0; i < stores.Count(); ++i) {
             const SRow& row = stores.Row(i);
-            if (row.lpProps != nullptr && GetAppFolderFromStore(&row, document, nullptr, kStoreDepth) == 0) {
+            if (row.lpProps != nullptr &&
+                GetAppFolderFromStore(session.Get(), &row, document, nullptr, kStoreDepth) == 0) {
                 AfxThrowUserException();
             }
         }
@@ -93,8 +94,8 @@ void CMAPIObject::WriteFolderDocument(CXMLParser& document, wchar_t* lpszFolders
                         L"CMAPIObject::GetAppFolder : Failed to Save Folders\r\n");
 }
 
-int CMAPIObject::GetAppFolderFromStore(const SRow* row, CXMLParser& document, IXMLDOMNode* parent,
-                                       int depth) {
+int CMAPIObject::GetAppFolderFromStore(IMAPISession* session, const SRow* row, CXMLParser& document,
+                                       IXMLDOMNode* parent, int depth) {
     LogLine(kLogTrace, L"GetAppFolderFromStore", L"Begin");
     bool succeeded = false;
     try {
@@ -112,7 +113,7 @@ int CMAPIObject::GetAppFolderFromStore(const SRow* row, CXMLParser& document, IX
                               node.Get());
         AppendNameAndId(document, node.Get(), depth + 1, TextOfColumn(*row, kStoreName, PR_DISPLAY_NAME_W),
                         HexId(EntryIdOfColumn(*row, kStoreEntryId)));
-        succeeded = AppendStoreFolders(*row, document, node.Get(), depth + 1);
+        succeeded = AppendStoreFolders(session, *row, document, node.Get(), depth + 1);
         EndElement(document, node.Get(), depth);
     } catch (...) {
         succeeded = false;
@@ -121,10 +122,9 @@ int CMAPIObject::GetAppFolderFromStore(const SRow* row, CXMLParser& document, IX
     return succeeded ? 1 : 0;
 }
 
-bool CMAPIObject::AppendStoreFolders(const SRow& row, CXMLParser& document, IXMLDOMNode* node, int depth) {
-    const ComPtr<IMAPISession> session = m_lpMAPISession;
-    const ComPtr<IMsgStore> store =
-        session ? OpenStore(session.Get(), row, L"GetAppFolderFromStore") : ComPtr<IMsgStore>();
+bool CMAPIObject::AppendStoreFolders(IMAPISession* session, const SRow& row, CXMLParser& document,
+                                     IXMLDOMNode* node, int depth) {
+    const ComPtr<IMsgStore> store = OpenStore(session, row, L"GetAppFolderFromStore");
     if (!store) {
         return true;
     }

@@ -63,9 +63,10 @@ class CMAPIObject {
     int GetAppProfile(wchar_t* lpszProfiles);
     /// Writes the folder trees of all stores to their file. Returns 0 for success and 1 for failure.
     int GetAppFolder(wchar_t* lpszFolders);
-    /// Appends one store of the store table with its folders. Returns 1 or 0; a store that does not open is
-    /// no failure.
-    int GetAppFolderFromStore(const SRow* row, CXMLParser& document, IXMLDOMNode* parent, int depth);
+    /// Appends one store of the store table with its folders, opened through the session that the operation
+    /// holds, which must be there. Returns 1 or 0; a store that does not open is no failure.
+    int GetAppFolderFromStore(IMAPISession* session, const SRow* row, CXMLParser& document,
+                              IXMLDOMNode* parent, int depth);
     /// Appends the sub-folders of a folder, with theirs. Returns 1 or 0.
     int GetAppFolderFromFolder(IMsgStore* store, const SBinary& entryId, CXMLParser& document,
                                IXMLDOMNode* parent, int depth);
@@ -211,7 +212,8 @@ class CMAPIObject {
     void WriteProfileDocument(CXMLParser& document, wchar_t* lpszProfiles);
     void OpenProfileAdministration();
     void WriteFolderDocument(CXMLParser& document, wchar_t* lpszFolders);
-    bool AppendStoreFolders(const SRow& row, CXMLParser& document, IXMLDOMNode* node, int depth);
+    bool AppendStoreFolders(IMAPISession* session, const SRow& row, CXMLParser& document, IXMLDOMNode* node,
+                            int depth);
     bool AppendSubFolders(IMsgStore* store, const SBinary& entryId, CXMLParser& document, IXMLDOMNode* parent,
                           int depth);
     bool AppendFolder(IMsgStore* store, const SRow& row, CXMLParser& document, IXMLDOMNode* parent,

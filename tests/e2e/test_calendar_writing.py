@@ -2,6 +2,7 @@
 endpoint, and in twelve zones."""
 
 import datetime
+import unittest
 import xml.etree.ElementTree
 import zoneinfo
 
@@ -152,23 +153,34 @@ class Zones(CalendarWritingCase):
              (2021, 3, 28, 4, 30), (2021, 10, 31, 0, 30), (2021, 10, 31, 4, 30), (2021, 11, 7, 0, 30), (2021, 11, 7, 4, 30),
              (2021, 4, 4, 0, 30), (2021, 4, 4, 5, 30), (2021, 10, 3, 0, 30), (2021, 10, 3, 5, 30)]
 
+    def write_times(self, name, **more):
+        """Writes appointments at the times with an agent in a zone, and reads them back."""
+        agent = self.place.start_agent(TZ=name, **more)
+        self.send(*(self.named(ADD, None, moment(*time), dtStartTime=moment(*time),
+                               dtEndTime=moment(*time[:4], time[4] + 15), lReminderMinutes="30", lRecurType="1")
+                    for time in self.TIMES))
+        messages = self.messages()
+        self.assertEqual(len(messages), len(self.TIMES))
+        for time in self.TIMES:
+            self.assert_times(messages[moment(*time)], datetime.datetime(*time), name)
+        for subject, item in self.read_fields().items():
+            self.assertEqual(item["dtStartTime"], subject)
+        agent.kill()
+        agent.wait()
+        self.empty_folder()
+
     def test_times_of_twelve_zones_on_both_sides_of_their_changes(self):
         self.assertEqual(len(ZONES), 12)
         for name in ZONES:
             with self.subTest(zone=name):
-                agent = self.place.start_agent(TZ=name)
-                self.send(*(self.named(ADD, None, moment(*time), dtStartTime=moment(*time),
-                                       dtEndTime=moment(*time[:4], time[4] + 15), lReminderMinutes="30", lRecurType="1")
-                            for time in self.TIMES))
-                messages = self.messages()
-                self.assertEqual(len(messages), len(self.TIMES))
-                for time in self.TIMES:
-                    self.assert_times(messages[moment(*time)], datetime.datetime(*time), name)
-                for subject, item in self.read_fields().items():
-                    self.assertEqual(item["dtStartTime"], subject)
-                agent.kill()
-                agent.wait()
-                self.empty_folder()
+                self.write_times(name)
+
+    @unittest.skipUnless(harness.OTHER_CLOCK, harness.NO_OTHER_CLOCK)
+    def test_what_is_written_in_winter_and_in_summer_is_the_same(self):
+        for today in (datetime.datetime(2021, 1, 15, 12), datetime.datetime(2021, 7, 15, 12)):
+            for name in ZONES:
+                with self.subTest(zone=name, today=today):
+                    self.write_times(name, **harness.clock_at(today))
 
     def assert_times(self, message, local, zone):
         here = local.replace(tzinfo=zoneinfo.ZoneInfo(zone))

@@ -3,6 +3,7 @@
 import datetime
 import struct
 import time
+import unittest
 import zoneinfo
 
 import appointments
@@ -185,31 +186,91 @@ class StrangeSeries(CalendarCase):
 
 
 class Zones(CalendarCase):
-    def test_the_machines_zone_decides_on_times_of_day_and_on_nothing_else(self):
-        year = datetime.date.today().year
+    SERIES = weekly(deleted=[MONDAY, MONDAY + WEEK], changes=[moved(MONDAY)])
+    MOVING = ("CreateTime", "lastModifiedTime", "dtStartTime", "dtEndTime")
+
+    def make_starts(self, year):
+        """Makes a series for each of three starts in a year. Gives the starts, which are UTC, by their subjects."""
         starts = {"Winter": (year, 1, 15, 12, 0), "Summer": (year, 7, 15, 12, 0), "New Year": (year, 1, 1, 0, 30)}
-        series = weekly(deleted=[MONDAY, MONDAY + WEEK], changes=[moved(MONDAY)])
         zone = zone_blob(300, -60, (11, 0, 1, 2), (3, 0, 2, 2))
-        self.place.make_items(appointment(name, start=start, end=start, kind=2, series=series, zone=zone, reminder=15)
+        self.place.make_items(appointment(name, start=start, end=start, kind=2, series=self.SERIES, zone=zone, reminder=15)
                               for name, start in starts.items())
-        moving = ("CreateTime", "lastModifiedTime", "dtStartTime", "dtEndTime")
+        return starts
+
+    def local(self, utc, name):
+        """What the clocks of a zone show at a moment, as documents tell it."""
+        moment = datetime.datetime(*utc, tzinfo=datetime.timezone.utc).astimezone(zoneinfo.ZoneInfo(name))
+        return moment.strftime("%m/%d/%Y %H:%M:%S")
+
+    def assert_local(self, found, starts, name):
+        for subject, start in starts.items():
+            self.assertEqual([found[subject][element] for element in ("dtStartTime", "dtEndTime")],
+                             [self.local(start, name)] * 2, (name, subject))
+
+    def unmoving(self, found, starts):
+        """The fields of the series in which no zone of a machine plays a part."""
+        return {subject: {element: text for element, text in found[subject].items() if element not in self.MOVING}
+                for subject in starts}
+
+    def assert_same(self, everywhere):
+        """All reads gave these fields alike, and as they were made."""
+        for others in everywhere[1:]:
+            self.assertEqual(others, everywhere[0])
+        for subject, item in everywhere[0].items():
+            self.assertEqual(item["TimeZone"], "GMT:+300;DST:60;STD:0000110102000000;DLT:0000030202000000")
+            self.assertEqual(item["ExceptionRule"], self.SERIES.rule(subject, "", 15))
+            self.assertEqual(item["dtRecurEndDate"], END["dtRecurEndDate"])
+
+    def test_the_machines_zone_decides_on_times_of_day_and_on_nothing_else(self):
+        starts = self.make_starts(datetime.date.today().year)
         everywhere = []
         for name in ZONES:
             found = self.read(TZ=name)
             self.assertEqual(self.place.run_desktop("shutdown")[0], 0)
-            for subject, start in starts.items():
-                instant = datetime.datetime(*start, tzinfo=datetime.timezone.utc).astimezone(zoneinfo.ZoneInfo(name))
-                here = instant.strftime("%m/%d/%Y %H:%M:%S")
-                self.assertEqual([found[subject][element] for element in ("dtStartTime", "dtEndTime")], [here] * 2,
-                                 (name, subject))
-            everywhere.append({subject: {element: text for element, text in item.items() if element not in moving}
-                               for subject, item in found.items()})
-        for others in everywhere[1:]:
-            self.assertEqual(others, everywhere[0])
-        winter = everywhere[0]["Winter"]
-        self.assertEqual(winter["TimeZone"], "GMT:+300;DST:60;STD:0000110102000000;DLT:0000030202000000")
-        self.assertEqual(winter["ExceptionRule"], series.rule("Winter", "", 15))
-        self.assertEqual(winter["dtRecurEndDate"], END["dtRecurEndDate"])
+            self.assert_local(found, starts, name)
+            everywhere.append(self.unmoving(found, starts))
+        self.assert_same(everywhere)
+
+    def write_today(self):
+        """Has the agent write an appointment, which then has the time of its clock."""
+        document = self.place.path / "today.xml"
+        document.write_text("<Calendar><lFlag>8</lFlag><lCalType>3</lCalType><Description>Today</Description>"
+                            "<dtStartTime>01/01/2021 00:00:00</dtStartTime><dtEndTime>01/01/2021 01:00:00</dtEndTime>"
+                            "</Calendar>")
+        before = set(self.folder.iterdir())
+        status, output, errors = self.place.run_desktop("write", "calendars", harness.windows_path(document))
+        self.assertEqual(status, 0, output + errors)
+        [file] = set(self.folder.iterdir()) - before
+        return file
+
+    @unittest.skipUnless(harness.OTHER_CLOCK, harness.NO_OTHER_CLOCK)
+    def test_what_is_read_in_winter_and_in_summer_is_the_same(self):
+        starts = self.make_starts(2021)
+        self.place.make_items([appointment("Absent")])
+        everywhere = []
+        for name in ZONES:
+            machines = []
+            # The days on which the agent runs; where it is summer on one of them it is winter on the other.
+            for noon in ((2021, 1, 15, 12, 0), (2021, 7, 15, 12, 0)):
+                with self.subTest(zone=name, today=noon):
+                    agent = self.place.start_agent(TZ=name, **harness.clock_at(datetime.datetime(*noon)))
+                    written = self.write_today()
+                    found = self.read()
+                    agent.kill()
+                    agent.wait()
+                    written.unlink()
+                    # The agent takes that day for today.
+                    hour = len("01/15/2021 12")
+                    self.assertEqual(found["Today"]["lastModifiedTime"][:hour], self.local(noon, name)[:hour])
+                    self.assert_local(found, starts, name)
+                    everywhere.append(self.unmoving(found, starts))
+                    machines.append(found["Absent"]["TimeZone"])
+            # An appointment without a zone has the machine's, of which the bias is that of its winter.
+            winter = min(datetime.datetime(2021, month, 15, tzinfo=zoneinfo.ZoneInfo(name)).utcoffset() for month in (1, 7))
+            self.assertEqual(len(set(machines)), 1, machines)
+            self.assertTrue(machines[0].startswith(f"GMT:{-winter // datetime.timedelta(minutes=1):+d};"), (name, machines))
+        self.assertEqual(len(everywhere), 2 * len(ZONES))
+        self.assert_same(everywhere)
 
     def test_a_zone_without_bytes_is_of_zeros_and_an_absent_one_is_the_machines(self):
         self.place.make_items([appointment("Empty", zone=b""), appointment("Short", zone=b"\x01" * 47),

@@ -17,7 +17,7 @@ TEST(HandlersWithoutMemory, WriteFailsWithoutATimeOrSucceedsWithOne) {
         bool hasFailed = true;
         for (std::size_t n = 1; hasFailed; ++n) {
             SCOPED_TRACE(testing::Message() << "allocation " << n << (forever ? " and all behind it" : ""));
-            const COleDateTime before = COleDateTime::GetCurrentTime();
+            const CString before = Present();
             WriteOutputs out;
             {
                 const localstore_test::ScarceMemory scarce(n, forever);

@@ -119,7 +119,7 @@ TEST_F(Handlers, ReadBeforeLogonFailsWithItsLine) {
 
 TEST_F(Handlers, WriteOfATextThatIsNoXmlSucceedsWithAnEmptyIdentifier) {
     for (const wchar_t* const xml : {L"", L"no document", L"<Contact><lFlag>8</lFlag>"}) {
-        const COleDateTime before = COleDateTime::GetCurrentTime();
+        const CString before = Present();
         const WriteOutputs out = WriteContact(xml);
         EXPECT_EQ(out.status, 0);
         EXPECT_EQ(CString(out.id), L"");
@@ -130,7 +130,7 @@ TEST_F(Handlers, WriteOfATextThatIsNoXmlSucceedsWithAnEmptyIdentifier) {
 }
 
 TEST_F(Handlers, WriteWithoutAFlagReturnsTheIdentifierThatWasSent) {
-    const COleDateTime before = COleDateTime::GetCurrentTime();
+    const CString before = Present();
     const WriteOutputs out = WriteContact(L"<Contact><PIMID>00AB</PIMID><lFlag>1</lFlag></Contact>");
     EXPECT_EQ(out.status, 0);
     EXPECT_EQ(CString(out.id), L"00AB");
@@ -138,7 +138,7 @@ TEST_F(Handlers, WriteWithoutAFlagReturnsTheIdentifierThatWasSent) {
 }
 
 TEST_F(Handlers, WriteBeforeLogonSucceedsWithItsLinesAndDoesNothing) {
-    const COleDateTime before = COleDateTime::GetCurrentTime();
+    const CString before = Present();
     const WriteOutputs out =
         WriteContact(L"<Contact><PIMID>00AB</PIMID><lFlag>4</lFlag><Mobile>5</Mobile></Contact>");
     EXPECT_EQ(out.status, 0);

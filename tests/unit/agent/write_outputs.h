@@ -2,13 +2,15 @@
 
 // The procedures that write an item, as the RPC runtime calls them, and what they give back.
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
+#include <ctime>
 #include <iterator>
 
 #include "command.h"
 #include "support/rpc_guard.h"
 #include "support/text.h"
-#include "timezone/ole_date_time.h"
 
 /// The outputs of a write, filled with what must not be there afterwards.
 struct WriteOutputs {
@@ -44,14 +46,21 @@ inline WriteOutputs WriteCalendar(const CString& xml) {
     return arguments.out;
 }
 
-/// The present as the time of a write is shown, which can be a second later by the next look.
-inline bool IsThePresent(const wchar_t* time, const COleDateTime& before) {
-    COleDateTime now = before;
-    for (int second = 0; second < 60; ++second) {
-        if (now.Format(L"%m/%d/%Y %H:%M:%S") == time) {
-            return true;
-        }
-        now.m_dt = AddSpan(before.m_dt, DaysOf(0, 0, 0, second + 1));
+/// The present in the local time of the C library, as sortable text. A test takes one in front of a write.
+inline CString Present() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    EXPECT_EQ(localtime_s(&local, &now), 0);
+    return CString::Format(L"%04d-%02d-%02d %02d:%02d:%02d", local.tm_year + 1900, local.tm_mon + 1,
+                           local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
+}
+
+/// True if a time, as a write shows it, lies between the present that was taken and that of this call.
+inline bool IsThePresent(const CString& time, const CString& before) {
+    if (time.size() != WideView(L"MM/DD/YYYY hh:mm:ss").size()) {
+        return false;
     }
-    return false;
+    const CString sortable(time.substr(6, 4) + L"-" + time.substr(0, 2) + L"-" + time.substr(3, 2) +
+                           time.substr(10));
+    return before <= sortable && sortable <= Present();
 }

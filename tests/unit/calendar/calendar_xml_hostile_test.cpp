@@ -19,7 +19,7 @@ class HostileCalendarXml : public testing::Test {
         m_calendar.Reset();
         EXPECT_EQ(ParseCalendarXml(xml, m_calendar), 1);
     }
-    void ExpectNothingRead() {
+    void ExpectNothingRead() const {
         EXPECT_EQ(m_calendar.m_lFlag, 0);
         EXPECT_EQ(m_calendar.m_lCalType, -1);
         EXPECT_EQ(m_calendar.m_strPIMID, L"");

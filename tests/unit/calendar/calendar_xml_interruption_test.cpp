@@ -96,4 +96,15 @@ TEST(InterruptedCalendarXml, LeavesComAsItWas) {
     TakeLog();
 }
 
+TEST(InterruptedCalendarXml, TakesBackBothItsInitialisationsThoughTheThreadRefusesThem) {
+    EXPECT_EQ(InitialisationsLeftBy(
+                  [] {
+                      CCalendarEx calendar;
+                      EXPECT_EQ(ParseCalendarXml(kDocument, calendar), 1);
+                      EXPECT_EQ(calendar.m_lFlag, 8);
+                  },
+                  COINIT_MULTITHREADED),
+              1);
+}
+
 }  // namespace

@@ -61,13 +61,21 @@ class DamagedBlobs {
         }
     }
 
-    /// A small number or one at which a reader decides.
+    /// A small number, one at which a reader decides, or a size that leads a little backwards.
     std::uint32_t TellingNumber() {
         constexpr std::uint32_t kNumbers[] = {
             0,        1,        2,      4,      11,         12,         0x11,       0x1FF,     0x1000,
             0x1001,   0x2023,   0x3008, 0x3009, 0x7FFF,     0xFFFF,     0x200A,     0x200C,    0x200D,
             0x100000, 0x100001, 1440,   0x40,   0x40000001, 0x7FFFFFFF, 0xFFFFFFFF, 0xFFFFFFFC};
-        return Below(2) == 0 ? static_cast<std::uint32_t>(Below(300)) : kNumbers[Below(std::size(kNumbers))];
+        const auto small = static_cast<std::uint32_t>(Below(300));
+        switch (Below(4)) {
+            case 0:
+                return kNumbers[Below(std::size(kNumbers))];
+            case 1:
+                return 0U - small;
+            default:
+                return small;
+        }
     }
 
     void InsertPiece(std::vector<std::uint8_t>& bytes, std::size_t place) {

@@ -1,12 +1,12 @@
 #pragma once
 
-// Recurrence properties to damage: those of the sample store and such as have every kind of exception.
+// Recurrence properties to damage: those of the sample store, such as have every kind of exception, and one
+// whose exceptions share a text until there is no room for one more.
 
 #include <vector>
 
 #include "localstore/sample/sample_appointments.h"
-#include "tests/unit/calendar/recurrence_writer.h"
-#include "tests/unit/calendar/sample_series.h"
+#include "tests/unit/calendar/handmade_exceptions.h"
 
 /// All of them.
 inline std::vector<std::vector<std::uint8_t>> SampleBlobs() {
@@ -16,6 +16,7 @@ inline std::vector<std::vector<std::uint8_t>> SampleBlobs() {
         pattern.WriterVersion2 = writerVersion;
         blobs.push_back(RecurrenceBytes(pattern).Bytes());
     }
+    blobs.push_back(WithSharedSubject(8, 30).Bytes());
     for (const sample::SampleAppointment& item : sample::SampleAppointments()) {
         if (item.series) {
             blobs.push_back(sample::SeriesBytes(*item.series, item.start, item.minutes));

@@ -18,7 +18,7 @@ class HostileContactXml : public testing::Test {
         m_contact.Reset();
         EXPECT_EQ(ParseContactXml(xml, m_contact), 1);
     }
-    void ExpectNothingRead() {
+    void ExpectNothingRead() const {
         EXPECT_EQ(m_contact.m_lFlag, 0);
         EXPECT_EQ(m_contact.m_strPIMID, L"");
         EXPECT_TRUE(m_contact.m_arrFields.IsEmpty());

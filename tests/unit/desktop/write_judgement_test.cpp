@@ -53,6 +53,17 @@ TEST(FolderState, HoldsTheItemsOfAMapAndPassesOverTheRest) {
     EXPECT_TRUE(FolderState(std::string_view()).Items().empty());
 }
 
+TEST(FolderState, HoldsAppointmentsAsItHoldsContacts) {
+    const FolderState state("DunmereMap 1\n[calendar pim]\nAB\t0\t12\nchecksum 0123456789abcdef\n");
+    EXPECT_EQ(state.Items().size(), 1U);
+    EXPECT_EQ(state.TimeOf("AB"), 12);
+}
+
+TEST(ADeletion, OfAnAppointmentIsDoneThoughTheTimeThatComesBackIsNone) {
+    EXPECT_EQ(JudgeOne(Facts(WriteKind::kDelete, WIDE("AB"), WIDE("12/30/1899 00:00:00")), Line("AB", 1), ""),
+              Outcome::kDone);
+}
+
 TEST(FolderState, TakesALineThatEndsTooEarly) {
     EXPECT_EQ(FolderState("AB\t").TimeOf("AB"), 0);
     EXPECT_EQ(FolderState("AB\t0\tx").TimeOf("AB"), 0);

@@ -1,6 +1,7 @@
 // Single named properties of an appointment.
 
 #include "calendar/appointment_properties.h"
+#include "tests/unit/localstore/scarce_memory.h"
 #include "tests/unit/store/appointment_fixture.h"
 #include "tests/unit/text_printer.h"
 
@@ -102,6 +103,31 @@ TEST_F(AppointmentProperties, WithoutBytesAreReadWithoutAnArray) {
     EXPECT_EQ(GetNamedBinaryProperty(m_message.Get(), PSETID_Appointment, lid::kRecur, count, bytes), 1);
     EXPECT_EQ(count, 0U);
     EXPECT_FALSE(bytes);
+}
+
+TEST_F(AppointmentProperties, ForWhoseBytesThereIsNoMemoryAreReadWithTheirCountAndWithoutAnArray) {
+    Message().Binary(lid::kRecur, {1, 2, 3});
+    // What is recorded is allocated too, and the store allocates before the copy is made.
+    recorder::Record(false);
+    int withoutArray = 0;
+    bool hasFailed = true;
+    for (std::size_t n = 1; hasFailed; ++n) {
+        SCOPED_TRACE(n);
+        int result = -1;
+        std::uint32_t count = 5;
+        auto bytes = std::make_unique<std::uint8_t[]>(5);
+        {
+            const localstore_test::ScarceMemory scarce(n, false);
+            result = GetNamedBinaryProperty(m_message.Get(), PSETID_Appointment, lid::kRecur, count, bytes);
+            hasFailed = scarce.HasFailed();
+        }
+        EXPECT_EQ(count, result == 1 ? 3U : 0U);
+        EXPECT_TRUE(result == 1 || !bytes);
+        withoutArray += result == 1 && !bytes ? 1 : 0;
+        EXPECT_TRUE(hasFailed || bytes);
+    }
+    recorder::Record(true);
+    EXPECT_EQ(withoutArray, 1);
 }
 
 TEST_F(AppointmentProperties, TooLargeForAValueComeThroughAStream) {

@@ -271,8 +271,9 @@ TEST_F(CalendarChanges, ChangedItemGoesOutUnderItsShortTermIdentifierAndADeletio
 TEST_F(CalendarChanges, MessageIsLetGoBeforeItsDocumentIsSent) {
     AddAppointments(L"Calendar", {L"One", L"Two"});
     LogOn();
-    std::vector<long> changes;
-    OnSend([&] { changes.push_back(recorder::LiveBuffers()); });
+    using Held = std::vector<std::pair<long, long>>;
+    Held changes;
+    OnSend([&] { changes.emplace_back(recorder::LiveObjects(), recorder::LiveBuffers()); });
     ASSERT_EQ(ReadChanges(), 0);
     TakeSentCalendars();
     OnGetChangeLog([](LogItems& items, const GetChangeLogArgs&) {
@@ -282,8 +283,8 @@ TEST_F(CalendarChanges, MessageIsLetGoBeforeItsDocumentIsSent) {
         return 2;
     });
     // Nothing is opened for a deletion.
-    std::vector<long> deletions;
-    OnSend([&] { deletions.push_back(recorder::LiveBuffers()); });
+    Held deletions;
+    OnSend([&] { deletions.emplace_back(recorder::LiveObjects(), recorder::LiveBuffers()); });
     ASSERT_EQ(ReadChanges(), 0);
     EXPECT_EQ(changes.size(), 2U);
     EXPECT_EQ(changes, deletions);

@@ -33,7 +33,7 @@ void ExpectNewItem(Expected& calls) {
     calls.Appointment("8205", "0003", "0");
 }
 
-void ExpectTimes(Expected& calls, const COleDateTime& start, const COleDateTime& end, int minutes) {
+void ExpectTimes(Expected& calls, const LocalTime& start, const LocalTime& end, int minutes) {
     for (const char* const id : {"820D", "8235", "8516"}) {
         calls.Appointment(id, "0040", Time(start));
     }
@@ -59,7 +59,7 @@ void ExpectSingle(Expected& calls) {
     calls.DeleteAppointment("8216", "0040");
 }
 
-void ExpectSeries(Expected& calls, const char* type, const std::string& bytes, const COleDateTime& end) {
+void ExpectSeries(Expected& calls, const char* type, const std::string& bytes, const LocalTime& end) {
     calls.Appointment("8223", "000B", "true").Appointment("8231", "0003", type);
     calls.Appointment("8216", "0102", bytes).DeleteAppointment("8232", "001F");
     calls.Appointment("8236", "0040", Time(end));
@@ -145,8 +145,8 @@ class CalendarWritingCalls : public CalendarWriting {
         recorder::ClearCalls();
     }
 
-    const COleDateTime m_start = Date(2026, 3, 10, 9, 30);
-    const COleDateTime m_end = Date(2026, 3, 10, 10, 15);
+    const LocalTime m_start = At(2026, 3, 10, 9, 30);
+    const LocalTime m_end = At(2026, 3, 10, 10, 15);
 };
 
 TEST_F(CalendarWritingCalls, AddOfASingleAppointmentWithAReminder) {
@@ -168,7 +168,7 @@ TEST_F(CalendarWritingCalls, AddOfASingleAppointmentWithAReminder) {
     calls.Appointment("851C", "000B", "true").Appointment("851E", "000B", "false");
     calls.AppointmentText("851F", "Reminder.wav");
     calls.Appointment("8502", "0040", Time(m_start));
-    calls.Appointment("8560", "0040", Time(Date(2026, 3, 10, 9, 15)));
+    calls.Appointment("8560", "0040", Time(At(2026, 3, 10, 9, 15)));
     ExpectZone(calls, kFirstZone, "First");
     ExpectSingle(calls);
     ExpectSave(calls);
@@ -190,7 +190,7 @@ TEST_F(CalendarWritingCalls, AddOfASeriesWithoutAReminder) {
     ExpectTexts(calls, "Dentist", "Bring the card", "Room 4");
     calls.Appointment("8215", "000B", "false").Appointment("8503", "000B", "false");
     ExpectZone(calls, kFirstZone, "First");
-    ExpectSeries(calls, "2", kWeekly, Date(2026, 6, 30));
+    ExpectSeries(calls, "2", kWeekly, At(2026, 6, 30));
     ExpectSave(calls);
     calls.Add("IMessage::GetProps 0x0FFF0102 flags=0x00000000");
     EXPECT_EQ(TakeCalls(), calls.Lines());
@@ -210,7 +210,7 @@ TEST_F(CalendarWritingCalls, UpdateToASingleAppointmentWithoutTextsAndReminderRe
     Expected calls;
     calls.Add("IMAPIFolder::OpenEntry id=* flags=0x00000011");
     calls.Set("0x10800003=1024");
-    ExpectTimes(calls, Date(2026, 3, 10), Date(2026, 3, 11), 1440);
+    ExpectTimes(calls, At(2026, 3, 10), At(2026, 3, 11), 1440);
     ExpectTexts(calls, "", "", "");
     calls.Appointment("8215", "000B", "true").Appointment("8503", "000B", "false");
     ExpectZone(calls, kMachineZone, "The machine's");
@@ -240,15 +240,15 @@ TEST_F(CalendarWritingCalls, UpdateToASeriesWithoutAnEndWhoseReminderGetsItsSoun
     ExpectLookAtTheReminder(calls);
     calls.Appointment("851E", "000B", "true").AppointmentText("851F", "Reminder.wav");
     calls.Appointment("8502", "0040", Time(m_start));
-    calls.Appointment("8560", "0040", Time(Date(2026, 3, 10, 9, 0)));
+    calls.Appointment("8560", "0040", Time(At(2026, 3, 10, 9, 0)));
     ExpectZone(calls, kFirstZone, "First");
-    ExpectSeries(calls, "2", kWorkingDays, Date(4500, 12, 31, 23, 59));
+    ExpectSeries(calls, "2", kWorkingDays, At(4500, 12, 31, 23, 59));
     ExpectSave(calls);
     EXPECT_EQ(TakeCalls(), calls.Lines());
 }
 
 /// The calls of an update with a reminder and a ring tone, where nothing is made of the ring tone.
-std::string LinesOfASilentUpdate(const COleDateTime& start, const COleDateTime& end, bool reads) {
+std::string LinesOfASilentUpdate(const LocalTime& start, const LocalTime& end, bool reads) {
     Expected calls;
     calls.Add("IMAPIFolder::OpenEntry id=* flags=0x00000011");
     calls.Set("0x10800003=1024");

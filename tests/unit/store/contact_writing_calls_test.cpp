@@ -2,16 +2,10 @@
 
 #include "tests/unit/store/contact_writing_fixture.h"
 #include "tests/unit/store/expected_calls.h"
-#include "tests/unit/timezone/zone_rule.h"
 
 namespace {
 
 namespace recorder = localstore::recorder;
-
-/// A local time as the recorder shows the UTC time of a property.
-std::string Time(const LocalTime& local) {
-    return std::to_string(FileTimeOf(ZoneRule::OfThisProcess().ToUtc(local)));
-}
 
 /// The parts of a name, what is made of them, and what the texts of all other fields begin with. Empty for
 /// the empty contact.
@@ -173,6 +167,30 @@ TEST_F(ContactWritingCalls, UpdateOfEveryFieldReplacesThePhoto) {
     EXPECT_EQ(Attachments(), 1U);
 }
 
+/// All that an empty record does to an open message, up to the photos.
+void ExpectAllRemoved(Expected& calls) {
+    ExpectTexts(calls, kNone);
+    calls.Delete("0x3A420040").Delete("0x3A410040");
+    calls.Name("{00062004}:80DE").Delete("{00062004}:80DE/0040");
+    calls.Name("{00062004}:80DF").Delete("{00062004}:80DF/0040");
+    calls.Name("{00020329}:\"Keywords\"").Delete("{00020329}:\"Keywords\"/101F");
+    ExpectNames(calls, kNone);
+    QueryPhotos(calls);
+}
+
+TEST_F(ContactWritingCalls, AddOfAnEmptyRecordRemovesEveryFieldOfTheNewContactToo) {
+    Write(8, {});
+
+    Expected calls;
+    calls.Add("IMAPIFolder::CreateMessage flags=0x00000000");
+    ExpectAllRemoved(calls);
+    calls.Name("{00062004}:8015").Set("{00062004}:8015/000B=false");
+    calls.Add("IMessage::SaveChanges flags=0x00000004");
+    calls.Add("IMessage::GetProps 0x30080040 flags=0x00000000")
+        .Add("IMessage::GetProps 0x0FFF0102 flags=0x00000000");
+    EXPECT_EQ(TakeCalls(), calls.Lines());
+}
+
 TEST_F(ContactWritingCalls, UpdateWithAnEmptyRecordRemovesEveryField) {
     FillAll(8, kOne, L"1980-05-05 00:00:00", L"2001-07-15 10:20:30", L"a;b", "photo");
     ASSERT_EQ(g_MAPIObject.WriteContacts(&m_contact), 0);
@@ -181,13 +199,7 @@ TEST_F(ContactWritingCalls, UpdateWithAnEmptyRecordRemovesEveryField) {
 
     Expected calls;
     calls.Add("IMAPIFolder::OpenEntry id=* flags=0x00000011");
-    ExpectTexts(calls, kNone);
-    calls.Delete("0x3A420040").Delete("0x3A410040");
-    calls.Name("{00062004}:80DE").Delete("{00062004}:80DE/0040");
-    calls.Name("{00062004}:80DF").Delete("{00062004}:80DF/0040");
-    calls.Name("{00020329}:\"Keywords\"").Delete("{00020329}:\"Keywords\"/101F");
-    ExpectNames(calls, kNone);
-    QueryPhotos(calls);
+    ExpectAllRemoved(calls);
     calls.Add("IMessage::DeleteAttach number=0 flags=0x00000000").Delete("0x0E1B000B");
     calls.Name("{00062004}:8015").Set("{00062004}:8015/000B=false");
     calls.Add("IMessage::SaveChanges flags=0x00000004").Add("IMessage::GetProps 0x30080040 flags=0x00000000");

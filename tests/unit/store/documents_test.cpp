@@ -296,7 +296,7 @@ TEST_F(Documents, SessionWithoutStoresGivesAnEmptyElement) {
 
 TEST_F(Documents, DirectCallsWithNothingToWorkOnFailWithTheirLines) {
     CXMLParser document;
-    EXPECT_EQ(g_MAPIObject.GetAppFolderFromStore(nullptr, document, nullptr, 1), 0);
+    EXPECT_EQ(g_MAPIObject.GetAppFolderFromStore(nullptr, nullptr, document, nullptr, 1), 0);
     EXPECT_EQ(TakeLog(), (LogLines{{1, L"CMAPIObject::GetAppFolderFromStore - Begin\r\n"},
                                    {3, L"CMAPIObject::GetAppFolderFromStore - NULL lpPropValue\r\n"},
                                    {1, L"CMAPIObject::GetAppFolderFromStore - Finish(Failed)\r\n"}}));

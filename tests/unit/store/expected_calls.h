@@ -4,12 +4,11 @@
 
 #include <windows.h>
 
-#include <cstdint>
 #include <regex>
 #include <string>
 
 #include "localstore/recorder.h"
-#include "timezone/conversions.h"
+#include "tests/unit/timezone/zone_rule.h"
 
 /// The calls on a message, written as in the recorder's lines but without the object.
 class Expected {
@@ -65,9 +64,8 @@ class Expected {
 };
 
 /// A local time as the recorder shows the UTC time of a property.
-inline std::string Time(const COleDateTime& local) {
-    const FILETIME time = LocalDateTimeToFileTime(local);
-    return std::to_string(static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime);
+inline std::string Time(const LocalTime& local) {
+    return std::to_string(FileTimeOf(ZoneRule::OfThisProcess().ToUtc(local)));
 }
 
 /// The calls since the last look, without the object, which has another name for each test, without

@@ -3,10 +3,13 @@
 
 #include <span>
 
+#include "calendar/calendar_record.h"
 #include "contacts/contact_record.h"
 #include "tests/unit/store/calendar_reading_fixture.h"
 #include "tests/unit/store/change_log.h"
+#include "tests/unit/store/documents_fixture.h"
 #include "tests/unit/text_printer.h"
+#include "tests/unit/timezone/date_helpers.h"
 
 namespace {
 
@@ -40,9 +43,57 @@ constexpr Point kPointsOfCalendarReads[] = {
     {L"CMAPIObject::ReadCalendarEvent - Call GetChangeLog\r\n", L"map"},
     {L"CMAPIObject::ReadCalendarEvent - Read Changes\r\n", L"map"},
 };
-constexpr const wchar_t* kPointsOfAWrite[] = {L"CMAPIObject::UpdateContactMessage - Begin\r\n",
-                                              L"CMAPIObject::UpdateContactDisplayName - Begin\r\n",
-                                              L"CMAPIObject::UpdateContactMessage - Finish(Succeeded)\r\n"};
+
+/// A point of a write: the line that is written there, or none for the one where a deletion has found the
+/// folder of the message and frees what told it, between the calls on the two of them.
+struct WritePoint {
+    std::int32_t flag;
+    const wchar_t* line;
+};
+
+constexpr WritePoint kPointsOfContactWrites[] = {
+    {8, L"CMAPIObject::UpdateContactMessage - Begin\r\n"},
+    {8, L"CMAPIObject::UpdateContactDisplayName - Begin\r\n"},
+    {8, L"CMAPIObject::UpdateContactMessage - Finish(Succeeded)\r\n"},
+    {4, L"CMAPIObject::UpdateContactMessage - Begin\r\n"},
+    {4, L"CMAPIObject::UpdateContactDisplayName - Begin\r\n"},
+    {4, L"CMAPIObject::UpdateContactMessage - Finish(Succeeded)\r\n"},
+    {32, nullptr},
+};
+constexpr WritePoint kPointsOfCalendarWrites[] = {
+    {8, L"CMAPIObject::UpdateCalendarEventMessage - Begin\r\n"},
+    {8, L"CMAPIObject::UpdateCalendarEventMessage - Finish(Succeeded)\r\n"},
+    {4, L"CMAPIObject::UpdateCalendarEventMessage - Begin\r\n"},
+    {4, L"CMAPIObject::UpdateCalendarEventMessage - Finish(Succeeded)\r\n"},
+    {32, nullptr},
+};
+
+/// What the next freeing of a buffer runs.
+std::function<void()> g_onFree;
+
+ULONG STDAPICALLTYPE FreeWithAction(LPVOID buffer) {
+    pfnMAPIFreeBuffer = &MAPIFreeBuffer;
+    const MapiBuffer<SPropValue> freedAtTheEnd(static_cast<SPropValue*>(buffer));
+    std::exchange(g_onFree, {})();
+    return S_OK;
+}
+
+/// Runs something when a write comes to a point the next time.
+void OnPoint(const WritePoint& point, std::function<void()> action) {
+    if (point.line != nullptr) {
+        OnLogLine(point.line, std::move(action));
+    } else {
+        g_onFree = std::move(action);
+        pfnMAPIFreeBuffer = &FreeWithAction;
+    }
+}
+
+/// The references to an object besides the one of the test.
+template<class Interface>
+unsigned long References(const ComPtr<Interface>& object) {
+    ComPtr<Interface> another = object;
+    return another.Reset() - 1;
+}
 
 /// Three contacts and three appointments, and in another store, through which messages of this one cannot be
 /// opened, a folder for each kind. All items count as new in a read of changes.
@@ -74,11 +125,32 @@ class HeldObjectsTest : public CalendarReading {
         CalendarReading::TearDown();
     }
 
-    /// The references to an object besides the one of the test.
-    template<class Interface>
-    static unsigned long References(const ComPtr<Interface>& object) {
-        ComPtr<Interface> another = object;
-        return another.Reset() - 1;
+    /// Ends the session at a point of a write, which adds an item or changes or deletes one that was added
+    /// in the same session.
+    template<class Item, class Write>
+    void ExpectAWriteToHold(Item& item, const ComPtr<IMAPIFolder>& chosen, const WritePoint& point,
+                            const Write& write) {
+        LogOn();
+        item.m_lFlag = 8;
+        ASSERT_EQ(write(), 0);
+        ASSERT_EQ(item.m_lFlag, 0);
+        const ComPtr<IMAPISession> session = g_MAPIObject.m_lpMAPISession;
+        const ComPtr<IMsgStore> store = g_MAPIObject.m_lpMsgStore;
+        const ComPtr<IMAPIFolder> folder = chosen;
+        bool released = false;
+        OnPoint(point, [&] {
+            g_MAPIObject.MAPIRelease();
+            EXPECT_GE(References(session), 1U);
+            EXPECT_GE(References(store), 1U);
+            EXPECT_EQ(References(folder), 1U);
+            released = true;
+        });
+        item.m_lFlag = point.flag;
+        EXPECT_EQ(write(), 0);
+        EXPECT_TRUE(released);
+        EXPECT_EQ(References(folder), 0U);
+        EXPECT_EQ(References(store), 0U);
+        EXPECT_EQ(References(session), 0U);
     }
 
     CString m_people;
@@ -175,33 +247,65 @@ TEST_F(HeldObjectsTest, SessionAndStoreLiveUntilTheEndOfTheReadThatBeganInThem) 
     }
 }
 
-TEST_F(HeldObjectsTest, AWriteHoldsFolderStoreAndSessionUntilItsEnd) {
+TEST_F(HeldObjectsTest, AWriteOfAContactHoldsFolderStoreAndSessionUntilItsEnd) {
     CContactEx contact;
-    contact.m_lFlag = 8;
-    ASSERT_EQ(g_MAPIObject.WriteContacts(&contact), 0);
-    for (const std::int32_t flag : {8, 4}) {
-        for (const wchar_t* const line : kPointsOfAWrite) {
-            SCOPED_TRACE(testing::PrintToString(CString(line)));
-            LogOn();
-            const ComPtr<IMAPISession> session = g_MAPIObject.m_lpMAPISession;
-            const ComPtr<IMsgStore> store = g_MAPIObject.m_lpMsgStore;
-            const ComPtr<IMAPIFolder> folder = g_MAPIObject.m_lpContactFolder;
-            bool released = false;
-            OnLogLine(line, [&] {
-                g_MAPIObject.MAPIRelease();
-                EXPECT_GE(References(session), 1U);
-                EXPECT_GE(References(store), 1U);
-                EXPECT_EQ(References(folder), 1U);
-                released = true;
-            });
-            contact.m_lFlag = flag;
-            EXPECT_EQ(g_MAPIObject.WriteContacts(&contact), 0);
-            EXPECT_TRUE(released);
-            EXPECT_EQ(References(folder), 0U);
-            EXPECT_EQ(References(store), 0U);
-            EXPECT_EQ(References(session), 0U);
-        }
+    for (const WritePoint& point : kPointsOfContactWrites) {
+        SCOPED_TRACE(testing::Message()
+                     << "flag " << point.flag << " at " << testing::PrintToString(CString(point.line)));
+        ExpectAWriteToHold(contact, g_MAPIObject.m_lpContactFolder, point,
+                           [&] { return g_MAPIObject.WriteContacts(&contact); });
     }
+}
+
+TEST_F(HeldObjectsTest, AWriteOfAnAppointmentHoldsFolderStoreAndSessionUntilItsEnd) {
+    CCalendarEx calendar;
+    calendar.m_lCalType = 3;
+    calendar.m_dtStartTime = Date(2026, 3, 10, 9, 30);
+    calendar.m_dtEndTime = Date(2026, 3, 10, 10, 15);
+    for (const WritePoint& point : kPointsOfCalendarWrites) {
+        SCOPED_TRACE(testing::Message()
+                     << "flag " << point.flag << " at " << testing::PrintToString(CString(point.line)));
+        ExpectAWriteToHold(calendar, g_MAPIObject.m_lpEventFolder, point,
+                           [&] { return g_MAPIObject.WriteCalendars(&calendar); });
+    }
+}
+
+/// The list of the folders of two stores.
+class HeldByTheListOfFolders : public Documents {
+  protected:
+    void SetUp() override {
+        Documents::SetUp();
+        MakeFolder(L"Work\\Second");
+        MakeFolder(L"Zoo\\Animals");
+        LogOn();
+    }
+    void TearDown() override {
+        OnLogLine(L"", nullptr);
+        Documents::TearDown();
+    }
+};
+
+TEST_F(HeldByTheListOfFolders, AllStoresAreOpenedThroughTheSessionThatItBeganIn) {
+    const ComPtr<IMAPISession> session = g_MAPIObject.m_lpMAPISession;
+    unsigned long meanwhile = 0;
+    OnLogLine(L"CMAPIObject::GetAppFolderFromStore - Begin\r\n", [&] {
+        EXPECT_EQ(g_MAPIObject.MAPILogOn(0, L"Zoo"), 1);
+        meanwhile = References(session);
+    });
+    // Whether a session that was logged off still opens its stores is the mail system's affair, and one that
+    // does not open is left without folders.
+    EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
+    EXPECT_EQ(meanwhile, 1U);
+    EXPECT_EQ(References(session), 0U);
+    const std::vector<localstore::recorder::Call> calls = localstore::recorder::Calls();
+    const auto opens = [&](const char* profile) {
+        return std::ranges::count_if(calls, [&](const localstore::recorder::Call& call) {
+            return call.method == "IMAPISession::OpenMsgStore" && call.object == profile;
+        });
+    };
+    EXPECT_EQ(opens("Work"), 2);
+    // By the logon.
+    EXPECT_EQ(opens("Zoo"), 1);
 }
 
 }  // namespace

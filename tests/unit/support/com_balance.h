@@ -20,14 +20,14 @@ inline int TakeInitialisations() {
     return count;
 }
 
-/// Runs some work on a thread on which COM is initialised three times, and returns how often it is
-/// afterwards.
+/// Runs some work on a thread on which COM is initialised three times, for a kind of apartment, and returns
+/// how often it is afterwards.
 template<class Work>
-int InitialisationsLeftBy(Work work) {
+int InitialisationsLeftBy(Work work, DWORD apartment = COINIT_APARTMENTTHREADED) {
     int left = -1;
     std::thread([&] {
         for (int i = 0; i < 3; ++i) {
-            CoInitialize(nullptr);
+            CoInitializeEx(nullptr, apartment);
         }
         work();
         left = TakeInitialisations();
