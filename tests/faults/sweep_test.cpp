@@ -159,6 +159,9 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         return runs;
     }
 
+    std::size_t m_leaks = 0;
+    std::size_t m_losses = 0;
+
   private:
     long m_buffersLeft = 0;
 };
