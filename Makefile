@@ -1,6 +1,6 @@
 # The front door. Everything that takes more than a line stands in tools/.
 
-.PHONY: build setup demo test lint fuzz clean help
+.PHONY: build setup demo test lint fuzz faults clean help
 
 build: setup  ## the programs and libraries, into build/bin
 	tools/build.sh release desktop32
@@ -20,6 +20,9 @@ lint: setup  ## the format, clang-tidy and the rules between the rooms
 
 fuzz: setup  ## each fuzz target for a minute
 	tools/fuzz.sh 60
+
+faults: setup  ## every call of every operation failed in turn, and the table of docs/testing.md
+	tools/faults.sh
 
 clean:  ## removes what was built, not the downloaded Wine and its prefix
 	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/demo build/lint

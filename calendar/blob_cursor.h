@@ -15,7 +15,7 @@ class BlobCursor {
   public:
     /// The bytes stay the caller's.
     BlobCursor(const std::uint8_t* bytes, std::uint32_t size) noexcept
-        : m_bytes(bytes), m_size(size), m_unitsLeft(size / sizeof(std::uint16_t)) {}
+        : m_bytes(bytes), m_size(size), m_unitsLeft(size / 2) {}
 
     /// Reads a number of 16 or 32 bits.
     template<class Number>

@@ -7,6 +7,7 @@
 
 #include <mutex>
 #include <new>
+#include <optional>
 
 #include "localstore/call_text.h"
 #include "localstore/failure.h"
@@ -18,6 +19,16 @@ namespace localstore {
 std::recursive_mutex& StoreMutex();
 
 #ifdef LOCALSTORE_RECORDING
+/// A call on its thread, in which it is the outermost one or part of another. Its construction does not
+/// return while the recorder holds the call.
+class CallHold {
+  public:
+    CallHold();
+    CallHold(const CallHold&) = delete;
+    CallHold& operator=(const CallHold&) = delete;
+    ~CallHold();
+};
+
 /// Tells the recorder of one call, from its beginning to its result.
 class CallRecord {
   public:
@@ -29,14 +40,14 @@ class CallRecord {
     /// True if this call is a client's and its text is wanted, for the record or to fail it by its name.
     [[nodiscard]] bool IsWanted() const;
     void Describe(const char* interfaceName, const char* method, std::string object, std::string arguments);
-    /// The result with which this call is to fail instead of running; S_OK to run.
-    [[nodiscard]] HRESULT Failure() const { return m_failure; }
+    /// The result with which this call is to end instead of running; none to run.
+    [[nodiscard]] std::optional<HRESULT> Failure() const { return m_failure; }
     HRESULT Finish(HRESULT result);
 
   private:
     bool m_outermost;
     std::size_t m_index = 0;
-    HRESULT m_failure = S_OK;
+    std::optional<HRESULT> m_failure;
 };
 #endif
 
@@ -54,6 +65,9 @@ template<class Subject, class Describe, class Body>
 HRESULT GuardCall(const char* method, const Subject& subject, const Describe& describe,
                   const Body& body) noexcept {
     try {
+#ifdef LOCALSTORE_RECORDING
+        const CallHold hold;
+#endif
         const std::lock_guard lock(StoreMutex());
 #ifdef LOCALSTORE_RECORDING
         CallRecord record;
@@ -63,8 +77,8 @@ HRESULT GuardCall(const char* method, const Subject& subject, const Describe& de
             describe(text);
             record.Describe(who.interfaceName, method, Utf8Of(who.object), text.Take());
         }
-        if (record.Failure() != S_OK) {
-            return record.Finish(record.Failure());
+        if (record.Failure()) {
+            return record.Finish(*record.Failure());
         }
         try {
             return record.Finish(body());

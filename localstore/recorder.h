@@ -45,10 +45,18 @@ std::size_t CallCount();
 /// Keeps the text of calls or only counts them. Recording is on at the start.
 void Record(bool on);
 
-/// Fails the n-th call from now on (1 is the next one), and with `forever` every one behind it.
+/// Fails the n-th call from now on (1 is the next one), and with `forever` every one behind it. With S_OK the
+/// call does nothing and says that it succeeded, so that what it should hand out is not there.
 void FailCall(std::size_t n, bool forever, HRESULT result = MAPI_E_CALL_FAILED);
 /// Fails every call of a method, on one object or, with an empty one, on all.
 void FailMethod(const std::string& method, const std::string& object, HRESULT result);
+/// Holds the n-th call from now on (1 is the next one) before it begins, as a provider does that hangs, until
+/// ReleaseCall. Others get through meanwhile. Returns at once.
+void HoldCall(std::size_t n);
+/// True while a call is held.
+bool IsHolding();
+void ReleaseCall();
+
 /// Ends every failure that was asked for.
 void ClearFailures();
 /// True once a failure of FailCall has happened.

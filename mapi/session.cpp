@@ -1,5 +1,7 @@
 #include <mapitags.h>
 
+#include <utility>
+
 #include "mapi/exact_restriction.h"
 #include "mapi/folder_types.h"
 #include "mapi/mapi_object.h"
@@ -73,9 +75,12 @@ bool CMAPIObject::OpenSession(const wchar_t* profile) {
     m_hNotifyWnd = nullptr;
 
     const bool named = profile != nullptr && *profile != L'\0';
-    const HRESULT result = pfnMAPILogonEx(0, reinterpret_cast<LPTSTR>(const_cast<wchar_t*>(profile)), nullptr,
-                                          named ? kLogonFlags : kLogonFlags | MAPI_USE_DEFAULT,
-                                          m_lpMAPISession.ReleaseAndGetAddressOf());
+    // Into a pointer of its own: a second logon that comes meanwhile must not lose its session to this one.
+    ComPtr<IMAPISession> session;
+    const HRESULT result =
+        pfnMAPILogonEx(0, reinterpret_cast<LPTSTR>(const_cast<wchar_t*>(profile)), nullptr,
+                       named ? kLogonFlags : kLogonFlags | MAPI_USE_DEFAULT, session.GetAddressOf());
+    m_lpMAPISession = std::move(session);
     Log(kLogTrace, L"CMAPIObject::MAPILogOn - MAPILogonEx(0X%08X)\r\n", result);
     return result == S_OK && m_lpMAPISession;
 }

@@ -11,6 +11,7 @@ namespace {
 std::atomic<std::size_t> g_failIn = 0;  ///< allocations until one fails, 0 for never
 std::atomic<bool> g_forever = false;    ///< the ones behind it fail too
 std::atomic<bool> g_hasFailed = false;  ///< one has failed
+std::atomic<std::size_t> g_live = 0;    ///< allocations that have not been freed
 
 bool IsRefused() noexcept {
     if (g_failIn == 0 || --g_failIn != 0) {
@@ -22,7 +23,14 @@ bool IsRefused() noexcept {
 }
 
 void* Allocate(std::size_t size) noexcept {
-    return IsRefused() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    void* const memory = IsRefused() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    g_live += memory == nullptr ? 0U : 1U;
+    return memory;
+}
+
+void Free(void* memory) noexcept {
+    g_live -= memory == nullptr ? 0U : 1U;
+    std::free(memory);
 }
 
 }  // namespace
@@ -39,6 +47,10 @@ ScarceMemory::~ScarceMemory() {
 
 bool ScarceMemory::HasFailed() const noexcept {
     return g_hasFailed;
+}
+
+std::size_t LiveAllocations() noexcept {
+    return g_live;
 }
 
 }  // namespace localstore_test
@@ -58,13 +70,13 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 }
 
 void operator delete(void* memory) noexcept {
-    std::free(memory);
+    localstore_test::Free(memory);
 }
 
 void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
+    localstore_test::Free(memory);
 }
 
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
-    std::free(memory);
+    localstore_test::Free(memory);
 }

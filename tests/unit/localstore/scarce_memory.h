@@ -18,4 +18,7 @@ class ScarceMemory {
     [[nodiscard]] bool HasFailed() const noexcept;
 };
 
+/// Allocations of this program through operator new that have not been freed.
+std::size_t LiveAllocations() noexcept;
+
 }  // namespace localstore_test

@@ -1,0 +1,115 @@
+#include "tests/faults/document_faults.h"
+
+#include <windows.h>
+
+// Behind the base headers.
+#include <msxml2.h>
+
+#include <cstddef>
+#include <cstring>
+#include <utility>
+
+#include "support/owners.h"
+#include "tests/faults/platform_faults.h"
+
+namespace {
+
+/// The class of documents that every Windows has.
+constexpr CLSID kDocumentClass = {
+    0x2933BF90, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+constexpr IID kDocumentInterface = {
+    0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+
+/// The objects whose methods are replaced. Those of one kind share their table of methods.
+struct Document {};
+struct Element {};
+
+/// A method that counts its calls and passes them on. It stands in the table of methods of all objects of a
+/// kind.
+template<class Kind, auto Method>
+class CountedMethod;
+
+template<class Kind, class Interface, class... Arguments,
+         HRESULT (STDMETHODCALLTYPE Interface::*Method)(Arguments...)>
+class CountedMethod<Kind, Method> {
+  public:
+    static bool Install(IUnknown* object) {
+        void** const slot = *reinterpret_cast<void***>(object) + Index();
+        DWORD protection = 0;
+        if (VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection) == FALSE) {
+            return false;
+        }
+        s_original = reinterpret_cast<Original>(std::exchange(*slot, reinterpret_cast<void*>(&Call)));
+        return true;
+    }
+
+  private:
+    using Original = HRESULT(STDMETHODCALLTYPE*)(Interface*, Arguments...);
+
+    static HRESULT STDMETHODCALLTYPE Call(Interface* object, Arguments... arguments) {
+        return g_comFaults.Fails() ? static_cast<HRESULT>(g_comFaults.Code())
+                                   : s_original(object, arguments...);
+    }
+    /// The method's place in the table: the compiler keeps a pointer to a virtual method as its distance in
+    /// bytes and one.
+    static std::size_t Index() {
+        const auto method = Method;
+        std::size_t distance = 0;
+        std::memcpy(&distance, &method, sizeof(distance));
+        return (distance - 1) / sizeof(void*);
+    }
+    static inline Original s_original = nullptr;
+};
+
+template<auto Method>
+using OfDocument = CountedMethod<Document, Method>;
+template<auto Method>
+using OfElement = CountedMethod<Element, Method>;
+
+using Installer = bool (*)(IUnknown* object);
+
+constexpr Installer kDocumentMethods[] = {
+    OfDocument<&IXMLDOMDocument::put_resolveExternals>::Install,
+    OfDocument<&IXMLDOMDocument::put_async>::Install,
+    OfDocument<&IXMLDOMDocument::put_validateOnParse>::Install,
+    OfDocument<&IXMLDOMDocument::loadXML>::Install,
+    OfDocument<&IXMLDOMDocument::get_documentElement>::Install,
+    OfDocument<&IXMLDOMDocument::createProcessingInstruction>::Install,
+    OfDocument<&IXMLDOMDocument::createElement>::Install,
+    OfDocument<&IXMLDOMDocument::createTextNode>::Install,
+    OfDocument<&IXMLDOMDocument::appendChild>::Install,
+    OfDocument<&IXMLDOMDocument::selectSingleNode>::Install,
+    OfDocument<&IXMLDOMDocument::get_xml>::Install,
+    OfDocument<&IXMLDOMDocument::save>::Install,
+};
+constexpr Installer kElementMethods[] = {
+    OfElement<&IXMLDOMElement::appendChild>::Install,
+    OfElement<&IXMLDOMElement::setAttribute>::Install,
+    OfElement<&IXMLDOMElement::put_text>::Install,
+    OfElement<&IXMLDOMElement::get_text>::Install,
+};
+
+template<std::size_t Count>
+bool InstallAll(const Installer (&methods)[Count], IUnknown* object) {
+    bool all = true;
+    for (const Installer install : methods) {
+        all = install(object) && all;
+    }
+    return all;
+}
+
+}  // namespace
+
+int InstallDocumentFaults() {
+    ComPtr<IXMLDOMDocument> document;
+    ComPtr<IXMLDOMElement> element;
+    const Bstr name(SysAllocString(L"Contact"));
+    if (FAILED(CoCreateInstance(kDocumentClass, nullptr, CLSCTX_INPROC_SERVER, kDocumentInterface,
+                                reinterpret_cast<void**>(document.GetAddressOf()))) ||
+        FAILED(document->createElement(name.Get(), &element))) {
+        return 0;
+    }
+    const bool all =
+        InstallAll(kDocumentMethods, document.Get()) && InstallAll(kElementMethods, element.Get());
+    return all ? static_cast<int>(std::size(kDocumentMethods) + std::size(kElementMethods)) : 0;
+}

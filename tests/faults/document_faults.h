@@ -1,0 +1,5 @@
+#pragma once
+
+/// Makes the methods of the document service that the agent uses count as calls of COM, for the rest of the
+/// process. Returns their number, or 0 if the service is not to be had.
+int InstallDocumentFaults();

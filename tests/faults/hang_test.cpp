@@ -1,0 +1,95 @@
+// Every call of every remote operation hangs in turn while another client says Stop and logs on: nobody waits
+// for the call that hangs, and once it returns its operation ends, nothing is left alive, the store is whole
+// and the agent serves the next call.
+
+#include <atomic>
+#include <thread>
+
+#include "localstore/recorder.h"
+#include "tests/faults/fault_fixture.h"
+
+namespace {
+
+namespace recorder = localstore::recorder;
+
+/// Without a full sweep only every so many-th call is held.
+constexpr std::size_t kQuickStep = 5;
+
+class Hang : public FaultTest, public testing::WithParamInterface<Operation> {
+  protected:
+    void SetUp() override {
+        FaultTest::SetUp();
+        m_buffers = recorder::LiveBuffers();
+    }
+    void TearDown() override {
+        // What is left by design; all else is counted as a leak.
+        m_expectedBuffers = recorder::LiveBuffers() - m_buffers;
+        EXPECT_LE(m_expectedBuffers, m_runs * GetParam().mostBuffersLeft);
+        FaultTest::TearDown();
+    }
+
+    /// Runs the operation on a thread of its own with its n-th call held meanwhile; false if there was none.
+    bool RunWithHang(std::size_t n) {
+        GetParam().prepare(State());
+        TakeLog();
+        std::atomic<bool> ended = false;
+        Outcome outcome;
+        recorder::HoldCall(n);
+        std::thread client([&] {
+            CoInitialize(nullptr);
+            outcome.result = GetParam().run(State());
+            CoUninitialize();
+            ended = true;
+        });
+        while (!recorder::IsHolding() && !ended) {
+            Sleep(1);
+        }
+        const bool held = recorder::IsHolding();
+        if (held) {
+            CallMeanwhile();
+        }
+        recorder::ReleaseCall();
+        client.join();
+        ExpectOutcome(outcome);
+        return held;
+    }
+
+  private:
+    static void CallMeanwhile() {
+        g_MAPIObject.Stop();
+        EXPECT_EQ(g_MAPIObject.MAPILogOn(0, L"Work"), 1);
+    }
+    /// The session is the second client's now, or none if the operation ended it.
+    void ExpectOutcome(const Outcome& outcome) {
+        EXPECT_GE(outcome.result, 0);
+        EXPECT_LE(outcome.result, StoreState::kItems);
+        TakeSent();
+        TakeSentCalendars();
+        g_MAPIObject.MAPILogOff();
+        EXPECT_EQ(recorder::LiveObjects(), ObjectsWithoutSession());
+        GetParam().prepare(State());
+        EXPECT_EQ(GetParam().run(State()), GetParam().complete);
+        m_runs += 2;
+    }
+
+    long m_buffers = 0;
+    long m_runs = 0;
+};
+
+TEST_P(Hang, EndsOnceTheCallReturnsAndKeepsNobodyWaiting) {
+    std::size_t n = 1;
+    for (; !HasFailure(); n += IsFullSweep() ? 1 : kQuickStep) {
+        SCOPED_TRACE(testing::Message() << "call " << n);
+        if (!RunWithHang(n)) {
+            break;
+        }
+    }
+    EXPECT_GT(n, 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Hang, testing::ValuesIn(Operations()),
+                         [](const testing::TestParamInfo<Operation>& operation) {
+                             return std::string(operation.param.name);
+                         });
+
+}  // namespace

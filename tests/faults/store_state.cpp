@@ -1,0 +1,167 @@
+#include "tests/faults/store_state.h"
+
+#include <mapitags.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "libraries/dunmere/change_map.h"
+#include "support/settings.h"
+#include "support/user_folders.h"
+#include "tests/unit/calendar/sample_series.h"
+#include "tests/unit/store/appointment_fixture.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const wchar_t* kMail = L"\\Work\\Mail";
+
+std::string BytesOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteBytes(const fs::path& path, const std::string& bytes) {
+    std::ofstream file(path, std::ios::binary);
+    file << bytes;
+}
+
+void AddContacts() {
+    FolderWriter writer(L"Work", L"Contacts");
+    const ComPtr<IMessage> message = writer.NewMessage(
+        L"IPM.Contact", PropertyValues().Text(PR_GIVEN_NAME_W, L"Ada").Text(PR_BODY_W, L"notes"));
+    PropertyValues()
+        .Text(FolderWriter::AddressTag(message.Get(), 0x8083), L"ada@example.org")
+        .Texts(FolderWriter::KeywordsTag(message.Get()), {L"friends", L"work"})
+        .SetOn(message.Get());
+    FolderWriter::AddAttachment(message.Get(), std::string(5000, 'p'), true);
+    FolderWriter::Save(message.Get());
+    writer.AddContact(PropertyValues().Text(PR_GIVEN_NAME_W, L"Grace"));
+    FolderWriter below(L"Work", L"Contacts\\Below");
+    below.AddContact(PropertyValues()
+                         .Text(PR_GIVEN_NAME_W, kOldName)
+                         .Text(PR_SURNAME_W, kOldName)
+                         .Text(PR_COMPANY_NAME_W, kOldName));
+}
+
+void AddAppointments() {
+    FolderWriter writer(L"Work", L"Calendar");
+    NewAppointment(writer, L"Review").Reminder(15).Series(2, sample_series::WithExceptions()).Save();
+    NewAppointment(writer, L"Lunch")
+        .Time(lid::kStartWhole, 2011, 3, 7, 12, 0)
+        .Time(lid::kEndWhole, 2011, 3, 7, 13, 0)
+        .Text(lid::kLocation, L"canteen")
+        .Save();
+    FolderWriter below(L"Work", L"Calendar\\Below");
+    NewAppointment(below, kOldName).Body(kOldName).Text(lid::kLocation, kOldName).Save();
+}
+
+/// The identifier in the document of the item that has the old name.
+CString IdOfOldItem(const std::vector<CString>& documents) {
+    for (const CString& document : documents) {
+        if (document.find(kOldName) != CString::npos) {
+            const std::size_t start = document.find(L"<PIMID>") + 7;
+            return CString(document.substr(start, document.find(L"</PIMID>") - start));
+        }
+    }
+    ADD_FAILURE() << "the item with the old name did not arrive";
+    return {};
+}
+
+}  // namespace
+
+StoreState::StoreState(const std::wstring& root) : m_store(root + kMail), m_beside(root + L"-beside") {
+    fs::create_directories(m_beside);
+    g_strDataFolder = CString(m_beside.c_str());
+    g_strOutlookXml = CString((m_beside + L"\\Outlook.xml").c_str());
+    g_strProfileXml = CString((m_beside + L"\\Profile.xml").c_str());
+    g_bSubFolder = true;
+    AddContacts();
+    AddAppointments();
+    contactMap = CString((m_beside + L"\\contacts.map").c_str());
+    calendarMap = CString((m_beside + L"\\calendars.map").c_str());
+    MakeMap(contactMap, true);
+    contactId = IdOfOldItem(TakeSent());
+    MakeMap(calendarMap, false);
+    calendarId = IdOfOldItem(TakeSentCalendars());
+    contactSelection = L"<id>" + FolderWriter(L"Work", L"Contacts\\Below").FolderId() + L"</id>";
+    calendarSelection =
+        L"<id><event>" + FolderWriter(L"Work", L"Calendar\\Below").FolderId() + L"</event></id>";
+    m_beginning = Content();
+}
+
+StoreState::~StoreState() {
+    g_strDataFolder.clear();
+    g_strOutlookXml.clear();
+    g_strProfileXml.clear();
+    g_bSubFolder = false;
+    std::error_code ignored;
+    fs::remove_all(m_beside, ignored);
+}
+
+void StoreState::MakeMap(const CString& map, bool ofContacts) const {
+    EXPECT_EQ(ofContacts ? g_MAPIObject.ReadContacts(map.c_str()) : g_MAPIObject.ReadCalendars(map.c_str()),
+              0);
+    ChangeMap known;
+    EXPECT_EQ(ReadMap(BytesOf(map.c_str()), known), MapState::kGood);
+    ASSERT_EQ(known.sections.size(), 1U);
+    std::vector<KnownItem>& items = known.sections[0].items;
+    ASSERT_EQ(items.size(), static_cast<std::size_t>(kItems));
+    items[0].id = L"00000000";
+    items[1].modified.seconds -= 1000;
+    WriteBytes(map.c_str(), WriteMap(known));
+}
+
+StoreState::Files StoreState::Content() const {
+    Files files;
+    for (const auto& entry : fs::recursive_directory_iterator(m_store)) {
+        if (entry.path().extension() == L".msg") {
+            files[entry.path().wstring()] = BytesOf(entry.path());
+        }
+    }
+    for (const CString& map : {contactMap, calendarMap}) {
+        files[map.c_str()] = BytesOf(map.c_str());
+    }
+    return files;
+}
+
+bool StoreState::IsAsInTheBeginning() const {
+    return Content() == m_beginning;
+}
+
+void StoreState::Restore() const {
+    for (const auto& [path, bytes] : Content()) {
+        const auto before = m_beginning.find(path);
+        if (before == m_beginning.end()) {
+            fs::remove(path);
+        } else if (before->second != bytes) {
+            WriteBytes(path, before->second);
+        }
+    }
+    for (const auto& [path, bytes] : m_beginning) {
+        if (!fs::exists(path)) {
+            WriteBytes(path, bytes);
+        }
+    }
+    for (const auto& entry : fs::directory_iterator(m_beside)) {
+        if (entry.path().extension() == L".jpg") {
+            fs::remove(entry.path());
+        }
+    }
+}
+
+std::size_t StoreState::MessagesIn(const std::wstring& folder) const {
+    const fs::recursive_directory_iterator entries(m_store + L"\\" + folder);
+    return static_cast<std::size_t>(std::count_if(
+        begin(entries), end(entries), [](const auto& entry) { return entry.path().extension() == L".msg"; }));
+}
+
+bool StoreState::MapIsWhole(const CString& map) const {
+    const std::string bytes = BytesOf(map.c_str());
+    ChangeMap known;
+    return bytes == m_beginning.at(map.c_str()) ||
+           (ReadMap(bytes, known) == MapState::kGood && known.sections.size() == 1 &&
+            known.sections[0].items.size() == static_cast<std::size_t>(kItems));
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+// A store with contacts and appointments in a folder and its sub-folder, and what the operations are given
+// and give back.
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "calendar/calendar_record.h"
+#include "contacts/contact_record.h"
+#include "tests/unit/store/store_fixture.h"
+
+/// The name that stands in a message before a write, and the one that the write puts there.
+constexpr const wchar_t* kOldName = L"an old name of some length";
+constexpr const wchar_t* kNewName = L"a new name of some length";
+
+class StoreState {
+  public:
+    /// Contacts, and appointments, with those of the sub-folder.
+    static constexpr int kItems = 3;
+
+    /// Makes the store below a root that holds its folders, and remembers it. The agent must be logged on.
+    explicit StoreState(const std::wstring& root);
+    StoreState(const StoreState&) = delete;
+    StoreState& operator=(const StoreState&) = delete;
+    ~StoreState();
+
+    /// True if the messages and the maps are what they were in the beginning.
+    [[nodiscard]] bool IsAsInTheBeginning() const;
+    /// Brings messages and maps back to that.
+    void Restore() const;
+    /// The number of messages in the two folders of a kind.
+    [[nodiscard]] std::size_t MessagesIn(const std::wstring& folder) const;
+
+    /// True if the map of a kind is the one of the beginning, or one that knows all items.
+    [[nodiscard]] bool MapIsWhole(const CString& map) const;
+
+    CContactEx contact;
+    CCalendarEx calendar;
+    CString contactId;   ///< of the contact in the sub-folder, whose name is the old one
+    CString calendarId;  ///< likewise of an appointment
+    CString contactSelection;
+    CString calendarSelection;
+    /// Maps that lack one item, know another with an older time, and know one that is not there.
+    CString contactMap;
+    CString calendarMap;
+    wchar_t document[1] = {};
+
+  private:
+    using Files = std::map<std::wstring, std::string>;
+    [[nodiscard]] Files Content() const;
+    void MakeMap(const CString& map, bool ofContacts) const;
+
+    std::wstring m_store;
+    std::wstring m_beside;
+    Files m_beginning;
+};

@@ -1,0 +1,398 @@
+// A desktop program for tests that wears the agent out: many rounds of everything, everything at once, and
+// Stop at any moment of a read. It prints what it saw; who runs it decides whether that is well.
+
+#define WIN32_NO_STATUS
+#include <windows.h>
+#undef WIN32_NO_STATUS
+
+#include <ntstatus.h>
+#include <rpc.h>
+#include <winternl.h>
+
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+#include <cwchar>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "callback.h"
+#include "command.h"
+#include "support/owners.h"
+#include "support/rpc_endpoints.h"
+#include "support/rpc_guard.h"
+
+namespace {
+
+constexpr unsigned kMaxCalls = 1234;
+constexpr const wchar_t* kAgent = L"ZebAgentForOutlook64.exe";
+constexpr std::size_t kIdUnits = 400;
+constexpr std::size_t kTimeUnits = 40;
+
+constexpr const char* kUsage =
+    "stress_client MAP-PREFIX soak ROUNDS CYCLES   rounds of a whole day, with CYCLES x 6 writes in each\n"
+    "stress_client MAP-PREFIX logon ROUNDS         logons and logoffs alone\n"
+    "stress_client MAP-PREFIX stop ROUNDS SEED     Stop at any moment of a read\n"
+    "stress_client MAP-PREFIX overlap SECONDS CLIENTS SEED   everything at once, against the rules\n";
+
+std::atomic<unsigned long> g_documents = 0;
+std::wstring g_mapPrefix;
+
+void Require(RPC_STATUS status, const char* what) {
+    if (status != RPC_S_OK) {
+        throw std::runtime_error(std::string(what) + " gives " + std::to_string(status));
+    }
+}
+
+void ServeCallbacks() {
+    Require(
+        RpcServerUseProtseqEpW(RpcText(kProtocolSequence), kMaxCalls, RpcText(kCallbackEndpoint), nullptr),
+        "RpcServerUseProtseqEp");
+    Require(RpcServerRegisterIf(ZebAgentCallback_v1_0_s_ifspec, nullptr, nullptr), "RpcServerRegisterIf");
+    Require(RpcServerListen(1, kMaxCalls, TRUE), "RpcServerListen");
+}
+
+void BindToAgent() {
+    RPC_WSTR text = nullptr;
+    Require(RpcStringBindingComposeW(nullptr, RpcText(kProtocolSequence), nullptr, RpcText(kCommandEndpoint),
+                                     nullptr, &text),
+            "RpcStringBindingCompose");
+    const RPC_STATUS status = RpcBindingFromStringBindingW(text, &g_hAgentBinding);
+    RpcStringFreeW(&text);
+    Require(status, "RpcBindingFromStringBinding");
+}
+
+/// Asks the system for a list whose length is not known before.
+std::vector<std::uint64_t> QuerySystem(SYSTEM_INFORMATION_CLASS what) {
+    std::vector<std::uint64_t> buffer(8192);
+    for (;;) {
+        const auto size = static_cast<ULONG>(buffer.size() * sizeof(buffer[0]));
+        const NTSTATUS status = NtQuerySystemInformation(what, buffer.data(), size, nullptr);
+        if (NT_SUCCESS(status)) {
+            return buffer;
+        }
+        if (status != STATUS_INFO_LENGTH_MISMATCH) {
+            throw std::runtime_error("the system does not tell what it runs");
+        }
+        buffer.resize(buffer.size() * 2);
+    }
+}
+
+/// What the agent uses.
+struct Figures {
+    unsigned long handles = 0;
+    unsigned long long bytes = 0;
+};
+
+/// The agent's entry in a list of processes, one behind the other.
+const SYSTEM_PROCESS_INFORMATION& FindAgent(const std::vector<std::uint64_t>& processes) {
+    const auto* place = reinterpret_cast<const BYTE*>(processes.data());
+    for (;;) {
+        const auto& process = *reinterpret_cast<const SYSTEM_PROCESS_INFORMATION*>(place);
+        const std::wstring name(process.ImageName.Buffer, process.ImageName.Length / sizeof(wchar_t));
+        if (name.ends_with(kAgent)) {
+            return process;
+        }
+        if (process.NextEntryOffset == 0) {
+            throw std::runtime_error("there is no agent");
+        }
+        place += process.NextEntryOffset;
+    }
+}
+
+/// Asked of the system and not of the agent's process, and counted one by one: not every system keeps a
+/// count.
+Figures QueryFigures() {
+    const std::vector<std::uint64_t> processes = QuerySystem(SystemProcessInformation);
+    const SYSTEM_PROCESS_INFORMATION& agent = FindAgent(processes);
+    const std::vector<std::uint64_t> list = QuerySystem(SystemHandleInformation);
+    const auto& handles = *reinterpret_cast<const SYSTEM_HANDLE_INFORMATION*>(list.data());
+    Figures figures;
+    figures.bytes = agent.VirtualMemoryCounters.PagefileUsage;
+    for (ULONG i = 0; i < handles.Count; ++i) {
+        figures.handles +=
+            handles.Handle[i].OwnerPid == reinterpret_cast<std::uintptr_t>(agent.UniqueProcessId);
+    }
+    return figures;
+}
+
+void PrintFigures(unsigned long round) {
+    const Figures figures = QueryFigures();
+    std::printf("round %lu handles %lu bytes %llu documents %lu\n", round, figures.handles, figures.bytes,
+                g_documents.load());
+    std::fflush(stdout);
+}
+
+// The remote procedures. Each returns its status; a call that fails throws.
+
+using TextCall = void (*)(wchar_t* text, long* status);
+
+long CallWithText(TextCall procedure, std::wstring text) {
+    long status = -1;
+    wchar_t* const units = text.data();
+    GuardedRpc([procedure, units, &status] { procedure(units, &status); });
+    return status;
+}
+
+using ReadCall = void (*)(wchar_t* ignored, wchar_t* map, long* status);
+
+long Read(ReadCall procedure, std::wstring map) {
+    long status = -1;
+    wchar_t nothing[] = L"";
+    wchar_t* const texts[] = {nothing, map.data()};
+    GuardedRpc([procedure, &texts, &status] { procedure(texts[0], texts[1], &status); });
+    return status;
+}
+
+using CountCall = void (*)(long* count, long* status);
+
+long Count(CountCall procedure) {
+    long count = -1;
+    long status = -1;
+    GuardedRpc([procedure, &count, &status] { procedure(&count, &status); });
+    return count;
+}
+
+using WriteCall = void (*)(wchar_t* xml, wchar_t* id, wchar_t* time, long* status);
+
+/// Writes a document; returns the identifier that came back.
+std::wstring Write(WriteCall procedure, std::wstring document) {
+    wchar_t id[kIdUnits] = L"";
+    wchar_t time[kTimeUnits] = L"";
+    long status = -1;
+    wchar_t* const texts[] = {document.data(), id, time};
+    GuardedRpc([procedure, &texts, &status] { procedure(texts[0], texts[1], texts[2], &status); });
+    if (status != 0) {
+        throw std::runtime_error("a write gives " + std::to_string(status));
+    }
+    return id;
+}
+
+void LogOn() {
+    if (const long status = CallWithText(MAPILogOn, L""); status != 0) {
+        throw std::runtime_error("the logon gives " + std::to_string(status));
+    }
+}
+
+void LogOff() {
+    GuardedRpc([] { MAPILogOff(); });
+}
+
+/// A kind of item, and what is written of it.
+struct Kind {
+    const wchar_t* root;
+    const wchar_t* texts;
+    CountCall count;
+    ReadCall read;
+    WriteCall write;
+    const wchar_t* map;
+};
+
+constexpr Kind kKinds[] = {
+    {L"Contact", L"<FirstName>Ada</FirstName><LastName>Lovelace</LastName><Email1>ada@example.org</Email1>",
+     GetContactCount, ReadContacts, WriteContacts, L"contacts.map"},
+    {L"Calendar",
+     L"<lCalType>3</lCalType><Description>Review</Description><dtStartTime>05/10/2010 10:00:00</dtStartTime>"
+     L"<dtEndTime>05/10/2010 "
+     L"11:00:00</dtEndTime><lRecurType>2</lRecurType><lRecurWeekMask>2</lRecurWeekMask>",
+     GetCalendarCount, ReadCalendars, WriteCalendars, L"calendars.map"},
+};
+
+std::wstring DocumentOf(const Kind& kind, int flag, const std::wstring& id) {
+    const std::wstring root = kind.root;
+    return L"<" + root + L"><lFlag>" + std::to_wstring(flag) + L"</lFlag><PIMID>" + id + L"</PIMID>" +
+           kind.texts + L"</" + root + L">";
+}
+
+/// Adds an item, changes it and deletes it.
+void WriteCycle(const Kind& kind) {
+    const std::wstring id = Write(kind.write, DocumentOf(kind, 8, L""));
+    Write(kind.write, DocumentOf(kind, 4, id));
+    Write(kind.write, DocumentOf(kind, 32, id));
+}
+
+void RequireRead(const Kind& kind, const std::wstring& map) {
+    if (const long status = Read(kind.read, map); status != 0) {
+        throw std::runtime_error("a read gives " + std::to_string(status));
+    }
+}
+
+void Round(unsigned long cycles) {
+    LogOn();
+    CallWithText(GetAppFolder, L"");
+    for (const Kind& kind : kKinds) {
+        RequireRead(kind, L"");
+        RequireRead(kind, g_mapPrefix + kind.map);
+        for (unsigned long i = 0; i < cycles; ++i) {
+            WriteCycle(kind);
+        }
+    }
+    LogOff();
+}
+
+void Soak(unsigned long rounds, unsigned long cycles) {
+    for (unsigned long round = 1; round <= rounds; ++round) {
+        g_documents = 0;
+        Round(cycles);
+        PrintFigures(round);
+    }
+}
+
+void SoakLogons(unsigned long rounds) {
+    for (unsigned long round = 1; round <= rounds; ++round) {
+        LogOn();
+        LogOff();
+        PrintFigures(round);
+    }
+}
+
+/// Reads while another thread says Stop some time later. A read that was stopped gives 1, one that had come
+/// to its end gives 0.
+void StopReads(unsigned long rounds, unsigned seed) {
+    std::mt19937 random(seed);
+    LogOn();
+    const long items = Count(GetContactCount);
+    unsigned long stopped = 0;
+    for (unsigned long round = 0; round < rounds; ++round) {
+        g_documents = 0;
+        const unsigned long after = random() % static_cast<unsigned long>(items + 2);
+        std::atomic<bool> ended = false;
+        std::thread stopper([&] {
+            while (g_documents < after && !ended) {
+                Sleep(0);
+            }
+            GuardedRpc([] { Stop(); });
+        });
+        const long status = Read(ReadContacts, L"");
+        ended = true;
+        stopper.join();
+        stopped += status == 1 ? 1 : 0;
+        const bool whole = g_documents == static_cast<unsigned long>(items);
+        if ((status == 0 && !whole) || status < 0 || status > 1) {
+            throw std::runtime_error("a read gives " + std::to_string(status) + " with " +
+                                     std::to_string(g_documents.load()) + " documents");
+        }
+    }
+    LogOff();
+    std::printf("stop %lu of %lu reads\n", stopped, rounds);
+}
+
+/// One call of any kind, as a client makes it that keeps to no rule. What it gives does not matter.
+void CallAnything(std::mt19937& random) {
+    const Kind& kind = kKinds[random() % 2];
+    switch (random() % 12) {
+        case 0:
+            CallWithText(MAPILogOn, L"");
+            break;
+        case 1:
+            LogOff();
+            break;
+        case 2:
+            CallWithText(GetAppFolder, L"");
+            break;
+        case 3:
+            CallWithText(GetAppProfile, L"");
+            break;
+        case 4:
+            CallWithText(SetContactFolder, L"");
+            CallWithText(SetCalendarFolder, L"");
+            break;
+        case 5:
+            Count(kind.count);
+            break;
+        case 6:
+            Read(kind.read, L"");
+            break;
+        case 7:
+            Read(kind.read, g_mapPrefix + kind.map);
+            break;
+        case 8:
+            GuardedRpc([] { Stop(); });
+            break;
+        default:
+            WriteCycle(kind);
+            break;
+    }
+}
+
+void Overlap(unsigned long seconds, unsigned long clients, unsigned seed) {
+    std::atomic<unsigned long> calls = 0;
+    std::atomic<unsigned long> failures = 0;
+    std::atomic<unsigned long> lastStatus = 0;
+    const ULONGLONG end = GetTickCount64() + seconds * 1000ULL;
+    std::vector<std::thread> threads;
+    for (unsigned long client = 0; client < clients; ++client) {
+        threads.emplace_back([&, client] {
+            std::mt19937 random(seed + client);
+            while (GetTickCount64() < end) {
+                try {
+                    ++calls;
+                    CallAnything(random);
+                } catch (const RpcFailure& failure) {
+                    ++failures;
+                    lastStatus = failure.Status();
+                } catch (const std::exception&) {
+                    // A write or a logon that another call took the session from.
+                    Sleep(0);
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    std::printf("overlap %lu calls, %lu remote failures, the last with %lu\n", calls.load(), failures.load(),
+                lastStatus.load());
+}
+
+void Run(const std::vector<std::wstring>& words) {
+    const auto number = [&](std::size_t place) {
+        if (place >= words.size()) {
+            throw std::invalid_argument(kUsage);
+        }
+        return std::wcstoul(words[place].c_str(), nullptr, 10);
+    };
+    g_mapPrefix = words.empty() ? L"" : words[0];
+    const std::wstring mode = words.size() < 2 ? L"" : words[1];
+    if (mode == L"soak") {
+        Soak(number(2), number(3));
+    } else if (mode == L"logon") {
+        SoakLogons(number(2));
+    } else if (mode == L"stop") {
+        StopReads(number(2), number(3));
+    } else if (mode == L"overlap") {
+        Overlap(number(2), number(3), number(4));
+    } else {
+        throw std::invalid_argument(kUsage);
+    }
+}
+
+}  // namespace
+
+void MAPIServerShutdown() {}
+
+void MAPISendBackOneContact(wchar_t* /*xml*/) {
+    ++g_documents;
+}
+
+void MAPISendBackOneCalenda(wchar_t* xml) {
+    // The end of a write comes as an empty one.
+    g_documents += *xml == L'\0' ? 0 : 1;
+}
+
+int wmain(int count, wchar_t** arguments) {
+    try {
+        ServeCallbacks();
+        BindToAgent();
+        Run({arguments + 1, arguments + count});
+        return 0;
+    } catch (const RpcFailure& failure) {
+        std::fprintf(stderr, "stress_client: a remote call failed, status %lu\n", failure.Status());
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "stress_client: %s\n", failure.what());
+    }
+    return 1;
+}
