@@ -68,10 +68,13 @@ class Soak(harness.Case):
             f"{ROUNDS} rounds with {ITEMS} contacts and {ITEMS} appointments: handles {handles[settled]} to "
             f"{handles[-1]}, {per_round:.2f} a round of which {left:.2f} are left by its logon; memory "
             f"{size[settled] >> 10} to {size[-1] >> 10} KB, {kilobytes:.1f} KB a round beyond its logon")
-        self.assertLess(abs(per_round - left), 0.5)
+        rounds = ROUNDS - settled
+        # Threads of the RPC runtime come and go, each with some handles and a megabyte; an item that is not closed is a handle
+        # in each round.
+        self.assertLess(abs(per_round - left) * rounds, 20)
         # What the agent itself allocates is counted in one process (tests/faults/growth_test.cpp). This is the RPC runtime's
         # and the XML service's, which is some hundred bytes a call under Wine.
-        self.assertLess(kilobytes, 2 * (documents[-1] + 12 * CYCLES))
+        self.assertLess(kilobytes * rounds, 2 * (documents[-1] + 12 * CYCLES) * rounds + 4096)
 
     def test_stop_ends_a_read_at_any_moment(self):
         seed = int(os.environ.get("ZEB_SEED", "20111"))
