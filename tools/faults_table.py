@@ -14,7 +14,7 @@ def rows(log):
     """The rows of the sweeps that came to their end, and one for the sweep in which the program ended."""
     running = None
     for line in log.splitlines():
-        if line.startswith("[ RUN      ]"):
+        if line.startswith("[ RUN      ]") and "/Faults." in line:
             running = line.split("/")[-1]
         elif line.startswith("FAULTS: "):
             operation, kind, points, runs, leaks, losses = (
