@@ -2,8 +2,7 @@
 # Runs a Windows program under Wine with the project's own prefix: run-wine.sh PROGRAM [ARGUMENT...]
 # The variables that the environment sets already stay as they are.
 set -eu
-here=$(cd "$(dirname "$0")/.." && pwd)
-export WINEPREFIX="${WINEPREFIX:-$here/build/wine}"
+source "$(dirname "$0")/wine-prefix.sh"
 # File names beyond ASCII need a locale of UTF-8, which an empty environment does not have.
 case "${LC_ALL:-${LC_CTYPE:-${LANG:-}}}" in
   *[Uu][Tt][Ff]*8*) ;;

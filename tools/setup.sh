@@ -5,6 +5,7 @@
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 cd "$here"
+source tools/wine-prefix.sh
 
 # Without these nothing can be built or run.
 required=(
@@ -20,7 +21,7 @@ wine32_libraries=(libfreetype6 libpng16-16 zlib1g libbrotli1 libbz2-1.0 libfontc
 
 wine64_loader=/usr/lib/wine/wine64
 wine32_root=$here/build/wine32/root
-prefix=${WINEPREFIX:-$here/build/wine}
+prefix=$WINEPREFIX
 
 say() { printf 'setup: %s\n' "$*"; }
 die() { printf 'setup: %s\n' "$*" >&2; exit 1; }
@@ -128,12 +129,36 @@ set_up_prefix() {
   WINEPREFIX=$prefix WINEDLLPATH=$wine32_root/usr/lib/i386-linux-gnu/wine \
     env -u DISPLAY timeout 300 tools/run-wine.sh wineboot -i >"$prefix.log" 2>&1 ||
     die "Wine prefix: could not be made, see $prefix.log"
+  # The server writes the registry to its files when it ends.
+  WINEPREFIX=$prefix timeout 60 /usr/lib/wine/wineserver64 -w || true
   [ "$kind" = 64 ] || [ -e "$prefix/drive_c/windows/syswow64/kernel32.dll" ] ||
     die "Wine prefix: the 32-bit libraries are not in it, see $prefix.log"
   printf '%s\n' "$stamp" >"$prefix/zeb-prefix"
 }
 
+# A lane's prefix is a copy. What Windows itself consists of is never written to, so links to it do.
+set_up_lane() {
+  local lane=$prefix-$1
+  ! cmp -s "$prefix/zeb-prefix" "$lane/zeb-prefix" || { say "Wine prefix: there, $lane"; return; }
+  [ ! -e "$lane" ] || [ -e "$lane/zeb-prefix" ] || die "Wine prefix: $lane was not made by this script"
+  [ ! -e "$lane" ] || WINEPREFIX=$lane /usr/lib/wine/wineserver64 -k || true
+  say "Wine prefix: making $lane as a copy"
+  rm -rf "$lane"
+  mkdir -p "$lane/drive_c"
+  echo unfinished >"$lane/zeb-prefix"
+  cp -al "$prefix"/drive_c/windows "$lane/drive_c/" 2>/dev/null || cp -a "$prefix"/drive_c/windows "$lane/drive_c/"
+  local part
+  for part in "$prefix"/drive_c/*; do
+    [ "${part##*/}" = windows ] || cp -a "$part" "$lane/drive_c/"
+  done
+  cp -a "$prefix"/*.reg "$prefix"/.update-timestamp "$prefix"/dosdevices "$lane/"
+  cp "$prefix/zeb-prefix" "$lane/zeb-prefix"
+}
+
 set_up_packages
 set_up_wine32
 set_up_prefix
+for number in "${ZEB_LANES[@]}"; do
+  set_up_lane "$number"
+done
 say "done"

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs all tests: the release build under Wine, then the pure ring natively with the sanitizers. Behind them
-# stands what was measured and each single test that was left out; the last line counts the entries of both runs. Ends with 1 if a test failed or a run could not be had.
+# stands what was measured and each single test that was left out; the last line counts the entries of both runs. Ends with 1 if a
+# test failed or a run could not be had. With the argument "checked" it is the checked build instead, under Wine alone.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/wine-server.sh
@@ -70,20 +71,45 @@ run_tests() {
   fi
 }
 
-if tools/build.sh release desktop32 && tools/check_products.sh; then
-  keep_wine_server
-  run_tests release
-else
-  fail "THE PROGRAMS WERE NOT BUILT"
-fi
+# Runs the tests of a build under Wine: run_lanes PRESET
+run_lanes() {
+  keep_wine_server "${ZEB_LANES[@]}"
+  run_tests "$1" -j "$((1 + ${#ZEB_LANES[@]}))"
+}
 
-if ! command -v clang++ >/dev/null; then
-  printf 'test: NO CLANG ON THIS MACHINE, so nothing was tested with the sanitizers\n'
-  skipped=$((skipped + 1))
-elif tools/build.sh sanitize; then
-  run_tests sanitize -j "$(nproc)"
+test_release() {
+  if tools/build.sh release desktop32 && tools/check_products.sh; then
+    run_lanes release
+  else
+    fail "THE PROGRAMS WERE NOT BUILT"
+  fi
+}
+
+test_checked() {
+  # There is no checked build for 32 bits: that desktop program is the released one.
+  if tools/build.sh checked desktop32 && cp build/bin/zebdesk32.exe build/checked/bin/; then
+    run_lanes checked
+  else
+    fail "THE CHECKED PROGRAMS WERE NOT BUILT"
+  fi
+}
+
+test_sanitized() {
+  if ! command -v clang++ >/dev/null; then
+    printf 'test: NO CLANG ON THIS MACHINE, so nothing was tested with the sanitizers\n'
+    skipped=$((skipped + 1))
+  elif tools/build.sh sanitize; then
+    run_tests sanitize -j "$(nproc)"
+  else
+    fail "THE SANITIZED BUILD FAILED"
+  fi
+}
+
+if [ "${1:-}" = checked ]; then
+  test_checked
 else
-  fail "THE SANITIZED BUILD FAILED"
+  test_release
+  test_sanitized
 fi
 
 print_notes

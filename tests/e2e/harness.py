@@ -21,6 +21,9 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 BIN = pathlib.Path(os.environ.get("ZEB_BIN_DIR", ROOT / "build/bin"))
 TEST_BIN = pathlib.Path(os.environ.get("ZEB_TEST_BIN_DIR", ROOT / "build/release/tests"))
 AGENT = "ZebAgentForOutlook64.exe"
+# Entries of ctest in another lane have another prefix, as tools/wine-prefix.sh has it.
+_LANE = os.environ.pop("ZEB_LANE", "")
+os.environ["WINEPREFIX"] = os.environ.get("WINEPREFIX", str(ROOT / "build/wine")) + (f"-{_LANE}" if _LANE else "")
 # Messages that a mail program saved. Without the variable this is a place in which no file is found.
 REAL_ITEMS = pathlib.Path(os.environ.get("ZEB_REAL_ITEMS") or os.devnull)
 NO_REAL_ITEMS = "NO REAL ITEMS: ZEB_REAL_ITEMS names no folder with them"
@@ -126,7 +129,7 @@ class Place:
 
     def drive_c(self):
         """The folder that is the Windows drive C."""
-        return pathlib.Path(self.environment().get("WINEPREFIX", ROOT / "build/wine")) / "drive_c"
+        return pathlib.Path(os.environ["WINEPREFIX"]) / "drive_c"
 
     def host_path(self, path):
         """Where this machine has a file of the Windows drive C, or of Z, which is all of this machine."""
