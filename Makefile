@@ -1,6 +1,6 @@
 # The front door. Everything that takes more than a line stands in tools/.
 
-.PHONY: build setup demo test lint fuzz faults clean help
+.PHONY: build setup demo test test-checked soak lint fuzz faults clean help
 
 build: setup  ## the programs and libraries, into build/bin
 	tools/build.sh release desktop32
@@ -15,6 +15,12 @@ demo: build  ## the agent at work on a sample store
 test: setup  ## all tests, under Wine and natively with the sanitizers
 	tools/test.sh
 
+test-checked: setup  ## the tests under Wine with traps for undefined behaviour and the checked standard library
+	tools/test.sh checked
+
+soak: setup  ## the agent worn out: many rounds, Stop at any moment, eight clients at once (an hour)
+	tools/soak.sh
+
 lint: setup  ## the format, clang-tidy and the rules between the rooms
 	tools/lint.sh
 
@@ -25,7 +31,7 @@ faults: setup  ## every call of every operation failed in turn, and the table of
 	tools/faults.sh
 
 clean:  ## removes what was built, not the downloaded Wine and its prefix
-	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/demo build/lint
+	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/checked build/demo build/lint
 
 help:  ## this list
-	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "make %-6s %s\n", $$1, $$2 }' Makefile
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "make %-12s %s\n", $$1, $$2 }' Makefile

@@ -17,3 +17,9 @@ if(ZEB_SANITIZE)
   add_compile_options(-fsanitize=${ZEB_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZEB_SANITIZE})
 endif()
+
+# MinGW has no run-time library for the sanitizers: undefined behaviour ends the program where it happens.
+if(ZEB_CHECKED)
+  add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:-fsanitize=undefined;-fno-sanitize=vptr;-fsanitize-undefined-trap-on-error>")
+  add_compile_definitions("$<$<COMPILE_LANGUAGE:CXX>:_GLIBCXX_ASSERTIONS;_GLIBCXX_DEBUG>")
+endif()

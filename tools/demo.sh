@@ -38,7 +38,7 @@ on_exit() {
 rm -rf "$demo"
 mkdir -p "$demo/bin"
 # Programs of the demo's own, so that its settings and its log are not those of build/bin.
-cp build/bin/*.exe build/bin/*.dll "$demo/bin/"
+cp "${ZEB_BIN_DIR:-build/bin}"/*.exe "${ZEB_BIN_DIR:-build/bin}"/*.dll "$demo/bin/"
 cp -r localstore/sample/people localstore/sample/appointments "$demo/"
 keep_wine_server
 
