@@ -327,7 +327,7 @@ void Overlap(unsigned long seconds, unsigned long clients, unsigned seed) {
     for (unsigned long client = 0; client < clients; ++client) {
         threads.emplace_back([&, client] {
             std::mt19937 random(seed + client);
-            while (GetTickCount64() < end) {
+            while (GetTickCount64() < end && lastStatus != RPC_S_SERVER_UNAVAILABLE) {
                 try {
                     ++calls;
                     CallAnything(random);

@@ -3,22 +3,13 @@
 ZEB_SOAK=full runs at the length at which the figures of docs/testing.md were measured.
 """
 
-import os
-import pathlib
 import re
 import statistics
-import sys
 import unittest
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
+from soak_case import FULL, SEED, SoakCase, harness
 
-import harness  # noqa: E402
-from contact_fields import tag_line  # noqa: E402
-from appointments import appointment  # noqa: E402
-
-FULL = os.environ.get("ZEB_SOAK") == "full"
 ROUNDS = 200 if FULL else 8
-ITEMS = 500 if FULL else 20
 # Six writes in each.
 CYCLES = 16 if FULL else 2
 STOPS = 1000 if FULL else 100
@@ -31,23 +22,12 @@ def growth(values):
     return slope
 
 
-class Soak(harness.Case):
+class Soak(SoakCase):
+    ITEMS = 500 if FULL else 20
+
     def setUp(self):
         super().setUp()
-        self.place.settings(subfolder="true")
-        self.place.folder("Work/Mail/Calendar")
-        self.place.make_contacts([[tag_line("3A06001F", f"Ada {number}")] for number in range(ITEMS)])
-        self.place.make_items(appointment(f"Review {number}") for number in range(ITEMS))
         self.agent = self.place.start_agent(FENNIC64_LEVEL="3")
-
-    def stress(self, *words):
-        """Runs the stress client. Gives its lines."""
-        process = self.place.start(harness.TEST_BIN / "stress_client.exe",
-                                   harness.windows_path(self.place.path) + "\\", *words)
-        status = process.wait(None)
-        output, errors = (stream.read_bytes().decode() for stream in process.streams)
-        self.assertEqual(status, 0, output + errors)
-        return output.splitlines()
 
     def figures(self, *words):
         """Handles and bytes behind each round, and the documents in it."""
@@ -58,14 +38,14 @@ class Soak(harness.Case):
         logon_handles, logon_bytes, _ = self.figures("logon", str(max(ROUNDS // 4, 8)))
         handles, size, documents = self.figures("soak", str(ROUNDS), str(CYCLES))
         # Everything is read once; of what changes, the first round finds all and the later ones nothing.
-        self.assertEqual(documents, [4 * ITEMS] + [2 * ITEMS] * (ROUNDS - 1))
+        self.assertEqual(documents, [4 * self.ITEMS] + [2 * self.ITEMS] * (ROUNDS - 1))
         # What is made for the first time stays: threads, libraries, caches.
         settled = ROUNDS // 4
         left = growth(logon_handles[2:])
         per_round = growth(handles[settled:])
         kilobytes = growth(size[settled:]) / 1024 - growth(logon_bytes[2:]) / 1024
         harness.tell_measured(
-            f"{ROUNDS} rounds with {ITEMS} contacts and {ITEMS} appointments: handles {handles[settled]} to "
+            f"{ROUNDS} rounds with {self.ITEMS} contacts and {self.ITEMS} appointments: handles {handles[settled]} to "
             f"{handles[-1]}, {per_round:.2f} a round of which {left:.2f} are left by its logon; memory "
             f"{size[settled] >> 10} to {size[-1] >> 10} KB, {kilobytes:.1f} KB a round beyond its logon")
         rounds = ROUNDS - settled
@@ -77,9 +57,8 @@ class Soak(harness.Case):
         self.assertLess(kilobytes * rounds, 2 * (documents[-1] + 12 * CYCLES) * rounds + 4096)
 
     def test_stop_ends_a_read_at_any_moment(self):
-        seed = int(os.environ.get("ZEB_SEED", "20111"))
-        [line] = self.stress("stop", str(STOPS), str(seed))
-        harness.tell_measured(f"seed {seed}: {line}")
+        [line] = self.stress("stop", str(STOPS), str(SEED))
+        harness.tell_measured(f"seed {SEED}: {line}")
         self.assertRegex(line, r"^stop [1-9]\d* of \d+ reads$")
 
 

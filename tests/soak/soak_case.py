@@ -1,0 +1,34 @@
+"""What the tests of wear share: a store with contacts and appointments, and the client that wears the agent out."""
+
+import os
+import pathlib
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
+
+import harness  # noqa: E402
+from contact_fields import tag_line  # noqa: E402
+from appointments import appointment  # noqa: E402
+
+FULL = os.environ.get("ZEB_SOAK") == "full"
+SEED = int(os.environ.get("ZEB_SEED", "20111"))
+
+
+class SoakCase(harness.Case):
+    ITEMS = 20
+
+    def setUp(self):
+        super().setUp()
+        self.place.settings(subfolder="true")
+        self.place.folder("Work/Mail/Calendar")
+        self.place.make_contacts([[tag_line("3A06001F", f"Ada {number}")] for number in range(self.ITEMS)])
+        self.place.make_items(appointment(f"Review {number}") for number in range(self.ITEMS))
+
+    def stress(self, *words):
+        """Runs the stress client. Gives its lines."""
+        process = self.place.start(harness.TEST_BIN / "stress_client.exe",
+                                   harness.windows_path(self.place.path) + "\\", *words)
+        status = process.wait(None)
+        output, errors = (stream.read_bytes().decode() for stream in process.streams)
+        self.assertEqual(status, 0, output + errors)
+        return output.splitlines()
