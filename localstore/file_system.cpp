@@ -224,7 +224,10 @@ FileContent ReadWholeFile(const Text& path) {
     FileContent content;
     content.stamp = entry.stamp;
     content.creationTime = entry.creationTime;
-    Require(content.stamp.size <= kLongestFile, MAPI_E_CORRUPT_DATA);
+    content.isTooLong = content.stamp.size > kLongestFile;
+    if (content.isTooLong) {
+        return content;
+    }
     content.bytes.resize(static_cast<std::size_t>(content.stamp.size));
     DWORD read = 0;
     if (ReadFile(file.Get(), content.bytes.data(), static_cast<DWORD>(content.bytes.size()), &read,

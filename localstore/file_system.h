@@ -33,6 +33,7 @@ struct FileContent {
     Bytes bytes;
     FileStamp stamp;
     std::uint64_t creationTime = 0;
+    bool isTooLong = false;
 };
 
 /// Files of messages longer than this are taken for damaged.
@@ -54,8 +55,8 @@ bool IsReadOnlyFile(const Text& path);
 /// The file as it is now, without its bytes. Nothing if it is not there.
 std::optional<FileEntry> QueryFile(const Text& path);
 
-/// A whole file. The stamp was taken before the first byte was read. A longer one than kLongestFile is
-/// MAPI_E_CORRUPT_DATA.
+/// A whole file. The stamp was taken before the first byte was read. Of one that is longer than kLongestFile
+/// no byte is read.
 FileContent ReadWholeFile(const Text& path);
 
 /// A file that is written whole under another name beside the place where it is to stand, so that its final

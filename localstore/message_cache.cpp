@@ -7,12 +7,13 @@ namespace localstore {
 
 namespace {
 
-/// Bytes of files that are kept at most; the least recently used go first.
-constexpr std::uint64_t kMostBytes = 256ULL * 1024 * 1024;
-
-std::shared_ptr<const MessageContent> Parse(const Bytes& bytes, const StorageCalls& calls,
+std::shared_ptr<const MessageContent> Parse(const FileContent& file, const StorageCalls& calls,
                                             const char*& reason) {
-    std::optional<StorageTree> tree = ReadStorage(bytes, reason, calls);
+    if (file.isTooLong) {
+        reason = "it is longer than any message";
+        return nullptr;
+    }
+    std::optional<StorageTree> tree = ReadStorage(file.bytes, reason, calls);
     if (!tree) {
         return nullptr;
     }
@@ -45,10 +46,10 @@ LoadedMessage MessageCache::Load(const Text& path) {
 
 LoadedMessage MessageCache::Read(const Text& path) {
     Forget(path);
-    FileContent file = ReadWholeFile(path);
+    const FileContent file = ReadWholeFile(path);
     ++m_filesRead;
     const char* reason = "";
-    std::shared_ptr<const MessageContent> content = Parse(file.bytes, m_calls, reason);
+    std::shared_ptr<const MessageContent> content = Parse(file, m_calls, reason);
     if (!content) {
         ReportSkipped(path, reason);
     }
@@ -57,15 +58,15 @@ LoadedMessage MessageCache::Read(const Text& path) {
     entry.push_front({path, file.stamp, file.creationTime, content});
     m_places[path] = entry.begin();
     m_entries.splice(m_entries.begin(), entry);
-    m_bytes += file.stamp.size;
+    m_bytes += m_entries.front().Bytes();
     Trim();
     Require(content != nullptr, MAPI_E_CORRUPT_DATA);
     return {content, {LastComponent(path), false, file.stamp, file.creationTime}};
 }
 
 void MessageCache::Trim() {
-    while (m_bytes > kMostBytes && m_entries.size() > 1) {
-        m_bytes -= m_entries.back().stamp.size;
+    while (m_bytes > m_mostBytes && m_entries.size() > 1) {
+        m_bytes -= m_entries.back().Bytes();
         m_places.erase(m_entries.back().path);
         m_entries.pop_back();
     }
@@ -74,7 +75,7 @@ void MessageCache::Trim() {
 void MessageCache::Forget(const Text& path) noexcept {
     const auto found = m_places.find(path);
     if (found != m_places.end()) {
-        m_bytes -= found->second->stamp.size;
+        m_bytes -= found->second->Bytes();
         m_entries.erase(found->second);
         m_places.erase(found);
     }

@@ -23,7 +23,11 @@ struct LoadedMessage {
 /// remembered: the next try reads the file again.
 class MessageCache {
   public:
-    explicit MessageCache(const StorageCalls& calls = {}) : m_calls(calls) {}
+    /// Bytes of files that are kept at most; the least recently used go first.
+    static constexpr std::uint64_t kMostBytes = 256ULL * 1024 * 1024;
+
+    explicit MessageCache(const StorageCalls& calls = {}, std::uint64_t mostBytes = kMostBytes)
+        : m_calls(calls), m_mostBytes(mostBytes) {}
 
     /// The one cache of the process.
     static MessageCache& Instance();
@@ -45,6 +49,9 @@ class MessageCache {
         std::uint64_t creationTime = 0;
         /// Null for a damaged file.
         std::shared_ptr<const MessageContent> content;
+
+        /// What the file counts for. Of a damaged one nothing is kept.
+        [[nodiscard]] std::uint64_t Bytes() const { return content ? stamp.size : 0; }
     };
     using Place = std::list<Entry>::iterator;
 
@@ -52,6 +59,7 @@ class MessageCache {
     void Trim();
 
     StorageCalls m_calls;
+    std::uint64_t m_mostBytes;
     /// The most recently used first.
     std::list<Entry> m_entries;
     std::unordered_map<Text, Place> m_places;

@@ -10,7 +10,7 @@ namespace localstore {
 
 namespace {
 
-/// Folders inside one another; deeper ones are not looked for.
+/// Folders inside one another; deeper ones stand in the table of theirs and do not open.
 constexpr int kDeepestFolder = 32;
 
 /// The folders that a store knows by their name, with the property that names them on the root and on the

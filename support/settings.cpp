@@ -35,10 +35,10 @@ class SettingsFile {
 
 }  // namespace
 
-void LoadSettings() {
+void LoadSettings(decltype(&::GetModuleFileNameW) getModuleFileName) {
     g_strModulePath.clear();
     wchar_t image[MAX_PATH] = {};
-    const DWORD length = GetModuleFileNameW(nullptr, image, static_cast<DWORD>(std::size(image)));
+    const DWORD length = getModuleFileName(nullptr, image, static_cast<DWORD>(std::size(image)));
     if (length == 0) {
         return;
     }

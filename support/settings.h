@@ -19,9 +19,10 @@ extern CString g_strOutlookXml;
 /// The profile document's path, from key `XMLPath`; empty without the key.
 extern CString g_strProfileXml;
 
-/// Reads the settings file beside the process image. If the path of the image cannot be had, all settings
-/// keep their initial values: empty and false.
-void LoadSettings();
+/// Reads the settings file beside the process image, whose path a test can give. Of a path that is longer
+/// than 259 characters only these count, so that the file of a folder above is read. If the path cannot be
+/// had, all settings keep their initial values: empty and false.
+void LoadSettings(decltype(&::GetModuleFileNameW) getModuleFileName = &::GetModuleFileNameW);
 
 /// Reads the settings file in a folder, given with its trailing backslash. A missing file gives every key its
 /// default. The folder of key `XMLPath` is made; where that fails, the two documents' paths lie in the root

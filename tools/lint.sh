@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks what no compiler does: the form of the sources, the rules between the rooms, and what clang-tidy says. Ends with 1
-# if there is anything to say. With the argument "quick", clang-tidy leaves the tests out.
+# Checks what no compiler does: the form of the sources, the rules between the rooms, the tests that the documents name, and
+# what clang-tidy says. Ends with 1 if there is anything to say. With the argument "quick", clang-tidy leaves the tests out.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bad=0
@@ -19,6 +19,9 @@ fi
 
 printf '== lint: rooms\n'
 tools/check_rooms.py || bad=1
+
+printf '== lint: limits\n'
+tools/check_limits.py || bad=1
 
 # clang-tidy reads headers that the build makes, and how each file is compiled.
 tools/build.sh release sanitize

@@ -97,6 +97,12 @@ class Sample(ListCase):
         output, _ = self.assert_exit(self.place.start(ZEBSAMPLE, harness.windows_path(self.place.root), PLAIN_CONTACTS))
         self.assertEqual(output.strip(), f"46 items in profile Sample, {PLAIN_CONTACTS} in profile Second")
 
+    def test_more_than_a_million_contacts_are_refused_before_anything_is_made(self):
+        root = self.place.path / "other"
+        for count in ("1000001", "4294967297", "-1", "5x", ""):
+            self.assert_exit(self.place.start(ZEBSAMPLE, harness.windows_path(root), count), 2)
+            self.assertFalse(root.exists(), count)
+
     def test_it_has_two_profiles(self):
         table = [line.split() for line in self.desktop("profiles").splitlines()]
         self.assertEqual(table, [["PROFILE", "DEFAULT"], ["Sample", "default"], ["Second"]])

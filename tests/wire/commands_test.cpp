@@ -201,6 +201,19 @@ TEST_F(Commands, ATextWithoutATerminatorFaults) {
     ExpectFault(2, Hex("02 00 00 00  00 00 00 00  02 00 00 00  61 00 62 00"));
 }
 
+TEST_F(Commands, ATextThatClaimsMoreThanItHasFaults) {
+    // Its length, the size of its buffer, and where it begins in that.
+    for (const char* text : {"02 00 00 00  00 00 00 00  FF FF FF FF  61 00 00 00",
+                             "FF FF FF FF  00 00 00 00  FF FF FF FF  61 00 00 00",
+                             "FF FF FF 7F  00 00 00 00  FF FF FF 7F  61 00 00 00",
+                             "02 00 00 00  01 00 00 00  02 00 00 00  61 00 00 00",
+                             "02 00 00 00  FF FF FF FF  02 00 00 00  61 00 00 00",
+                             "01 00 00 00  00 00 00 00  02 00 00 00  61 00 00 00"}) {
+        ExpectFault(2, Hex(text));
+    }
+    EXPECT_TRUE(m_agent.IsRunning());
+}
+
 TEST_F(Commands, ShutdownBeforeLogonEndsTheProcess) {
     EXPECT_EQ(Answer(0), Nothing());
     EXPECT_EQ(m_agent.WaitForExit(), 0U);

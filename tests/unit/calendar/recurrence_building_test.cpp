@@ -153,6 +153,16 @@ TEST_F(RecurrenceBuilding, YearlyCountsItsPeriodInMonthsAndItsFirstDateIsTheDayO
     ExpectKind(OfKind(4, 1), 0x200D, 2, 12, 366 * 1440);
 }
 
+TEST_F(RecurrenceBuilding, TheLongestIntervalIsKeptAndOneMoreIsNot) {
+    EXPECT_EQ(OfKind(1, 2'982'616).Period, 4'294'967'040U);
+    EXPECT_EQ(OfKind(1, 2'982'617).Period, 1'184U);
+    EXPECT_EQ(OfKind(4, 357'913'941).Period, 4'294'967'292U);
+    EXPECT_EQ(OfKind(4, 357'913'942).Period, 8U);
+    // Of weeks it is the first date that depends on a product.
+    EXPECT_EQ(OfKind(2, 426'088).FirstDateTime, kSundayBefore);
+    EXPECT_EQ(OfKind(2, 426'089).FirstDateTime, kSundayBefore % 9'824);
+}
+
 TEST_F(RecurrenceBuilding, YearlyIntervalWrapsAt32Bits) {
     EXPECT_EQ(OfKind(4, kMost).Period, static_cast<std::uint32_t>(std::uint64_t{kMost} * 12));
     EXPECT_EQ(OfKind(4, -1).Period, 0U - 12U);

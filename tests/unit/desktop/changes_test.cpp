@@ -212,6 +212,26 @@ TEST_F(WorkingMapTest, KeepsAMapThatTheAgentCouldNotUseUnderANameOfItsOwn) {
     EXPECT_EQ(m_folder.Read(L"map.aside"), "from an earlier time");
 }
 
+TEST_F(WorkingMapTest, KeepsAThousandMapsThatTheAgentCouldNotUseAndNoMore) {
+    m_folder.Write(L"map.aside", "1");
+    for (int number = 2; number < 1000; ++number) {
+        m_folder.Write((L"map.aside" + std::to_wstring(number)).c_str(), "");
+    }
+    const auto keepOneMore = [this](const std::string& damaged) {
+        m_folder.Write(L"map", damaged);
+        const WorkingMap map(Map(), kSection);
+        fs::rename(m_folder.File(L"map.working").c_str(), m_folder.File(L"map.working.aside").c_str());
+        m_folder.Write(L"map.working", "[contact pim]\nA\t0\t1\n");
+        return map.Keep({});
+    };
+    EXPECT_EQ(keepOneMore("the last one"), m_folder.File(L"map.aside1000"));
+    EXPECT_EQ(m_folder.Read(L"map.aside1000"), "the last one");
+    EXPECT_THROW(keepOneMore("one too many"), Failure);
+    EXPECT_EQ(m_folder.Read(L"map"), "one too many");
+    EXPECT_EQ(m_folder.Read(L"map.aside"), "1");
+    EXPECT_FALSE(Exists(L"map.aside1001"));
+}
+
 TEST_F(WorkingMapTest, LeavesADamagedMapWhereItIsUntilAReadSucceeds) {
     m_folder.Write(L"map", "damaged");
     {

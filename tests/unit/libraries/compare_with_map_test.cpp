@@ -254,6 +254,26 @@ TEST_F(CompareWithMapTest, NothingThatWasKeptAsideIsOverwritten) {
     EXPECT_EQ(m_folder.Read(L"map.aside3"), "three");
 }
 
+TEST_F(CompareWithMapTest, AThousandMapsAreKeptAsideAndNoMore) {
+    m_folder.Write(L"map.aside", "1");
+    for (int number = 2; number < 1000; ++number) {
+        m_folder.Write((L"map.aside" + std::to_wstring(number)).c_str(), "");
+    }
+    m_folder.Write(L"map", "the last one");
+    ExpectAllNew();
+    EXPECT_EQ(m_folder.Read(L"map.aside1000"), "the last one");
+    TakeLog();
+    m_folder.Write(L"map", "one too many");
+    for (int times = 0; times < 2; ++times) {
+        ExpectAllNew();
+        EXPECT_EQ(FailureLine(),
+                  L"The map file MAP is damaged and cannot be renamed (error 183). All items count as "
+                  L"new, and it stays as it is.\r\n");
+        EXPECT_EQ(m_folder.Read(L"map"), "one too many");
+    }
+    EXPECT_EQ(Files().size(), 1001U);
+}
+
 TEST_F(CompareWithMapTest, AFolderInPlaceOfTheMapMakesAllItemsNewEachTime) {
     fs::create_directory(m_folder.File(L"map").c_str());
     ExpectAllNew();

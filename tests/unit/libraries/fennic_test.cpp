@@ -1,10 +1,17 @@
 #include <gmock/gmock.h>
 
+#include <windows.h>
+
+#include <algorithm>
+#include <cwctype>
+#include <future>
 #include <thread>
 #include <vector>
 
 #include "libraries/fennic/log_name.h"
 #include "libraries/fennic/log_writer.h"
+#include "support/fnv.h"
+#include "support/owners.h"
 #include "tests/unit/temporary_folder.h"
 
 namespace {
@@ -19,6 +26,15 @@ LogSettings SettingsFor(const TemporaryFolder& folder) {
     settings.imageFolder = folder.Path() + L"image\\";
     settings.temporaryFolder = folder.Path() + L"temp\\";
     return settings;
+}
+
+/// The mutex by which all processes that write to a path exclude each other: its name is a number made of the
+/// path in capital letters, by FNV-1a.
+Handle MutexOfPath(CString path) {
+    std::transform(path.begin(), path.end(), path.begin(),
+                   [](wchar_t unit) { return static_cast<wchar_t>(std::towupper(unit)); });
+    const CString name = CString::Format(L"Global\\Fennic64-%016I64x", Fnv1a(path.View()));
+    return Handle(OpenMutexW(SYNCHRONIZE | MUTEX_MODIFY_STATE, FALSE, name.c_str()));
 }
 
 TEST(LogFileName, KeepsAnOrdinaryName) {
@@ -43,7 +59,10 @@ TEST(LogFileName, AvoidsDevices) {
 }
 
 TEST(LogFileName, CutsALongName) {
-    EXPECT_EQ(LogFileName(std::wstring(5000, L'x')).size(), 104U);
+    for (const std::size_t length : {99U, 100U, 101U, 5000U}) {
+        const std::wstring name(std::min<std::size_t>(length, 100), L'x');
+        EXPECT_EQ(LogFileName(std::wstring(length, L'x')), CString((name + L".log").c_str()));
+    }
 }
 
 TEST(LogWriter, WritesFailuresBesideTheImageAsTheyAre) {
@@ -117,6 +136,42 @@ TEST(LogWriter, KeepsThreeFiles) {
     EXPECT_EQ(folder.Read(L"image/Logs/M.log.2"), "3333");
     const fs::directory_iterator files(folder.File(L"image/Logs").c_str());
     EXPECT_EQ(std::distance(files, fs::directory_iterator()), 3);
+}
+
+TEST(LogWriter, MovesAFileAsideAt10MegabytesAndBreaksNoLine) {
+    constexpr std::size_t kLimit = 10 * 1024 * 1024;
+    const TemporaryFolder folder;
+    LogWriter writer(SettingsFor(folder));
+    writer.Write(L"M", 3, std::wstring(kLimit - 1, L'1').c_str());
+    // There is room for one byte, so the line goes where all of it does not fit.
+    writer.Write(L"M", 3, L"22");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log").size(), kLimit + 1);
+    writer.Write(L"M", 3, L"3");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log"), "3");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log.1").size(), kLimit + 1);
+}
+
+TEST(LogWriter, WritesALineThoughAnotherKeepsTheFileToItself) {
+    const TemporaryFolder folder;
+    const LogSettings settings = SettingsFor(folder);
+    LogWriter writer(settings);
+    writer.Write(L"M", 3, L"1");
+    // To the mutex a thread of this process is as good as one of another.
+    std::promise<void> held;
+    std::promise<void> done;
+    std::thread other([&] {
+        CString path = settings.imageFolder + L"Logs\\M.log";
+        const Handle mutex = MutexOfPath(path);
+        EXPECT_EQ(WaitForSingleObject(mutex.Get(), INFINITE), WAIT_OBJECT_0);
+        held.set_value();
+        done.get_future().wait();
+        ReleaseMutex(mutex.Get());
+    });
+    held.get_future().wait();
+    writer.Write(L"M", 3, L"2");
+    EXPECT_EQ(folder.Read(L"image/Logs/M.log"), "12");
+    done.set_value();
+    other.join();
 }
 
 TEST(LogWriter, KeepsWritingWhenAFileCannotBeMovedAside) {

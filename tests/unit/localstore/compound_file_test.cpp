@@ -200,3 +200,45 @@ TEST(CompoundFile, TreesThatAreNoTreesAreDamage) {
     file[EntryAt(2) + 66] = 9;
     EXPECT_STREQ(Damage(file), "its directory is damaged");
 }
+
+/// A file whose directory is one list of streams without bytes, each to the right of the one before.
+Bytes MakeList(std::uint32_t streams) {
+    constexpr std::uint32_t kEntriesOfASector = 4;
+    constexpr std::uint32_t kNumbersOfASector = 128;
+    const std::uint32_t directorySectors = streams / kEntriesOfASector + 1;
+    // Each tells of the other sectors and of those of the table itself.
+    const std::uint32_t fatSectors = directorySectors / (kNumbersOfASector - 1) + 1;
+    Bytes file = MakeFile();
+    file.resize(kSector);
+    file.resize(At(fatSectors + directorySectors));
+    Put(file, 44, fatSectors);
+    Put(file, 48, fatSectors);
+    Put(file, 60, kEnd);
+    for (std::uint32_t i = 0; i < fatSectors; ++i) {
+        Put(file, 76 + i * 4, i);
+    }
+    for (std::uint32_t sector = 0; sector < fatSectors * kNumbersOfASector; ++sector) {
+        std::uint32_t next = kFree;
+        if (sector < fatSectors) {
+            next = 0xFFFFFFFD;
+        } else if (sector < fatSectors + directorySectors) {
+            next = sector + 1 == fatSectors + directorySectors ? kEnd : sector + 1;
+        }
+        Put(file, At(0) + sector * 4, next);
+    }
+    for (std::uint32_t entry = 0; entry <= streams; ++entry) {
+        const std::size_t place = At(fatSectors) + entry * 128;
+        file[place + 66] = entry == 0 ? 5 : 2;
+        Put(file, place + 68, kFree);
+        Put(file, place + 72, entry == 0 || entry == streams ? kFree : entry + 1);
+        Put(file, place + 76, entry == 0 ? 1 : kFree);
+        Put(file, place + 116, kEnd);
+    }
+    return file;
+}
+
+TEST(CompoundFile, ADirectoryThatTakesFourMillionStepsToSearchIsDamage) {
+    // A list of n takes n(n + 1) / 2 steps until each entry was found: 3,997,378 and 4,000,206.
+    EXPECT_EQ(Damage(MakeList(2'827)), nullptr);
+    EXPECT_STREQ(Damage(MakeList(2'828)), "its directory is damaged");
+}

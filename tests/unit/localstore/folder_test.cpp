@@ -1,3 +1,4 @@
+#include "localstore/file_system.h"
 #include "store_fixture.h"
 
 #include <mapiguid.h>
@@ -243,4 +244,40 @@ TEST_F(Folders, AReadOnlyFileIsNotDeleted) {
     ENTRYLIST list{1, &entry};
     EXPECT_EQ(contacts->DeleteMessages(&list, 0, nullptr, 0), MAPI_E_NO_ACCESS);
     EXPECT_EQ(FileNames(PathOf(kContactsPath)).size(), 1U);
+}
+
+TEST_F(Folders, OpenTo32LevelsAndNoFurther) {
+    // The store's top is level 0, and Contacts is level 1.
+    std::wstring path = L"Contacts";
+    for (int level = 2; level <= 33; ++level) {
+        path += L"\\f";
+        ASSERT_TRUE(CreateDirectoryW(localstore::LongPath(PathOf(L"Work\\Mail\\" + path)).c_str(), nullptr))
+            << level;
+    }
+    const ComPtr<IMsgStore> store = OpenStore(LogOn().Get());
+    ComPtr<IMAPIFolder> folder = OpenFolder(store.Get(), L"Contacts");
+    int level = 1;
+    for (;; ++level) {
+        const RowSet rows = FoldersOf(folder.Get(), {PR_ENTRYID});
+        ASSERT_EQ(rows->cRows, 1U) << level;
+        const SBinary& id = rows->aRow[0].lpProps[0].Value.bin;
+        ULONG type = 0;
+        ComPtr<IMAPIFolder> inner;
+        if (store->OpenEntry(id.cb, reinterpret_cast<LPENTRYID>(id.lpb), nullptr, 0, &type,
+                             reinterpret_cast<LPUNKNOWN*>(inner.GetAddressOf())) != S_OK) {
+            break;
+        }
+        folder = std::move(inner);
+    }
+    EXPECT_EQ(level, 32);
+}
+
+TEST_F(Folders, AFolderIniOfMoreThanAMegabyteDoesNotCount) {
+    constexpr std::size_t kLongest = 1024 * 1024;
+    const std::string text = "[Folder]\nName=People\n;";
+    for (const auto& [size, name] : {std::pair(kLongest, L"People"), std::pair(kLongest + 1, L"Contacts")}) {
+        WriteFileText(L"Work\\Mail\\Contacts\\folder.ini", text + std::string(size - text.size(), 'x'));
+        const ComPtr<IMsgStore> store = OpenStore(LogOn().Get());
+        EXPECT_NE(OpenFolder(store.Get(), name), nullptr) << size;
+    }
 }

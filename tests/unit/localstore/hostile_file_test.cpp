@@ -136,3 +136,41 @@ TEST_F(HostileFiles, AreReportedToTheLogFile) {
     EXPECT_NE(text.find("bad \xE5\xB1\xB1.msg: it is no structured storage file\r\n"), std::string::npos)
         << text;
 }
+
+TEST_F(HostileFiles, LongerThan512MegabytesAreLeftOutWithAReasonAndReportedOnce) {
+    constexpr LONGLONG kLongest = 512LL * 1024 * 1024;
+    const auto makeLong = [this](LONGLONG size) {
+        const FileHandle file(CreateFileW(File(L"long.msg").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                          FILE_ATTRIBUTE_NORMAL, nullptr));
+        LARGE_INTEGER end{};
+        end.QuadPart = size;
+        ASSERT_NE(SetFilePointerEx(file.Get(), end, nullptr, FILE_BEGIN), 0);
+        ASSERT_NE(SetEndOfFile(file.Get()), 0);
+    };
+    makeLong(kLongest + 1);
+    EXPECT_EQ(Subjects(), Texts{L"good"});
+    EXPECT_EQ(Subjects(), Texts{L"good"});
+    std::vector<std::string> lines = Diagnostics();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_NE(lines[0].find("long.msg: it is longer than any message"), std::string::npos) << lines[0];
+
+    // One that is as long as a message can be is read, and is none.
+    makeLong(kLongest);
+    EXPECT_EQ(Subjects(), Texts{L"good"});
+    lines = Diagnostics();
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_NE(lines[1].find("long.msg: it is no structured storage file"), std::string::npos) << lines[1];
+}
+
+TEST_F(HostileFiles, AreReportedToNoLogFileOfAPathLongerThan259Characters) {
+    const std::wstring folder = PathOf(L"");
+    for (const std::size_t length : {258U, 259U, 260U}) {
+        const std::wstring log = folder + std::wstring(length - folder.size(), L'l');
+        ASSERT_EQ(log.size(), length);
+        SetEnvironmentVariableW(L"LOCALSTORE_LOG", log.c_str());
+        WriteFileBytes(File(L"bad.msg"), std::vector<BYTE>(length));
+        Subjects();
+        SetEnvironmentVariableW(L"LOCALSTORE_LOG", nullptr);
+        EXPECT_EQ(GetFileAttributesW(log.c_str()) != INVALID_FILE_ATTRIBUTES, length < 260) << length;
+    }
+}

@@ -1,3 +1,6 @@
+#include "localstore/message_cache.h"
+
+#include "localstore/failure.h"
 #include "store_fixture.h"
 
 using namespace localstore_test;
@@ -88,4 +91,45 @@ TEST_F(MessageCaching, AnOpenMessageKeepsWhatItRead) {
     const ComPtr<IMessage> message = OpenMessage(m_contacts.Get(), m_ids[0]);
     WriteFileBytes(File(L"a.msg"), FileBytes(File(L"b.msg")));
     EXPECT_EQ(TextOf(message.Get(), PR_SUBJECT_W), L"a");
+}
+
+TEST_F(MessageCaching, TheLeastRecentlyUsedGoWhenThereAreMoreThanItKeeps) {
+    const std::vector<BYTE> bytes = FileBytes(File(L"a.msg"));
+    const auto size = static_cast<std::uint64_t>(bytes.size());
+    WriteFileBytes(File(L"b.msg"), bytes);
+    WriteFileBytes(File(L"c.msg"), bytes);
+    const auto readsOf = [this](localstore::MessageCache& cache, const wchar_t* name) {
+        const std::size_t before = cache.FilesRead();
+        cache.Load(File(name));
+        return cache.FilesRead() - before;
+    };
+    localstore::MessageCache roomForTwo({}, 2 * size);
+    EXPECT_EQ(readsOf(roomForTwo, L"a.msg"), 1U);
+    EXPECT_EQ(readsOf(roomForTwo, L"b.msg"), 1U);
+    EXPECT_EQ(readsOf(roomForTwo, L"a.msg"), 0U);
+    EXPECT_EQ(readsOf(roomForTwo, L"c.msg"), 1U);
+    EXPECT_EQ(readsOf(roomForTwo, L"a.msg"), 0U);
+    EXPECT_EQ(readsOf(roomForTwo, L"b.msg"), 1U);
+
+    localstore::MessageCache lacksAByte({}, 2 * size - 1);
+    EXPECT_EQ(readsOf(lacksAByte, L"a.msg"), 1U);
+    EXPECT_EQ(readsOf(lacksAByte, L"b.msg"), 1U);
+    EXPECT_EQ(readsOf(lacksAByte, L"a.msg"), 1U);
+
+    // The one that was read last stays, whatever its size.
+    localstore::MessageCache none({}, 0);
+    EXPECT_EQ(readsOf(none, L"a.msg"), 1U);
+    EXPECT_EQ(readsOf(none, L"a.msg"), 0U);
+}
+
+TEST_F(MessageCaching, ADamagedFileTakesNoRoomFromTheOthers) {
+    localstore::MessageCache cache({}, FileBytes(File(L"a.msg")).size() + FileBytes(File(L"b.msg")).size());
+    cache.Load(File(L"a.msg"));
+    cache.Load(File(L"b.msg"));
+    WriteFileBytes(File(L"c.msg"), std::vector<BYTE>(1'000'000));
+    EXPECT_THROW(cache.Load(File(L"c.msg")), localstore::StoreError);
+    const std::size_t before = cache.FilesRead();
+    cache.Load(File(L"a.msg"));
+    cache.Load(File(L"b.msg"));
+    EXPECT_EQ(cache.FilesRead(), before);
 }

@@ -266,6 +266,37 @@ INSTANTIATE_TEST_SUITE_P(Shortages, WritingStorage,
                          testing::Values(E_OUTOFMEMORY, STG_E_INSUFFICIENTMEMORY, STG_E_MEDIUMFULL,
                                          STG_E_WRITEFAULT));
 
+namespace {
+
+/// A file of storages in one another; the root is the first of them.
+Bytes NestedFile(int levels) {
+    constexpr DWORD kMode = STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
+    ComPtr<ILockBytes> memory;
+    EXPECT_EQ(CreateILockBytesOnHGlobal(nullptr, TRUE, &memory), S_OK);
+    std::vector<ComPtr<IStorage>> storages(static_cast<std::size_t>(levels));
+    EXPECT_EQ(StgCreateDocfileOnILockBytes(memory.Get(), kMode, 0, storages[0].GetAddressOf()), S_OK);
+    for (std::size_t i = 1; i < storages.size(); ++i) {
+        EXPECT_EQ(storages[i - 1]->CreateStorage(L"s", kMode, 0, 0, storages[i].GetAddressOf()), S_OK);
+    }
+    EXPECT_EQ(storages[0]->Commit(STGC_DEFAULT), S_OK);
+    STATSTG size{};
+    EXPECT_EQ(memory->Stat(&size, STATFLAG_NONAME), S_OK);
+    Bytes bytes(static_cast<std::size_t>(size.cbSize.QuadPart));
+    ULONG read = 0;
+    EXPECT_EQ(memory->ReadAt({}, bytes.data(), static_cast<ULONG>(bytes.size()), &read), S_OK);
+    return bytes;
+}
+
+}  // namespace
+
+TEST(Storages, In64LevelsAreReadAndInMoreAreNot) {
+    const char* reason = "";
+    EXPECT_TRUE(ReadStorage(NestedFile(63), reason));
+    EXPECT_TRUE(ReadStorage(NestedFile(64), reason));
+    EXPECT_FALSE(ReadStorage(NestedFile(65), reason));
+    EXPECT_STREQ(reason, "its storages or streams cannot be read");
+}
+
 class ShortageWhileReading : public StoreTest {
   protected:
     void SetUp() override {

@@ -1,3 +1,5 @@
+#include "localstore/named_properties.h"
+
 #include "store_fixture.h"
 
 using namespace localstore_test;
@@ -131,4 +133,18 @@ TEST_F(NamedPropertiesOfStores, NeedValidNames) {
     LPMAPINAMEID list = &name;
     EXPECT_EQ(m_contacts->GetIDsFromNames(1, &list, MAPI_CREATE, tags.Put()), MAPI_E_INVALID_PARAMETER);
     EXPECT_EQ(m_contacts->GetIDsFromNames(1, &list, 4, tags.Put()), MAPI_E_UNKNOWN_FLAGS);
+}
+
+TEST(NamedProperties, AreAtMost32766AndEachKeepsItsIdentifier) {
+    localstore::NamedProperties names;
+    localstore::PropertyName name;
+    name.set[0] = 1;
+    for (name.number = 0; name.number < 32'766; ++name.number) {
+        ASSERT_EQ(names.IdOf(name, true), 0x8000 + name.number);
+    }
+    EXPECT_FALSE(names.IdOf(name, true));
+    name.number = 32'765;
+    EXPECT_EQ(names.IdOf(name, true), 0xFFFD);
+    name.number = 0;
+    EXPECT_EQ(names.IdOf(name, false), 0x8000);
 }

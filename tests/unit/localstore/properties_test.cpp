@@ -259,3 +259,19 @@ TEST_F(Properties, HrGetOnePropGivesAFailureForAnAbsentOne) {
     EXPECT_EQ(pfnHrGetOneProp(m_message.Get(), PR_SURNAME_W, value.Put()), S_OK);
     EXPECT_STREQ(value->Value.lpszW, L"Doe");
 }
+
+TEST_F(Properties, AreReadAndSetAtMost65536AtATime) {
+    for (const auto& [count, isTaken] : {std::pair(65'536U, true), std::pair(65'537U, false)}) {
+        std::vector<ULONG> tags(1 + count, PR_SUBJECT_W);
+        tags[0] = count;
+        ULONG read = 0;
+        MapiBuffer<SPropValue> values;
+        EXPECT_EQ(m_message->GetProps(reinterpret_cast<LPSPropTagArray>(tags.data()), MAPI_UNICODE, &read,
+                                      values.Put()) == MAPI_E_INVALID_PARAMETER,
+                  !isTaken);
+        EXPECT_EQ(read, isTaken ? count : 0U);
+        std::vector<SPropValue> list(count, LongValue(0x65000003, 1));
+        EXPECT_EQ(m_message->SetProps(count, list.data(), nullptr),
+                  isTaken ? S_OK : MAPI_E_INVALID_PARAMETER);
+    }
+}

@@ -140,3 +140,23 @@ TEST_F(PropertyStreams, AreTheOnlyInterfaceOfAProperty) {
               MAPI_E_INTERFACE_NOT_SUPPORTED);
     EXPECT_EQ(m_message->OpenProperty(PR_BODY_W, nullptr, 0, 0, &object), MAPI_E_INVALID_PARAMETER);
 }
+
+TEST_F(PropertyStreams, HaveAtMost256Megabytes) {
+    constexpr ULONGLONG kLongest = 256ULL * 1024 * 1024;
+    const ComPtr<IStream> stream = Open(0x66500102, MAPI_MODIFY | MAPI_CREATE);
+    ULARGE_INTEGER size{};
+    size.QuadPart = kLongest + 1;
+    EXPECT_EQ(stream->SetSize(size), STG_E_MEDIUMFULL);
+    size.QuadPart = kLongest;
+    EXPECT_EQ(stream->SetSize(size), S_OK);
+    LARGE_INTEGER place{};
+    place.QuadPart = static_cast<LONGLONG>(kLongest) - 1;
+    ASSERT_EQ(stream->Seek(place, STREAM_SEEK_SET, nullptr), S_OK);
+    const std::vector<BYTE> two(2);
+    EXPECT_EQ(stream->Write(two.data(), 2, nullptr), STG_E_MEDIUMFULL);
+    EXPECT_EQ(stream->Write(two.data(), 1, nullptr), S_OK);
+    EXPECT_EQ(stream->Write(two.data(), 1, nullptr), STG_E_MEDIUMFULL);
+    // The message need not take so much.
+    size.QuadPart = 0;
+    EXPECT_EQ(stream->SetSize(size), S_OK);
+}

@@ -201,12 +201,19 @@ TEST_F(Restrictions, OtherKindsAreTooComplex) {
     EXPECT_EQ(Result(&bits), MAPI_E_TOO_COMPLEX);
     SRestriction fuzzy = ContentIs(3, &value);
     EXPECT_EQ(Result(&fuzzy), MAPI_E_TOO_COMPLEX);
-    std::vector<SRestriction> chain(100);
-    for (std::size_t i = 0; i + 1 < chain.size(); ++i) {
-        chain[i] = Not(&chain[i + 1]);
+}
+
+TEST_F(Restrictions, OfMoreThan64LevelsAreTooComplex) {
+    for (const auto& [levels, result] :
+         {std::pair(63U, S_OK), std::pair(64U, S_OK), std::pair(65U, MAPI_E_TOO_COMPLEX),
+          std::pair(1000U, MAPI_E_TOO_COMPLEX)}) {
+        std::vector<SRestriction> chain(levels);
+        for (std::size_t i = 0; i + 1 < chain.size(); ++i) {
+            chain[i] = Not(&chain[i + 1]);
+        }
+        chain.back() = Exists(kNumber);
+        EXPECT_EQ(Result(chain.data()), result) << levels;
     }
-    chain.back() = Exists(kNumber);
-    EXPECT_EQ(Result(chain.data()), MAPI_E_TOO_COMPLEX);
 }
 
 TEST_F(Restrictions, NullPointersAreInvalid) {

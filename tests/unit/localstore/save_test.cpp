@@ -245,6 +245,19 @@ TEST_F(Saving, RemovesWhatAnEndedWriterLeft) {
     EXPECT_EQ(Files(), (Names{L"John Doe.msg", L"~localstore-1-2.tmp"}));
 }
 
+TEST_F(Saving, GoesOnAmongAThousandFilesOfOthersAndNoMore) {
+    const std::wstring stem = L"~localstore-" + std::to_wstring(GetCurrentProcessId()) + L"-";
+    for (int number = 1; number < 1000; ++number) {
+        WriteFileBytes(File(stem + std::to_wstring(number) + L".tmp"), {});
+    }
+    AddContact(m_contacts.Get(), L"John Doe");
+    WriteFileBytes(File(stem + L"1000.tmp"), {});
+    ComPtr<IMessage> message;
+    ASSERT_EQ(m_contacts->CreateMessage(nullptr, 0, &message), S_OK);
+    EXPECT_EQ(message->SaveChanges(0), MAPI_E_COLLISION);
+    EXPECT_EQ(ContentsOf(m_contacts.Get(), {PR_ENTRYID})->cRows, 1U);
+}
+
 TEST_F(Saving, OpenedForReadingIsRefused) {
     const ComPtr<IMessage> message =
         OpenMessage(m_contacts.Get(), AddContact(m_contacts.Get(), L"John Doe"), 0);

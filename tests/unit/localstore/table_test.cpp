@@ -159,6 +159,18 @@ TEST_F(Tables, HaveColumnsOfTheirOwnUntilTheyAreSet) {
     EXPECT_EQ(columns->aulPropTag[0], PR_SUBJECT_W);
 }
 
+TEST_F(Tables, HaveAtMost4096Columns) {
+    for (const auto& [count, result] :
+         {std::pair(4'096U, S_OK), std::pair(4'097U, MAPI_E_INVALID_PARAMETER)}) {
+        std::vector<ULONG> list(1 + count, PR_SUBJECT_W);
+        list[0] = count;
+        EXPECT_EQ(m_table->SetColumns(reinterpret_cast<LPSPropTagArray>(list.data()), 0), result) << count;
+    }
+    RowSet rows;
+    ASSERT_EQ(m_table->QueryRows(1, 0, rows.Put()), S_OK);
+    EXPECT_EQ(rows->aRow[0].cValues, 4'096U);
+}
+
 TEST_F(Tables, RefuseWhatMakesNoSense) {
     RowSet rows;
     EXPECT_EQ(m_table->QueryRows(0, 0, rows.Put()), MAPI_E_INVALID_PARAMETER);

@@ -148,6 +148,22 @@ TEST_F(AppointmentProperties, TooLargeForAValueComeThroughAStream) {
     EXPECT_FALSE(bytes);
 }
 
+TEST_F(AppointmentProperties, OfMoreThan64MegabytesAreNotRead) {
+    constexpr std::size_t kLongest = std::size_t{64} * 1024 * 1024;
+    for (const std::size_t size : {kLongest, kLongest + 1}) {
+        std::vector<BYTE> large(size);
+        large.back() = 7;
+        Message().Binary(lid::kRecur, large);
+        std::uint32_t count = 5;
+        std::unique_ptr<std::uint8_t[]> bytes;
+        const int result =
+            GetNamedBinaryProperty(m_message.Get(), PSETID_Appointment, lid::kRecur, count, bytes);
+        EXPECT_EQ(result, size <= kLongest ? 1 : 0) << size;
+        EXPECT_EQ(count, size <= kLongest ? size : 0U);
+        EXPECT_EQ(bytes ? bytes[size - 1] : 0, size <= kLongest ? 7 : 0);
+    }
+}
+
 TEST_F(AppointmentProperties, OfAnotherTypeAreTakenAsTheNumberTheyBegin) {
     Message().Number(lid::kSubType, 0x10002).Boolean(lid::kRecurrenceType, true);
     std::int32_t number = 0;

@@ -133,6 +133,14 @@ TEST_F(Session, EmptyProfileNameLogsOnWithTheDefaultProfile) {
     EXPECT_NE(CallsOf("MAPILogonEx")[0].find("0x80100072"), std::string::npos) << CallsOf("MAPILogonEx")[0];
 }
 
+TEST_F(Session, NameOfAProfileMayHaveAnyLength) {
+    for (const std::size_t length : {259U, 260U, 100'000U}) {
+        EXPECT_EQ(g_MAPIObject.MAPILogOn(0, std::wstring(length, L'p').c_str()), 0) << length;
+        EXPECT_EQ(g_MAPIObject.m_lpMAPISession.Get(), nullptr);
+    }
+    LogOn();
+}
+
 TEST_F(Session, UnknownProfileFailsAndUndoesEverything) {
     EXPECT_EQ(g_MAPIObject.MAPILogOn(0, L"Nobody"), 0);
     const LogLines log = TakeLogWithoutLastError();

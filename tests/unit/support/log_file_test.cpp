@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "support/owners.h"
@@ -92,6 +93,16 @@ TEST_F(LogFile, PathWithoutADotStaysAsItIs) {
     Init();
     EXPECT_EQ(g_nLogLevel, 3);
     EXPECT_EQ(g_strLogFile, L"C:\\ab\\Agent");
+}
+
+TEST_F(LogFile, LevelOfALongPathStandsUnderItsFirst259Characters) {
+    for (const std::size_t length : {258U, 259U, 260U, 300U}) {
+        g_imagePath = CString(WideString(length, L'x'));
+        SetLevel(g_imagePath.substr(0, 259), static_cast<DWORD>(length));
+        Init();
+        EXPECT_EQ(g_nLogLevel, static_cast<int>(length));
+        EXPECT_EQ(g_strLogFile.size(), std::min<std::size_t>(length, 259));
+    }
 }
 
 TEST_F(LogFile, RealImageIsFoundWhenNoModuleHasTheName) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/unit/temporary_folder.h"
 #include "tests/unit/text_printer.h"
 
@@ -14,6 +16,15 @@ BOOL WINAPI FolderX(HWND, LPWSTR path, int, BOOL) {
 int WINAPI MakeNothing(HWND, LPCWSTR, const SECURITY_ATTRIBUTES*) {
     return ERROR_SUCCESS;
 }
+CString g_imagePath;
+
+/// What the platform does: a path that does not fit is cut, terminator included, and fills the buffer.
+DWORD WINAPI ImagePath(HMODULE /*module*/, LPWSTR path, DWORD size) {
+    const std::size_t length = g_imagePath.copy(path, size - 1);
+    path[length] = L'\0';
+    return static_cast<DWORD>(std::min<std::size_t>(g_imagePath.size(), size));
+}
+
 int WINAPI RefuseFolder(HWND, LPCWSTR, const SECURITY_ATTRIBUTES*) {
     return ERROR_ACCESS_DENIED;
 }
@@ -76,8 +87,10 @@ TEST_F(Settings, CharsAreReadOnlyWhereFilterIsTrue) {
 }
 
 TEST_F(Settings, AValueIsCutToItsBuffer) {
-    Load("filter=true\r\nchars=" + std::string(300, 'x'));
-    EXPECT_EQ(g_strFilterChars, CString(WideString(259, L'x')));
+    for (const std::size_t length : {258U, 259U, 260U, 300U}) {
+        Load("filter=true\r\nchars=" + std::string(length, 'x'));
+        EXPECT_EQ(g_strFilterChars, CString(WideString(std::min<std::size_t>(length, 259), L'x'))) << length;
+    }
 }
 
 TEST_F(Settings, KeysOfAnotherSectionDoNotCount) {
@@ -115,6 +128,30 @@ TEST(LoadSettings, KnowsTheFolderOfTheProcessImage) {
     EXPECT_TRUE(g_strModulePath.ends_with(L"\\")) << testing::PrintToString(g_strModulePath);
     const CString image = g_strModulePath + L"support_tests.exe";
     EXPECT_NE(GetFileAttributesW(image.c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
+TEST(LoadSettings, OfAPathLongerThan259CharactersTakesTheFolderAbove) {
+    const TemporaryFolder folder;
+    folder.Write(L"PIMProfile.ini", "[Outlook]\r\nsubfolder=true\r\n");
+    const CString file(L"\\a.exe");
+    const CString longest =
+        folder.Path() + CString(WideString(259 - folder.Path().size() - file.size(), L'd'));
+    g_imagePath = longest + file;
+    ASSERT_EQ(g_imagePath.size(), 259U);
+    LoadSettings(&ImagePath);
+    EXPECT_EQ(g_strModulePath, longest + L"\\");
+    EXPECT_FALSE(g_bSubFolder);
+
+    // The name of the file is all that is cut.
+    g_imagePath = longest + L"\\ab.exe";
+    LoadSettings(&ImagePath);
+    EXPECT_EQ(g_strModulePath, longest + L"\\");
+
+    // From here on the name of its folder is cut too.
+    g_imagePath = longest + L"dddddd" + file;
+    LoadSettings(&ImagePath);
+    EXPECT_EQ(g_strModulePath, folder.Path());
+    EXPECT_TRUE(g_bSubFolder);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <new>
 
 #include "tests/unit/text_printer.h"
@@ -63,6 +64,31 @@ TEST(PrepareDataFolder, WithoutApplicationDataTheTemporaryFolderTakesItsPlace) {
     PrepareDataFolder(calls);
     EXPECT_EQ(g_strDataFolder, L"X:\\temp\\Outlook");
     EXPECT_EQ(asked, L"X:\\temp\\Outlook");
+}
+
+BOOL WINAPI FolderOf259Characters(HWND, LPWSTR path, int, BOOL) {
+    *std::fill_n(path, 259, L'x') = L'\0';
+    return TRUE;
+}
+/// A path that does not fit is not written at all; the result tells the room that it takes.
+DWORD WINAPI TemporaryThatDoesNotFit(DWORD size, LPWSTR) {
+    return size + 1;
+}
+
+TEST(PrepareDataFolder, AFolderOf259CharactersIsTakenWhole) {
+    FolderCalls calls = Substitutes();
+    calls.getSpecialFolderPath = &FolderOf259Characters;
+    PrepareDataFolder(calls);
+    EXPECT_EQ(g_strDataFolder, CString(WideString(259, L'x') + L"\\Outlook"));
+    EXPECT_EQ(asked, g_strDataFolder);
+}
+
+TEST(PrepareDataFolder, ATemporaryFolderThatDoesNotFitLeavesTheRootOfTheDrive) {
+    FolderCalls calls = Substitutes();
+    calls.getSpecialFolderPath = &NoSpecialFolder;
+    calls.getTempPath = &TemporaryThatDoesNotFit;
+    PrepareDataFolder(calls);
+    EXPECT_EQ(g_strDataFolder, L"\\Outlook");
 }
 
 TEST(PrepareDataFolder, FolderThatCannotBeMadeGoesUnnoticed) {

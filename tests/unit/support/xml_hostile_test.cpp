@@ -68,8 +68,25 @@ TEST_F(HostileText, TextOfAMegabyteIsRead) {
     EXPECT_TRUE(m_document.GetNodeText(m_document.SelectSingleNode(L"/a/b").Get()) == content);
 }
 
+TEST_F(HostileText, TextOfNineMillionCharactersIsRead) {
+    const CString content(WideString(9'000'000, L'x'));
+    ASSERT_TRUE(Loads(L"<a>" + content + L"</a>"));
+    EXPECT_EQ(m_document.GetNodeText(m_document.SelectSingleNode(L"/a").Get()).size(), content.size());
+}
+
 TEST_F(HostileText, MegabyteThatIsNoXmlIsNot) {
     EXPECT_FALSE(Loads(CString(WideString(1 << 20, L'<'))));
+}
+
+TEST_F(HostileText, ElementsIn250LevelsAreRead) {
+    CString head;
+    CString tail;
+    for (int depth = 0; depth < 250; ++depth) {
+        head += L"<a>";
+        tail += L"</a>";
+    }
+    ASSERT_TRUE(Loads(head + L"x" + tail));
+    EXPECT_EQ(m_document.GetNodeText(m_document.SelectSingleNode(L"/a").Get()), L"x");
 }
 
 TEST_F(HostileText, ElementsNestedBeyondReasonDoNotEndTheProcess) {

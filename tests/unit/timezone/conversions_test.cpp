@@ -179,6 +179,19 @@ TEST(FileTimes, ADateWithoutOneIsZero) {
     }
 }
 
+TEST(FileTimes, OfDatesBefore1601AreThatOfItsFirstMoment) {
+    for (const COleDateTime& date : {Date(100, 1, 1), Date(1500, 6, 15), Date(1600, 12, 30)}) {
+        const FILETIME time = LocalDateTimeToFileTime(date);
+        EXPECT_EQ(time.dwLowDateTime, 0U) << date.m_dt;
+        EXPECT_EQ(time.dwHighDateTime, 0U) << date.m_dt;
+    }
+    for (const COleDateTime& date : {Date(1601, 1, 3), Date(9999, 12, 30)}) {
+        COleDateTime back;
+        FileTimeToLocalDateTime(LocalDateTimeToFileTime(date), back);
+        EXPECT_EQ(Text(back), Text(date));
+    }
+}
+
 TEST(FileTimes, ComeBackAsTheSameLocalTime) {
     // Noon in the middle of a month is in no zone's hour of change.
     for (const COleDateTime& date :
@@ -268,6 +281,12 @@ TEST(MinutesSince1601, TheEndOfASeriesWithoutEndIsWhereItsFormatPutsIt) {
     EXPECT_EQ(Text(date), L"4500-12-31 23:59:00");
 }
 
+TEST(MinutesSince1601, GoOnFromZeroBehind32Bits) {
+    // 2^32 minutes are 2,982,616 days and 256 minutes: midnight of that day is the last one that fits.
+    EXPECT_EQ(MinutesSince1601(Date(9767, 2, 16)), 4'294'967'040U);
+    EXPECT_EQ(MinutesSince1601(Date(9767, 2, 17)), 1440U - 256U);
+}
+
 TEST(MinutesSince1601, ADateThatHasNoneGivesZero) {
     EXPECT_EQ(MinutesSince1601({40219.0, kDateInvalid}), 0U);
     EXPECT_EQ(MinutesSince1601({40219.0, kDateNull}), 0U);
@@ -297,6 +316,11 @@ TEST(ParseDateTimeText, ReadsADate) {
 TEST(ParseDateTimeText, WhatIsMissingIsZero) {
     EXPECT_EQ(Text(ParseDateTimeText(L"2010-02-10 10:05")), L"2010-02-10 10:05:00");
     EXPECT_EQ(Text(ParseDateTimeText(L"2010-02-10")), L"2010-02-10 00:00:00");
+}
+
+TEST(ParseDateTimeText, NumbersHave16Bits) {
+    EXPECT_EQ(Text(ParseDateTimeText(L"67546-65538-65546 65547:65558:65569")), L"2010-02-10 11:22:33");
+    EXPECT_EQ(ParseDateTimeText(L"65535-02-10").m_dt, 0.0);
 }
 
 TEST(ParseDateTimeText, AnEmptyTextAndABadDateAreNoDate) {

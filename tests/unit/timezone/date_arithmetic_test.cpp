@@ -73,6 +73,11 @@ TEST(WholeMinutes, SecondsAreCutOff) {
 }
 
 TEST(WholeMinutes, DifferenceBeyondTheRangeGivesItsEnd) {
+    // 1,491,308 days are 2,147,483,520 minutes, 127 short of the largest number.
+    EXPECT_EQ(WholeMinutes(1'491'308.0), 2'147'483'520);
+    EXPECT_EQ(WholeMinutes(1'491'309.0), std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(WholeMinutes(-1'491'308.0), -2'147'483'520);
+    EXPECT_EQ(WholeMinutes(-1'491'309.0), std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(WholeMinutes(1e300), std::numeric_limits<std::int32_t>::max());
     EXPECT_EQ(WholeMinutes(-1e300), std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(WholeMinutes(kInfinity), std::numeric_limits<std::int32_t>::max());

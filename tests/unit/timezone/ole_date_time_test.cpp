@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 
 #include "support/errors.h"
@@ -57,6 +58,20 @@ TEST(SetDateTime, FieldsOutsideTheirRangeAreInvalid) {
 TEST(SetDateTime, AYearOfTwoDigitsIsInvalid) {
     // The platform reads 10 as 2010, and what does not come back as it was given is no date.
     EXPECT_EQ(COleDateTime().SetDateTime(10, 2, 10, 0, 0, 0), kDateInvalid);
+}
+
+TEST(SetDateTime, TheYears100To9999AreAllThereIs) {
+    EXPECT_EQ(COleDateTime().SetDateTime(99, 12, 31, 23, 59, 59), kDateInvalid);
+    COleDateTime first;
+    EXPECT_EQ(first.SetDateTime(100, 1, 1, 0, 0, 0), kDateValid);
+    EXPECT_EQ(first.m_dt, -657434.0);
+    EXPECT_EQ(first.Format(L"%Y-%m-%d"), L"0100-01-01");
+    COleDateTime last;
+    EXPECT_EQ(last.SetDateTime(9999, 12, 31, 23, 59, 59), kDateValid);
+    EXPECT_EQ(std::floor(last.m_dt), 2958465.0);
+    EXPECT_EQ(last.Format(L"%Y-%m-%d %H:%M:%S"), L"9999-12-31 23:59:59");
+    EXPECT_EQ(COleDateTime().SetDateTime(10000, 1, 1, 0, 0, 0), kDateInvalid);
+    EXPECT_EQ(COleDateTime().SetDateTime(65535, 1, 1, 0, 0, 0), kDateInvalid);
 }
 
 TEST(SetDateTime, ARefusedDateLeavesTheValue) {
