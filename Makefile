@@ -1,6 +1,6 @@
 # The front door. Everything that takes more than a line stands in tools/.
 
-.PHONY: build setup demo test lint fuzz faults clean help
+.PHONY: build setup demo test lint fuzz faults coverage clean help
 
 build: setup  ## the programs and libraries, into build/bin
 	tools/build.sh release desktop32
@@ -24,8 +24,11 @@ fuzz: setup  ## each fuzz target for a minute
 faults: setup  ## every call of every operation failed in turn, and the table of docs/testing.md
 	tools/faults.sh
 
+coverage: setup  ## which lines of the pure ring its native tests reach, and the table of docs/testing.md
+	tools/coverage.sh
+
 clean:  ## removes what was built, not the downloaded Wine and its prefix
-	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/demo build/lint
+	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/coverage build/demo build/lint
 
 help:  ## this list
-	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "make %-6s %s\n", $$1, $$2 }' Makefile
+	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "make %-8s %s\n", $$1, $$2 }' Makefile

@@ -3,7 +3,6 @@
 #include <thread>
 #include <vector>
 
-#include "libraries/fennic/log_name.h"
 #include "libraries/fennic/log_writer.h"
 #include "tests/unit/temporary_folder.h"
 
@@ -19,31 +18,6 @@ LogSettings SettingsFor(const TemporaryFolder& folder) {
     settings.imageFolder = folder.Path() + L"image\\";
     settings.temporaryFolder = folder.Path() + L"temp\\";
     return settings;
-}
-
-TEST(LogFileName, KeepsAnOrdinaryName) {
-    EXPECT_EQ(LogFileName(L"ZebAgentOutlook64"), L"ZebAgentOutlook64.log");
-}
-
-TEST(LogFileName, ReplacesWhatAFileNameCannotHold) {
-    EXPECT_EQ(LogFileName(L"..\\..\\a/b:c*d?e\"f<g>h|i\n"), L".._.._a_b_c_d_e_f_g_h_i_.log");
-    EXPECT_EQ(LogFileName(L"a\xD800z"), L"a_z.log");
-}
-
-TEST(LogFileName, NamesWhatHasNoName) {
-    EXPECT_EQ(LogFileName(L""), L"unnamed.log");
-    EXPECT_EQ(LogFileName(L".. "), L"unnamed.log");
-}
-
-TEST(LogFileName, AvoidsDevices) {
-    EXPECT_EQ(LogFileName(L"con"), L"_con.log");
-    EXPECT_EQ(LogFileName(L"LPT1.x"), L"_LPT1.x.log");
-    EXPECT_EQ(LogFileName(L"CON1"), L"CON1.log");
-    EXPECT_EQ(LogFileName(L"console"), L"console.log");
-}
-
-TEST(LogFileName, CutsALongName) {
-    EXPECT_EQ(LogFileName(std::wstring(5000, L'x')).size(), 104U);
 }
 
 TEST(LogWriter, WritesFailuresBesideTheImageAsTheyAre) {

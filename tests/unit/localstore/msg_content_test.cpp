@@ -77,6 +77,19 @@ TEST(MessageContent, NumbersNewAttachmentsBehindAllThatThereEverWere) {
     EXPECT_EQ(message.NextAttachment(), 0U);
 }
 
+TEST(MessageContent, NumbersNewAttachmentsBehindThoseThatWereNoted) {
+    MessageContent message = Sample();
+    message.NoteNextAttachment(0x01020304);
+    EXPECT_EQ(message.NextAttachment(), 0x01020304U);
+    EXPECT_EQ(ReadU32(*WriteMessage(message).streams.at(kPropertyStreamName), 12), 0x01020304U);
+}
+
+TEST(MessageContent, FindsAnAttachmentByItsNumberAlone) {
+    const MessageContent message = Sample();
+    EXPECT_EQ(message.FindAttachment(3), &message.attachments[1]);
+    EXPECT_EQ(message.FindAttachment(1), nullptr);
+}
+
 TEST(MessageContent, LeavesDamagedPartsInTheFile) {
     StorageTree file = WriteMessage(Sample());
     file.storages[WIDE("__attach_version1.0_#00000007")].AddStream(kPropertyStreamName, Bytes(3));
@@ -100,6 +113,16 @@ TEST(MessageContent, TakesNoNameThatAPartUsesWithoutOne) {
     name.number = 5;
     name.set[0] = 1;
     EXPECT_EQ(message.AddName(name), 0x8021);
+}
+
+TEST(MessageContent, TakesNoNameThatARecipientUsesWithoutOne) {
+    MessageContent message;
+    message.attachments.emplace_back();
+    message.recipients.emplace_back();
+    message.recipients[0].properties.Set(Property::OfFixed(0x80300003, 1));
+    PropertyName name;
+    name.number = 5;
+    EXPECT_EQ(message.AddName(name), 0x8031);
 }
 
 TEST(MessageContent, SaysWhyAFileIsNoMessage) {

@@ -4,6 +4,7 @@
 
 #include "localstore/little_endian.h"
 #include "localstore/msg_properties.h"
+#include "tests/unit/localstore/scarce_memory.h"
 
 using namespace localstore;
 
@@ -127,6 +128,33 @@ TEST(NameMap, GivesDamagedEntriesNoMeaningWhenANameIsAdded) {
     const NameMap read = Again(names);
     EXPECT_EQ(read.NameOf(0x8000), nullptr);
     EXPECT_EQ(read.IdOfName(Word(kAddress, WIDE("added"))), id);
+}
+
+TEST(NameMap, HasNoHalfNameWhereMemoryIsScarce) {
+    const PropertyName first = Number(kAddress, 1);
+    const PropertyName added = Word(kAddress, WIDE("a text that is too long to stand in its own object"));
+    bool failed = true;
+    for (std::size_t n = 1; failed; ++n) {
+        NameMap names;
+        names.Add(first, 0);
+        {
+            const localstore_test::ScarceMemory scarce(n, false);
+            try {
+                names.Add(added, 0);
+            } catch (const std::bad_alloc&) {
+            }
+            failed = scarce.HasFailed();
+        }
+        if (failed) {
+            EXPECT_FALSE(names.IdOfName(added)) << n;
+            EXPECT_EQ(names.NameOf(0x8001), nullptr) << n;
+            EXPECT_EQ(Again(names).NameOf(0x8001), nullptr) << n;
+        }
+        // A failure takes nothing away from the next try.
+        EXPECT_EQ(names.Add(added, 0), 0x8001) << n;
+        EXPECT_EQ(Again(names).IdOfName(added), 0x8001) << n;
+        EXPECT_EQ(Again(names).IdOfName(first), 0x8000) << n;
+    }
 }
 
 TEST(NameMap, GivesNoIdentifierThatTheFileUsesWithoutAName) {

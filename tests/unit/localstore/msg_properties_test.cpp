@@ -129,6 +129,13 @@ TEST(PropertyStream, RefusesMoreEntriesThanTheLimit) {
     EXPECT_FALSE(TakePropertyStream(tree, kAttachmentHeader));
 }
 
+TEST(PropertyStream, LeavesOutMultipleValuesWithoutAStream) {
+    const PropertyBag bag = Read(Builder().Entry(kWords, 8).Entry(0x80021003, 8).Entry(kNumber, 1));
+    EXPECT_EQ(bag.Find(0x8001), nullptr);
+    EXPECT_EQ(bag.Find(0x8002), nullptr);
+    EXPECT_NE(bag.Find(0x0017), nullptr);
+}
+
 TEST(PropertyStream, LeavesOutMultipleStringsBeyondTheLimit) {
     Builder builder;
     builder.Entry(kWords, 8).Value(kWords, Bytes((kMostEntries + 1) * 4)).Entry(kNumber, 1);
@@ -163,6 +170,8 @@ TEST(PropertyStream, WritesWhatItRead) {
                            .Entry(kWords, 4)
                            .Value(kWords, {4, 0, 0, 0})
                            .Stream(WIDE("__substg1.0_8001101F-00000000"), {'a', 0, 0, 0})
+                           .Entry(0x80031003, 8)
+                           .Value(0x80031003, {1, 0, 0, 0, 2, 0, 0, 0})
                            .Stream(WIDE("something else"), {5})
                            .Tree();
     StorageTree rest = tree;

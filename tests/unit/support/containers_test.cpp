@@ -59,6 +59,12 @@ TEST(ProcessHeap, SizeThatWrapsRaises) {
     EXPECT_THROW(static_cast<void>(allocator.allocate(SIZE_MAX / 4)), std::bad_alloc);
 }
 
+TEST(ProcessHeap, WhatOneAllocatorTookAnotherMayFree) {
+    EXPECT_TRUE(ProcessHeapAllocator<char>() == ProcessHeapAllocator<char>());
+    int* const number = ProcessHeapAllocator<int>().allocate(1);
+    ProcessHeapAllocator<int>().deallocate(number, 1);
+}
+
 TEST(ProcessHeap, NullMayBeFreed) {
     ProcessHeapFree(nullptr);
 }

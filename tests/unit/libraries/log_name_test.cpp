@@ -1,0 +1,34 @@
+#include "libraries/fennic/log_name.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/unit/text_printer.h"
+
+namespace {
+
+TEST(LogFileName, KeepsAnOrdinaryName) {
+    EXPECT_EQ(LogFileName(WIDE("ZebAgentOutlook64")), WIDE("ZebAgentOutlook64.log"));
+}
+
+TEST(LogFileName, ReplacesWhatAFileNameCannotHold) {
+    EXPECT_EQ(LogFileName(WIDE("..\\..\\a/b:c*d?e\"f<g>h|i\n")), WIDE(".._.._a_b_c_d_e_f_g_h_i_.log"));
+    EXPECT_EQ(LogFileName(WIDE("a\xD800z")), WIDE("a_z.log"));
+}
+
+TEST(LogFileName, NamesWhatHasNoName) {
+    EXPECT_EQ(LogFileName(WIDE("")), WIDE("unnamed.log"));
+    EXPECT_EQ(LogFileName(WIDE(".. ")), WIDE("unnamed.log"));
+}
+
+TEST(LogFileName, AvoidsDevices) {
+    EXPECT_EQ(LogFileName(WIDE("con")), WIDE("_con.log"));
+    EXPECT_EQ(LogFileName(WIDE("LPT1.x")), WIDE("_LPT1.x.log"));
+    EXPECT_EQ(LogFileName(WIDE("CON1")), WIDE("CON1.log"));
+    EXPECT_EQ(LogFileName(WIDE("console")), WIDE("console.log"));
+}
+
+TEST(LogFileName, CutsALongName) {
+    EXPECT_EQ(LogFileName(WideString(5000, WIDE('x'))).size(), 104U);
+}
+
+}  // namespace
