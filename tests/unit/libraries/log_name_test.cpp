@@ -23,6 +23,10 @@ TEST(LogFileName, NamesWhatHasNoName) {
 TEST(LogFileName, AvoidsDevices) {
     EXPECT_EQ(LogFileName(WIDE("con")), WIDE("_con.log"));
     EXPECT_EQ(LogFileName(WIDE("LPT1.x")), WIDE("_LPT1.x.log"));
+    EXPECT_EQ(LogFileName(WIDE("com9")), WIDE("_com9.log"));
+    EXPECT_EQ(LogFileName(WIDE("AUX .x")), WIDE("_AUX .x.log"));
+    EXPECT_EQ(LogFileName(WIDE("COM\u00B2")), WIDE("_COM\u00B2.log"));
+    EXPECT_EQ(LogFileName(WIDE("COMx")), WIDE("COMx.log"));
     EXPECT_EQ(LogFileName(WIDE("CON1")), WIDE("CON1.log"));
     EXPECT_EQ(LogFileName(WIDE("console")), WIDE("console.log"));
 }

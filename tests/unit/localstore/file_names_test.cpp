@@ -36,8 +36,21 @@ TEST(FileNameOfTitle, AvoidsTheNamesOfDevices) {
     EXPECT_EQ(FileNameOfTitle(WIDE("comx")), WIDE("comx"));
 }
 
+TEST(FileNameOfTitle, AvoidsTheNamesOfDevicesWithBlanksAndRaisedDigits) {
+    EXPECT_EQ(FileNameOfTitle(WIDE("AUX  .txt")), WIDE("_AUX  .txt"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("PRN ")), WIDE("_PRN"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("COM\u00B9")), WIDE("_COM\u00B9"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("lpt\u00B3 .x")), WIDE("_lpt\u00B3 .x"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("COM\u2074")), WIDE("COM\u2074"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("CO N")), WIDE("CO N"));
+}
+
 TEST(FileNameOfTitle, IsAtMost80UnitsLong) {
     EXPECT_EQ(FileNameOfTitle(Text(300, WIDE('x'))).size(), 80U);
+    EXPECT_EQ(FileNameOfTitle(WIDE("NUL.") + Text(76, WIDE('x'))), WIDE("_NUL.") + Text(75, WIDE('x')));
+    // What the cut brings to the end is cut off too.
+    EXPECT_EQ(FileNameOfTitle(WIDE("NUL.") + Text(74, WIDE('x')) + WIDE(" y")),
+              WIDE("_NUL.") + Text(74, WIDE('x')));
 }
 
 TEST(MessageFileName, EndsInMsgInAnyCase) {
