@@ -194,6 +194,22 @@ TEST(PropertyStream, WritesWhatItRead) {
     EXPECT_EQ(written, tree);
 }
 
+TEST(PropertyStream, HalfAUnitAtTheEndOfATextAmongOthersStaysAsItIs) {
+    StorageTree tree = Builder()
+                           .Entry(kWords, 8)
+                           .Value(kWords, {3, 0, 0, 0, 4, 0, 0, 0})
+                           .Stream(WIDE("__substg1.0_8001101F-00000000"), {'a', 0, 'b'})
+                           .Stream(WIDE("__substg1.0_8001101F-00000001"), {'c', 0, 0, 0})
+                           .Tree();
+    const StorageTree before = tree;
+    const std::optional<ObjectProperties> read = TakePropertyStream(tree, kAttachmentHeader);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(*read->properties.Find(0x8001)->items[0], (Bytes{'a', 0, 'b'}));
+    StorageTree written;
+    AddPropertyStream(written, read->header, read->properties);
+    EXPECT_EQ(written, before);
+}
+
 TEST(PropertyStream, WritesSizesWithTheTerminator) {
     PropertyBag bag;
     bag.Set(Property::OfText(kSubject, WIDE("ab")));
