@@ -13,6 +13,7 @@ TEST(LogFileName, KeepsAnOrdinaryName) {
 TEST(LogFileName, ReplacesWhatAFileNameCannotHold) {
     EXPECT_EQ(LogFileName(WIDE("..\\..\\a/b:c*d?e\"f<g>h|i\n")), WIDE(".._.._a_b_c_d_e_f_g_h_i_.log"));
     EXPECT_EQ(LogFileName(WIDE("a\xD800z")), WIDE("a_z.log"));
+    EXPECT_EQ(LogFileName(WIDE("\xD7FF\xDFFF\xE000")), WIDE("\xD7FF_\xE000.log"));
 }
 
 TEST(LogFileName, NamesWhatHasNoName) {

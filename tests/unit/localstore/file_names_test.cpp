@@ -13,6 +13,7 @@ TEST(FileNameOfTitle, KeepsWhatIsReadable) {
 TEST(FileNameOfTitle, ReplacesWhatNoFileSystemTakes) {
     EXPECT_EQ(FileNameOfTitle(WIDE("a/b\\c:d*e?f\"g<h>i|j")), WIDE("a_b_c_d_e_f_g_h_i_j"));
     EXPECT_EQ(FileNameOfTitle(WIDE("line\r\nline\ttab")), WIDE("line__line_tab"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("a\x7F{z}")), WIDE("a_{z}"));
 }
 
 TEST(FileNameOfTitle, CutsPointsAndBlanksAtTheEnds) {

@@ -90,10 +90,26 @@ TEST(MessageContent, FindsAnAttachmentByItsNumberAlone) {
     EXPECT_EQ(message.FindAttachment(1), nullptr);
 }
 
+TEST(MessageContent, HasNoNumberBehindTheLastOne) {
+    MessageContent message = Sample();
+    message.attachments[1].number = 0xFFFFFFFF;
+    EXPECT_EQ(message.NextAttachment(), 0xFFFFFFFFU);
+}
+
+TEST(MessageContent, HasNoIdentifierBehindTheLastOne) {
+    MessageContent message;
+    message.properties.Set(Property::OfFixed(0xFFFF0003, 1));
+    PropertyName name;
+    name.number = 5;
+    EXPECT_FALSE(message.AddName(name));
+}
+
 TEST(MessageContent, LeavesDamagedPartsInTheFile) {
     StorageTree file = WriteMessage(Sample());
     file.storages[WIDE("__attach_version1.0_#00000007")].AddStream(kPropertyStreamName, Bytes(3));
     file.storages[WIDE("__attach_version1.0_#0000000G")].AddStream(kPropertyStreamName, Bytes(8));
+    file.storages[WIDE("__attach_version1.0_#0000000/")].AddStream(kPropertyStreamName, Bytes(8));
+    file.storages[WIDE("__attach_version1.0_#0000000:")].AddStream(kPropertyStreamName, Bytes(8));
     file.storages[WIDE("__attach_version1.0_#1")];
     const char* reason = nullptr;
     const std::optional<MessageContent> read = ReadMessage(file, reason);

@@ -104,6 +104,47 @@ TEST(PropertyStream, ReadsMultipleNumbersAndBinaries) {
     EXPECT_EQ(*bag.Find(0x8003)->items[0], (Bytes{7, 0, 0}));
 }
 
+TEST(PropertyStream, ReadsValuesOfEightBytesWhole) {
+    EXPECT_EQ(Read(Builder().Entry(0x30070040, 0xFFFFFFFF00000007)).Find(0x3007)->fixed, 0xFFFFFFFF00000007U);
+}
+
+TEST(PropertyStream, TakesTextsWithoutRoomForATerminatorAsTheyAre) {
+    const PropertyBag bag = Read(Builder()
+                                     .Entry(kSubject, 1)
+                                     .Value(kSubject, {0})
+                                     .Entry(kSubject8 + 0x10000, 0)
+                                     .Value(kSubject8 + 0x10000, {}));
+    EXPECT_EQ(bag.Find(0x0037)->Data(), (Bytes{0}));
+    EXPECT_TRUE(bag.Find(0x0038)->Data().empty());
+    EXPECT_EQ(Read(Builder().Entry(kSubject, 3).Value(kSubject, {1, 0, 0})).Find(0x0037)->Data(),
+              (Bytes{1, 0, 0}));
+}
+
+TEST(PropertyStream, ReadsAMissingOneOfMultipleStringsAsEmpty) {
+    const PropertyBag bag = Read(Builder()
+                                     .Entry(kWords, 8)
+                                     .Value(kWords, {4, 0, 0, 0, 4, 0, 0, 0})
+                                     .Stream(WIDE("__substg1.0_8001101F-00000001"), {'b', 0, 0, 0}));
+    ASSERT_EQ(bag.Find(0x8001)->Count(), 2U);
+    EXPECT_TRUE(bag.Find(0x8001)->items[0]->empty());
+    EXPECT_EQ(*bag.Find(0x8001)->items[1], (Bytes{'b', 0}));
+}
+
+TEST(PropertyStream, WritesMultipleBinariesWithoutTerminators) {
+    constexpr PropertyTag binaries = 0x80031102;
+    StorageTree tree = Builder()
+                           .Entry(binaries, 16)
+                           .Value(binaries, {3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0})
+                           .Stream(WIDE("__substg1.0_80031102-00000000"), {7, 0, 0})
+                           .Stream(WIDE("__substg1.0_80031102-00000001"), {})
+                           .Tree();
+    const StorageTree before = tree;
+    const std::optional<ObjectProperties> read = TakePropertyStream(tree, kAttachmentHeader);
+    ASSERT_TRUE(read);
+    AddPropertyStream(tree, read->header, read->properties);
+    EXPECT_EQ(tree, before);
+}
+
 TEST(PropertyStream, RefusesAStreamShorterThanItsHeader) {
     for (std::size_t size = 0; size < kTopLevelHeader; ++size) {
         StorageTree tree;
@@ -142,6 +183,14 @@ TEST(PropertyStream, LeavesOutMultipleStringsBeyondTheLimit) {
     const PropertyBag bag = Read(builder);
     EXPECT_EQ(bag.Find(0x8001), nullptr);
     EXPECT_NE(bag.Find(0x0017), nullptr);
+}
+
+TEST(PropertyStream, LeavesOutMultipleNumbersBeyondTheLimit) {
+    constexpr PropertyTag numbers = 0x80021002;
+    const PropertyBag most = Read(Builder().Entry(numbers, 0).Value(numbers, Bytes(kMostEntries * 2)));
+    EXPECT_EQ(most.Find(0x8002)->Count(), kMostEntries);
+    EXPECT_EQ(Read(Builder().Entry(numbers, 0).Value(numbers, Bytes(kMostEntries * 2 + 2))).Find(0x8002),
+              nullptr);
 }
 
 TEST(PropertyStream, LeavesOutAGuidOfAnotherLength) {

@@ -55,6 +55,35 @@ TEST(PropertyType, TwoOfThemAreStrings) {
     }
 }
 
+TEST(Property, IsTheSameIfAllOfItsValueIs) {
+    const Property number = Property::OfFixed(0x00170003, 1);
+    EXPECT_TRUE(number.SameValue(number));
+    EXPECT_FALSE(number.SameValue(Property::OfFixed(0x00180003, 1)));
+    EXPECT_FALSE(number.SameValue(Property::OfFixed(0x00170003, 2)));
+    const Property bytes = Property::OfBytes(0x37010102, {1, 2});
+    EXPECT_TRUE(bytes.SameValue(Property::OfBytes(0x37010102, {1, 2})));
+    EXPECT_FALSE(bytes.SameValue(Property::OfBytes(0x37010102, {1, 3})));
+    Property words = Property::OfFixed(0x8001101F, 0);
+    const Property none = words;
+    words.items.push_back(std::make_shared<const Bytes>(Bytes{1}));
+    EXPECT_TRUE(words.SameValue(words));
+    EXPECT_FALSE(words.SameValue(none));
+}
+
+TEST(Property, WithoutBytesHasNone) {
+    EXPECT_TRUE(Property::OfFixed(0x00170003, 1).Data().empty());
+    // Nothing is the same as no bytes.
+    EXPECT_TRUE(Property::OfBytes(0x37010102, {}).SameValue(Property::OfFixed(0x37010102, 0)));
+}
+
+TEST(PropertyBag, FindsWhatIsThereOnly) {
+    PropertyBag bag;
+    bag.Set(Property::OfFixed(0x00170003, 1));
+    EXPECT_NE(bag.Find(0x0017), nullptr);
+    EXPECT_EQ(bag.Find(0x0016), nullptr);
+    EXPECT_EQ(bag.Find(0x0018), nullptr);
+}
+
 TEST(PropertyBag, NeedsNoMemoryForThoseThatRoomWasMadeFor) {
     PropertyBag bag;
     bag.Set(Property::OfFixed(0x80050003, 5));
@@ -64,6 +93,7 @@ TEST(PropertyBag, NeedsNoMemoryForThoseThatRoomWasMadeFor) {
         for (const PropertyTag tag : {0x80060003U, 0x80010003U, 0x80030003U}) {
             bag.Set(Property::OfFixed(tag, 1));
         }
+        bag.MakeRoom(0);
         EXPECT_FALSE(scarce.HasFailed());
     }
     EXPECT_EQ(bag.All().size(), 4U);

@@ -29,6 +29,14 @@ TEST(CArray, IndexOutsideAConstantArrayRaises) {
     EXPECT_THROW(static_cast<void>(array[0]), CInvalidArgException);
 }
 
+TEST(CArray, GivesAConstantElement) {
+    CArray<int> array;
+    array.Add(7);
+    const CArray<int>& constant = array;
+    EXPECT_EQ(constant[0], 7);
+    EXPECT_THROW(static_cast<void>(constant[1]), CInvalidArgException);
+}
+
 TEST(CArray, NewElementsOfSetSizeAreEmpty) {
     CArray<int> array;
     array.Add(5);
