@@ -140,9 +140,11 @@ TEST(CompoundFileSizes, SmallStreamsShareNoSector) {
     EXPECT_EQ(file.Damage(), "its streams are damaged");
 }
 
-TEST(CompoundFileSizes, ASmallStreamBeginsInTheSmallAllocationTable) {
-    File file(3, 1, 1);
-    EXPECT_EQ(file.Put(file.Entry(1) + 116, 128).Damage(), "its streams are damaged");
+TEST(CompoundFileSizes, ASmallStreamBeginsInTheSmallAllocationTableAndInTheSmallStream) {
+    for (const std::uint32_t start : {128U, 8U}) {
+        File file(3, 1, 1);
+        EXPECT_EQ(file.Put(file.Entry(1) + 116, start).Damage(), "its streams are damaged") << start;
+    }
 }
 
 TEST(CompoundFileSizes, AnEmptyStreamMayBeginAnywhere) {

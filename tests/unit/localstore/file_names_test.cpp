@@ -35,6 +35,8 @@ TEST(FileNameOfTitle, AvoidsTheNamesOfDevices) {
     EXPECT_EQ(FileNameOfTitle(WIDE("lpt9.x")), WIDE("_lpt9.x"));
     EXPECT_EQ(FileNameOfTitle(WIDE("console")), WIDE("console"));
     EXPECT_EQ(FileNameOfTitle(WIDE("comx")), WIDE("comx"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("Tom1")), WIDE("Tom1"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("co{")), WIDE("co{"));
 }
 
 TEST(FileNameOfTitle, AvoidsTheNamesOfDevicesWithBlanksAndRaisedDigits) {

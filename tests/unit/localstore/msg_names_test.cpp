@@ -188,7 +188,7 @@ TEST(NameMap, ReadsDamagedEntriesAsNoNames) {
 
 TEST(NameMap, ReadsEntriesWhoseStreamsAreMissingAsNoNames) {
     StorageTree top;
-    Bytes entries = Entry(0, 7, 0);
+    Bytes entries = Entry(0, 5, 0);
     const Bytes number = Entry(9, 4, 1);
     entries.insert(entries.end(), number.begin(), number.end());
     top.storages[kNamesStorageName].AddStream(ValueStreamName(0x00030102), entries);
