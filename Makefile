@@ -18,8 +18,8 @@ test: setup  ## all tests, under Wine and natively with the sanitizers
 lint: setup  ## the format, clang-tidy and the rules between the rooms
 	tools/lint.sh
 
-fuzz: setup  ## each fuzz target for a minute
-	tools/fuzz.sh 60
+fuzz: setup  ## each fuzz target for a minute, or for SECONDS=...
+	tools/fuzz.sh $(or $(SECONDS),60)
 
 faults: setup  ## every call of every operation failed in turn, and the table of docs/testing.md
 	tools/faults.sh
