@@ -1,6 +1,6 @@
 # The front door. Everything that takes more than a line stands in tools/.
 
-.PHONY: build setup demo test test-checked soak lint fuzz faults clean help
+.PHONY: build setup demo test test-checked soak lint fuzz faults coverage clean help
 
 build: setup  ## the programs and libraries, into build/bin
 	tools/build.sh release desktop32
@@ -24,14 +24,17 @@ soak: setup  ## the agent worn out: many rounds, Stop at any moment, eight clien
 lint: setup  ## the format, clang-tidy and the rules between the rooms
 	tools/lint.sh
 
-fuzz: setup  ## each fuzz target for a minute
-	tools/fuzz.sh 60
+fuzz: setup  ## each fuzz target for a minute, or for SECONDS=...
+	tools/fuzz.sh $(or $(SECONDS),60)
 
 faults: setup  ## every call of every operation failed in turn, and the table of docs/testing.md
 	tools/faults.sh
 
+coverage: setup  ## which lines of the pure ring its native tests reach, and the table of docs/testing.md
+	tools/coverage.sh
+
 clean:  ## removes what was built, not the downloaded Wine and its prefix
-	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/checked build/demo build/lint
+	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/coverage build/checked build/demo build/lint
 
 help:  ## this list
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "make %-12s %s\n", $$1, $$2 }' Makefile

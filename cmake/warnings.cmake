@@ -23,3 +23,8 @@ if(ZEB_CHECKED)
   add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:-fsanitize=undefined;-fno-sanitize=vptr;-fsanitize-undefined-trap-on-error>")
   add_compile_definitions("$<$<COMPILE_LANGUAGE:CXX>:_GLIBCXX_ASSERTIONS;_GLIBCXX_DEBUG>")
 endif()
+
+if(ZEB_COVERAGE)
+  add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+  add_link_options(-fprofile-instr-generate)
+endif()

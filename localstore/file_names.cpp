@@ -28,14 +28,20 @@ bool IsSurrogate(wide unit) {
     return (unit & 0xF800) == 0xD800;
 }
 
-/// Device names are taken whatever the extension.
+/// The platform takes raised digits for digits here.
+bool IsDeviceDigit(wide unit) {
+    return View(WIDE("0123456789\u00B9\u00B2\u00B3")).find(unit) != View::npos;
+}
+
+/// Device names are taken whatever the extension, and with blanks in front of it.
 bool IsDeviceName(View name) {
     constexpr std::array<View, 4> plain = {WIDE("CON"), WIDE("PRN"), WIDE("AUX"), WIDE("NUL")};
-    const View stem = name.substr(0, name.find(WIDE('.')));
+    View stem = name.substr(0, name.find(WIDE('.')));
+    stem = stem.substr(0, stem.find_last_not_of(WIDE(' ')) + 1);
     const bool isPlain =
         std::any_of(plain.begin(), plain.end(), [&](View one) { return EqualsNoCase(stem, one); });
     return isPlain ||
-           (stem.size() == 4 && stem[3] >= WIDE('0') && stem[3] <= WIDE('9') &&
+           (stem.size() == 4 && IsDeviceDigit(stem[3]) &&
             (EqualsNoCase(stem.substr(0, 3), WIDE("COM")) || EqualsNoCase(stem.substr(0, 3), WIDE("LPT"))));
 }
 
@@ -54,15 +60,16 @@ Text FileNameOfTitle(View title) {
             name.push_back(IsForbidden(unit) ? WIDE('_') : unit);
         }
     }
+    // Leading points and blanks hide a file or get lost.
+    name.erase(0, std::min(name.find_first_not_of(WIDE(" .")), name.size()));
+    if (IsDeviceName(name)) {
+        name.insert(name.begin(), WIDE('_'));
+        name.resize(std::min(name.size(), kLongestName));
+    }
     while (!name.empty() && (name.back() == WIDE(' ') || name.back() == WIDE('.'))) {
         name.pop_back();
     }
-    // Leading points and blanks hide a file or get lost.
-    name.erase(0, std::min(name.find_first_not_of(WIDE(" .")), name.size()));
-    if (name.empty()) {
-        return WIDE("Message");
-    }
-    return IsDeviceName(name) ? WIDE("_") + name : name;
+    return name.empty() ? WIDE("Message") : name;
 }
 
 }  // namespace localstore

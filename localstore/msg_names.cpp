@@ -158,7 +158,7 @@ std::optional<PropertyId> NameMap::Add(const PropertyName& name, PropertyId lowe
     }
     next = std::max(next, static_cast<std::uint32_t>(kFirstNamedId + m_entries.size()));
     // 0xFFFF is no identifier of a property.
-    if (next >= 0xFFFF || m_entries.size() >= kMostNames - 1) {
+    if (next >= 0xFFFF) {
         return std::nullopt;
     }
     Entry entry;

@@ -119,7 +119,8 @@ std::uint64_t AddValue(StorageTree& storage, const Property& property) {
             Bytes lengths;
             for (std::size_t i = 0; i < property.items.size(); ++i) {
                 Bytes item = *property.items[i];
-                item.resize(item.size() + terminator);
+                // Half a unit at the end of a damaged text would keep the reader from seeing a terminator.
+                item.resize(item.size() + (terminator == 2 && item.size() % 2 != 0 ? 0 : terminator));
                 AppendNumber(lengths, item.size(), terminator == 0 ? 8 : 4);
                 storage.AddStream(ItemStreamName(property.tag, i), std::move(item));
             }

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the fuzz targets and runs each, or those that are named, for some seconds: fuzz.sh [SECONDS [TARGET...]].
-# What a run finds stays in build/fuzz/found; new inputs that reach new code stay in build/fuzz/corpus. A file
-# tests/fuzz/TARGET.options holds the fuzzer's options for a target.
+# A run begins with the inputs in tests/fuzz/corpus. What it finds stays in build/fuzz/found; new inputs that reach new code
+# stay in build/fuzz/corpus. A file tests/fuzz/TARGET.options holds the fuzzer's options for a target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
@@ -21,6 +21,7 @@ for target in "${targets[@]}"; do
   name=$(basename "$target")
   corpus=build/fuzz/corpus/$name
   mkdir -p "$corpus"
+  begin=tests/fuzz/corpus/$name
   log=build/fuzz/$name.log
   options=()
   if [ -f "tests/fuzz/$name.options" ]; then
@@ -28,7 +29,7 @@ for target in "${targets[@]}"; do
   fi
   printf '%-24s ' "$name"
   if "$target" "${options[@]}" -max_total_time="$seconds" -artifact_prefix="build/fuzz/found/$name-" \
-    "$corpus" >"$log" 2>&1; then
+    "$corpus" "$begin" >"$log" 2>&1; then
     grep '^Done ' "$log"
   else
     broken=$((broken + 1))

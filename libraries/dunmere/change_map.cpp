@@ -110,7 +110,7 @@ bool ReadItem(std::string_view line, ChangeMap& map) {
 bool ReadLines(std::string_view text, ChangeMap& map) {
     while (const std::optional<std::string_view> line = Cut(text, '\n')) {
         // Identifiers may begin with a bracket; but an item's line has tabs, and a section's has none.
-        const bool section = line->starts_with('[') && line->ends_with(']') && line->size() >= 2;
+        const bool section = line->starts_with('[') && line->ends_with(']');
         if (!(section && line->find('\t') == std::string_view::npos ? ReadSection(*line, map)
                                                                     : ReadItem(*line, map))) {
             return false;

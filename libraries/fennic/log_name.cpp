@@ -22,7 +22,9 @@ bool IsDeviceName(const CString& name) {
     constexpr std::array<WideView, 4> kDevices{WIDE("CON"), WIDE("PRN"), WIDE("AUX"), WIDE("NUL")};
     CString stem(name.View().substr(0, name.find(WIDE('.'))));
     stem.Trim();
-    const bool numbered = stem.size() == 4 && stem[3] >= WIDE('0') && stem[3] <= WIDE('9');
+    // The platform takes raised digits for digits here.
+    constexpr WideView kDigits = WIDE("0123456789\u00B9\u00B2\u00B3");
+    const bool numbered = stem.size() == 4 && kDigits.find(stem[3]) != WideView::npos;
     if (numbered) {
         stem.pop_back();
         return stem.EqualsNoCase(WIDE("COM")) || stem.EqualsNoCase(WIDE("LPT"));

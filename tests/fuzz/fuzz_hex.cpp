@@ -1,27 +1,11 @@
 // Hexadecimal texts: reading never fails, half the characters become bytes, and what was written is read
 // back.
 
-#include <cstdlib>
-#include <cstring>
-
 #include "mapi/hex_text.h"
-
-namespace {
-
-void Require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
-
-}  // namespace
+#include "tests/fuzz/fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    CString text;
-    text.resize(size / sizeof(wide));
-    if (!text.empty()) {
-        std::memcpy(text.data(), data, text.size() * sizeof(wide));
-    }
+    const CString text = TextOf(data, size);
     Require(HexStringToBinary(text).size() == text.size() / 2);
 
     const CString written = BinaryToHexString(data, size);

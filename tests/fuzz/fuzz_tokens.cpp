@@ -1,5 +1,5 @@
 // The tokens of any text, put together again with their separator, are the text, and none holds the
-// separator.
+// separator; and two texts are equal without regard to case if they are equal in lower case.
 
 #include <algorithm>
 
@@ -25,6 +25,18 @@ void RequireTokensMakeTheText(const CString& text, WideView separator) {
     Require(joined == text);
 }
 
+CString LowerCase(CString text) {
+    for (wide& unit : text) {
+        unit = unit >= WIDE('A') && unit <= WIDE('Z') ? static_cast<wide>(unit + 32) : unit;
+    }
+    return text;
+}
+
+void RequireEqualWithoutCase(const CString& left, const CString& right) {
+    Require(left.EqualsNoCase(right) == (LowerCase(left) == LowerCase(right)));
+    Require(left.EqualsNoCase(LowerCase(left)) && LowerCase(right).EqualsNoCase(right));
+}
+
 void RequireTrimmed(const CString& text) {
     constexpr WideView kWhiteSpace = WIDE(" \t\n\v\f\r");
     CString trimmed = text;
@@ -43,6 +55,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const CString separator(input.substr(input.empty() ? 0 : 1, length));
     const CString text(input.substr(std::min(input.size(), length + 1)));
     RequireTrimmed(text);
+    RequireEqualWithoutCase(CString(text.substr(0, separator.size())), separator);
+    RequireEqualWithoutCase(separator, text);
     if (separator.empty()) {
         NAMESPACE_COMMON::CStringEx whole(text);
         Require(whole.NextToken(separator) == text && whole == text);

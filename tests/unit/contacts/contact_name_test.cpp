@@ -29,6 +29,8 @@ TEST(InitialsOfName, CharacterOfTwoUnitsStaysWhole) {
     EXPECT_EQ(InitialsOfName(WIDE("\xD83D\xDE00x"), WIDE("a \xD83D\xDE00"), {}),
               WIDE("\xD83D\xDE00.a.\xD83D\xDE00."));
     EXPECT_EQ(InitialsOfName(WIDE("\xD83D"), {}, WIDE("\xDE00")), WIDE("\xD83D.\xDE00."));
+    EXPECT_EQ(InitialsOfName(WIDE("\xD83Dx"), WIDE("\xE000\xDE00"), WIDE("\xD83D\xE000")),
+              WIDE("\xD83D.\xE000.\xD83D."));
 }
 
 TEST(CutCategories, PartsAreCutAndOneBehindTheLastSeparatorIsNone) {

@@ -139,10 +139,20 @@ TEST(ChangeMap, TextsThatWouldBeWrittenOtherwiseAreDamagedWhateverTheirChecksum)
              "[contact pim]\n\\\t0\t0\n",
              "[contact pim]\n\xC3\xA9\t0\t0\n",
              "\n",
+             "[",
+             "[\n",
              "checksum 0000000000000000\n",
          }) {
         EXPECT_EQ(StateOf(WithChecksum("DunmereMap 1\n" + std::string(lines))), MapState::kDamaged) << lines;
     }
+}
+
+TEST(ChangeMap, ASectionIsOfItsKindAndItsDomain) {
+    ChangeMap map = ExampleMap();
+    EXPECT_EQ(map.ItemsOf(WIDE("contact"), WIDE("pim")).size(), 3U);
+    EXPECT_TRUE(map.ItemsOf(WIDE("contact"), WIDE("other")).empty());
+    EXPECT_TRUE(map.ItemsOf(WIDE("other"), WIDE("pim")).empty());
+    EXPECT_EQ(map.sections.size(), 4U);
 }
 
 TEST(ChangeMap, WhatIsNotGoodLeavesTheMapAsItWas) {

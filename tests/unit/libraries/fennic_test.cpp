@@ -8,7 +8,6 @@
 #include <thread>
 #include <vector>
 
-#include "libraries/fennic/log_name.h"
 #include "libraries/fennic/log_writer.h"
 #include "support/fnv.h"
 #include "support/owners.h"
@@ -35,34 +34,6 @@ Handle MutexOfPath(CString path) {
                    [](wchar_t unit) { return static_cast<wchar_t>(std::towupper(unit)); });
     const CString name = CString::Format(L"Global\\Fennic64-%016I64x", Fnv1a(path.View()));
     return Handle(OpenMutexW(SYNCHRONIZE | MUTEX_MODIFY_STATE, FALSE, name.c_str()));
-}
-
-TEST(LogFileName, KeepsAnOrdinaryName) {
-    EXPECT_EQ(LogFileName(L"ZebAgentOutlook64"), L"ZebAgentOutlook64.log");
-}
-
-TEST(LogFileName, ReplacesWhatAFileNameCannotHold) {
-    EXPECT_EQ(LogFileName(L"..\\..\\a/b:c*d?e\"f<g>h|i\n"), L".._.._a_b_c_d_e_f_g_h_i_.log");
-    EXPECT_EQ(LogFileName(L"a\xD800z"), L"a_z.log");
-}
-
-TEST(LogFileName, NamesWhatHasNoName) {
-    EXPECT_EQ(LogFileName(L""), L"unnamed.log");
-    EXPECT_EQ(LogFileName(L".. "), L"unnamed.log");
-}
-
-TEST(LogFileName, AvoidsDevices) {
-    EXPECT_EQ(LogFileName(L"con"), L"_con.log");
-    EXPECT_EQ(LogFileName(L"LPT1.x"), L"_LPT1.x.log");
-    EXPECT_EQ(LogFileName(L"CON1"), L"CON1.log");
-    EXPECT_EQ(LogFileName(L"console"), L"console.log");
-}
-
-TEST(LogFileName, CutsALongName) {
-    for (const std::size_t length : {99U, 100U, 101U, 5000U}) {
-        const std::wstring name(std::min<std::size_t>(length, 100), L'x');
-        EXPECT_EQ(LogFileName(std::wstring(length, L'x')), CString((name + L".log").c_str()));
-    }
 }
 
 TEST(LogWriter, WritesFailuresBesideTheImageAsTheyAre) {

@@ -98,6 +98,19 @@ TEST(CompoundFile, ASoundOneHasNoDamage) {
     EXPECT_EQ(Damage(MakeFile()), nullptr);
 }
 
+TEST(CompoundFile, AnEmptyChainMayBeginWithTheNumberOfAFreeSector) {
+    Bytes file = MakeFile();
+    // No small streams: neither their allocation table nor the stream of the root that holds them.
+    Put(file, EntryAt(1) + 68, kFree);
+    Put(file, 60, kFree);
+    Put(file, EntryAt(0) + 116, kFree);
+    Put(file, EntryAt(0) + 120, 0);
+    EXPECT_EQ(Damage(file), nullptr);
+    // A chain with something in it cannot end there.
+    PutFat(file, kDirectory, kFree);
+    EXPECT_STREQ(Damage(file), "its directory is damaged");
+}
+
 TEST(CompoundFile, ALastSectorMayBeCutShort) {
     Bytes file = MakeFile();
     file.resize(file.size() - 500);

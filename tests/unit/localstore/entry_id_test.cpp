@@ -78,6 +78,28 @@ TEST(EntryIdOfTheStore, LongTermFormDiffersInOneByte) {
     EXPECT_EQ(bytes, SomeMessage().Encode());
 }
 
+TEST(EntryIdOfTheStore, RefusesAKindThatThereIsNot) {
+    for (const int kind : {0, 5, 255}) {
+        Bytes bytes = SomeMessage().Encode();
+        bytes[21] = static_cast<std::uint8_t>(kind);
+        EXPECT_FALSE(EntryId::Decode(bytes.data(), bytes.size())) << kind;
+    }
+}
+
+TEST(EntryIdOfTheStore, IsAnotherOneWithAnyOtherField) {
+    std::array<EntryId, 5> others{};
+    others.fill(SomeMessage());
+    others[0].store[15] ^= 1U;
+    others[1].kind = EntryKind::Folder;
+    others[2].isLongTerm = true;
+    others[3].folder[0] ^= 1U;
+    others[4].message[7] ^= 1U;
+    for (const EntryId& other : others) {
+        EXPECT_NE(other, SomeMessage());
+        EXPECT_NE(other.Encode(), SomeMessage().Encode());
+    }
+}
+
 TEST(EntryIdOfTheStore, RefusesEveryOtherLength) {
     const Bytes bytes = SomeMessage().Encode();
     for (std::size_t size = 0; size < bytes.size(); ++size) {

@@ -13,6 +13,7 @@ TEST(FileNameOfTitle, KeepsWhatIsReadable) {
 TEST(FileNameOfTitle, ReplacesWhatNoFileSystemTakes) {
     EXPECT_EQ(FileNameOfTitle(WIDE("a/b\\c:d*e?f\"g<h>i|j")), WIDE("a_b_c_d_e_f_g_h_i_j"));
     EXPECT_EQ(FileNameOfTitle(WIDE("line\r\nline\ttab")), WIDE("line__line_tab"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("a\x7F{z}")), WIDE("a_{z}"));
 }
 
 TEST(FileNameOfTitle, CutsPointsAndBlanksAtTheEnds) {
@@ -34,10 +35,25 @@ TEST(FileNameOfTitle, AvoidsTheNamesOfDevices) {
     EXPECT_EQ(FileNameOfTitle(WIDE("lpt9.x")), WIDE("_lpt9.x"));
     EXPECT_EQ(FileNameOfTitle(WIDE("console")), WIDE("console"));
     EXPECT_EQ(FileNameOfTitle(WIDE("comx")), WIDE("comx"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("Tom1")), WIDE("Tom1"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("co{")), WIDE("co{"));
+}
+
+TEST(FileNameOfTitle, AvoidsTheNamesOfDevicesWithBlanksAndRaisedDigits) {
+    EXPECT_EQ(FileNameOfTitle(WIDE("AUX  .txt")), WIDE("_AUX  .txt"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("PRN ")), WIDE("_PRN"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("COM\u00B9")), WIDE("_COM\u00B9"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("lpt\u00B3 .x")), WIDE("_lpt\u00B3 .x"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("COM\u2074")), WIDE("COM\u2074"));
+    EXPECT_EQ(FileNameOfTitle(WIDE("CO N")), WIDE("CO N"));
 }
 
 TEST(FileNameOfTitle, IsAtMost80UnitsLong) {
     EXPECT_EQ(FileNameOfTitle(Text(300, WIDE('x'))).size(), 80U);
+    EXPECT_EQ(FileNameOfTitle(WIDE("NUL.") + Text(76, WIDE('x'))), WIDE("_NUL.") + Text(75, WIDE('x')));
+    // What the cut brings to the end is cut off too.
+    EXPECT_EQ(FileNameOfTitle(WIDE("NUL.") + Text(74, WIDE('x')) + WIDE(" y")),
+              WIDE("_NUL.") + Text(74, WIDE('x')));
 }
 
 TEST(MessageFileName, EndsInMsgInAnyCase) {

@@ -27,6 +27,11 @@ TEST(FolderIni, PassesOverCommentsAndLinesThatMeanNothing) {
     EXPECT_EQ(ini.Find(WIDE("Store"), WIDE("Name")), WIDE("z=1"));
 }
 
+TEST(FolderIni, CutsTabsAndPassesOverEmptyLines) {
+    const FolderIni ini(WIDE("\n\r\n \t\n[\tStore\t]\t\n\tName\t=\tMy\tmail\t\r\n"));
+    EXPECT_EQ(ini.Find(WIDE("Store"), WIDE("Name")), WIDE("My\tmail"));
+}
+
 TEST(FolderIni, ReadsYesAndNo) {
     const FolderIni ini(WIDE("[S]\na=1\nb=TRUE\nc=Yes\nd=0\ne=\nf=2"));
     for (const wide* key : {WIDE("a"), WIDE("b"), WIDE("c")}) {

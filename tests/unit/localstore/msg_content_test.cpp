@@ -77,10 +77,39 @@ TEST(MessageContent, NumbersNewAttachmentsBehindAllThatThereEverWere) {
     EXPECT_EQ(message.NextAttachment(), 0U);
 }
 
+TEST(MessageContent, NumbersNewAttachmentsBehindThoseThatWereNoted) {
+    MessageContent message = Sample();
+    message.NoteNextAttachment(0x01020304);
+    EXPECT_EQ(message.NextAttachment(), 0x01020304U);
+    EXPECT_EQ(ReadU32(*WriteMessage(message).streams.at(kPropertyStreamName), 12), 0x01020304U);
+}
+
+TEST(MessageContent, FindsAnAttachmentByItsNumberAlone) {
+    const MessageContent message = Sample();
+    EXPECT_EQ(message.FindAttachment(3), &message.attachments[1]);
+    EXPECT_EQ(message.FindAttachment(1), nullptr);
+}
+
+TEST(MessageContent, HasNoNumberBehindTheLastOne) {
+    MessageContent message = Sample();
+    message.attachments[1].number = 0xFFFFFFFF;
+    EXPECT_EQ(message.NextAttachment(), 0xFFFFFFFFU);
+}
+
+TEST(MessageContent, HasNoIdentifierBehindTheLastOne) {
+    MessageContent message;
+    message.properties.Set(Property::OfFixed(0xFFFF0003, 1));
+    PropertyName name;
+    name.number = 5;
+    EXPECT_FALSE(message.AddName(name));
+}
+
 TEST(MessageContent, LeavesDamagedPartsInTheFile) {
     StorageTree file = WriteMessage(Sample());
     file.storages[WIDE("__attach_version1.0_#00000007")].AddStream(kPropertyStreamName, Bytes(3));
     file.storages[WIDE("__attach_version1.0_#0000000G")].AddStream(kPropertyStreamName, Bytes(8));
+    file.storages[WIDE("__attach_version1.0_#0000000/")].AddStream(kPropertyStreamName, Bytes(8));
+    file.storages[WIDE("__attach_version1.0_#0000000:")].AddStream(kPropertyStreamName, Bytes(8));
     file.storages[WIDE("__attach_version1.0_#1")];
     const char* reason = nullptr;
     const std::optional<MessageContent> read = ReadMessage(file, reason);
@@ -100,6 +129,16 @@ TEST(MessageContent, TakesNoNameThatAPartUsesWithoutOne) {
     name.number = 5;
     name.set[0] = 1;
     EXPECT_EQ(message.AddName(name), 0x8021);
+}
+
+TEST(MessageContent, TakesNoNameThatARecipientUsesWithoutOne) {
+    MessageContent message;
+    message.attachments.emplace_back();
+    message.recipients.emplace_back();
+    message.recipients[0].properties.Set(Property::OfFixed(0x80300003, 1));
+    PropertyName name;
+    name.number = 5;
+    EXPECT_EQ(message.AddName(name), 0x8031);
 }
 
 TEST(MessageContent, SaysWhyAFileIsNoMessage) {

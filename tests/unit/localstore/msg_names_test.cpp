@@ -4,6 +4,7 @@
 
 #include "localstore/little_endian.h"
 #include "localstore/msg_properties.h"
+#include "tests/unit/localstore/scarce_memory.h"
 
 using namespace localstore;
 
@@ -129,6 +130,33 @@ TEST(NameMap, GivesDamagedEntriesNoMeaningWhenANameIsAdded) {
     EXPECT_EQ(read.IdOfName(Word(kAddress, WIDE("added"))), id);
 }
 
+TEST(NameMap, HasNoHalfNameWhereMemoryIsScarce) {
+    const PropertyName first = Number(kAddress, 1);
+    const PropertyName added = Word(kAddress, WIDE("a text that is too long to stand in its own object"));
+    bool failed = true;
+    for (std::size_t n = 1; failed; ++n) {
+        NameMap names;
+        names.Add(first, 0);
+        {
+            const localstore_test::ScarceMemory scarce(n, false);
+            try {
+                names.Add(added, 0);
+            } catch (const std::bad_alloc&) {
+            }
+            failed = scarce.HasFailed();
+        }
+        if (failed) {
+            EXPECT_FALSE(names.IdOfName(added)) << n;
+            EXPECT_EQ(names.NameOf(0x8001), nullptr) << n;
+            EXPECT_EQ(Again(names).NameOf(0x8001), nullptr) << n;
+        }
+        // A failure takes nothing away from the next try.
+        EXPECT_EQ(names.Add(added, 0), 0x8001) << n;
+        EXPECT_EQ(Again(names).IdOfName(added), 0x8001) << n;
+        EXPECT_EQ(Again(names).IdOfName(first), 0x8000) << n;
+    }
+}
+
 TEST(NameMap, GivesNoIdentifierThatTheFileUsesWithoutAName) {
     NameMap names;
     EXPECT_EQ(names.Add(Number(kAddress, 1), 0x8123), 0x8123);
@@ -139,13 +167,16 @@ TEST(NameMap, GivesNoIdentifierThatTheFileUsesWithoutAName) {
 TEST(NameMap, ReadsDamagedEntriesAsNoNames) {
     Bytes texts;
     AppendU32(texts, 0xFFFFFFFF);
+    AppendU32(texts, 1);
+    texts.push_back('a');
     const struct {
         const char* what;
         Bytes entry;
     } cases[] = {
         {"set beyond the stream", Entry(5, 4 * 2, 0)},       {"set 0", Entry(5, 0, 0)},
         {"text beyond the stream", Entry(0xFFFFFFF0, 5, 0)}, {"text longer than the stream", Entry(0, 5, 0)},
-        {"identifier beyond FFFF", Entry(5, 4, 0x8000)},
+        {"identifier beyond FFFF", Entry(5, 4, 0x8000)},     {"text of half a unit", Entry(4, 5, 0)},
+        {"text where the stream ends", Entry(9, 5, 0)},
     };
     for (const auto& one : cases) {
         StorageTree top = Raw(Bytes(16), one.entry, texts);
@@ -153,6 +184,19 @@ TEST(NameMap, ReadsDamagedEntriesAsNoNames) {
         ASSERT_TRUE(names.Take(top)) << one.what;
         EXPECT_EQ(names.NameOf(0x8000), nullptr) << one.what;
     }
+}
+
+TEST(NameMap, ReadsEntriesWhoseStreamsAreMissingAsNoNames) {
+    StorageTree top;
+    Bytes entries = Entry(0, 5, 0);
+    const Bytes number = Entry(9, 4, 1);
+    entries.insert(entries.end(), number.begin(), number.end());
+    top.storages[kNamesStorageName].AddStream(ValueStreamName(0x00030102), entries);
+    NameMap names;
+    ASSERT_TRUE(names.Take(top));
+    EXPECT_EQ(names.NameOf(0x8000), nullptr);
+    ASSERT_NE(names.NameOf(0x8001), nullptr);
+    EXPECT_EQ(names.NameOf(0x8001)->number, 9U);
 }
 
 TEST(NameMap, RefusesMoreEntriesThanThereAreIdentifiers) {
@@ -164,6 +208,14 @@ TEST(NameMap, RefusesMoreEntriesThanThereAreIdentifiers) {
 TEST(NameMap, SaysWhenAllIdentifiersAreUsedUp) {
     NameMap names;
     EXPECT_EQ(names.Add(Number(kAddress, 1), 0xFFFE), 0xFFFE);
+    EXPECT_FALSE(names.Add(Number(kAddress, 2), 0));
+}
+
+TEST(NameMap, SaysWhenAllEntriesAreUsedUp) {
+    // Entries without a name take up numbers too.
+    StorageTree top = Raw({}, Bytes(0x7FFF * 8), {});
+    NameMap names;
+    ASSERT_TRUE(names.Take(top));
     EXPECT_FALSE(names.Add(Number(kAddress, 2), 0));
 }
 

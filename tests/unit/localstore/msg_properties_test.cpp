@@ -104,6 +104,47 @@ TEST(PropertyStream, ReadsMultipleNumbersAndBinaries) {
     EXPECT_EQ(*bag.Find(0x8003)->items[0], (Bytes{7, 0, 0}));
 }
 
+TEST(PropertyStream, ReadsValuesOfEightBytesWhole) {
+    EXPECT_EQ(Read(Builder().Entry(0x30070040, 0xFFFFFFFF00000007)).Find(0x3007)->fixed, 0xFFFFFFFF00000007U);
+}
+
+TEST(PropertyStream, TakesTextsWithoutRoomForATerminatorAsTheyAre) {
+    const PropertyBag bag = Read(Builder()
+                                     .Entry(kSubject, 1)
+                                     .Value(kSubject, {0})
+                                     .Entry(kSubject8 + 0x10000, 0)
+                                     .Value(kSubject8 + 0x10000, {}));
+    EXPECT_EQ(bag.Find(0x0037)->Data(), (Bytes{0}));
+    EXPECT_TRUE(bag.Find(0x0038)->Data().empty());
+    EXPECT_EQ(Read(Builder().Entry(kSubject, 3).Value(kSubject, {1, 0, 0})).Find(0x0037)->Data(),
+              (Bytes{1, 0, 0}));
+}
+
+TEST(PropertyStream, ReadsAMissingOneOfMultipleStringsAsEmpty) {
+    const PropertyBag bag = Read(Builder()
+                                     .Entry(kWords, 8)
+                                     .Value(kWords, {4, 0, 0, 0, 4, 0, 0, 0})
+                                     .Stream(WIDE("__substg1.0_8001101F-00000001"), {'b', 0, 0, 0}));
+    ASSERT_EQ(bag.Find(0x8001)->Count(), 2U);
+    EXPECT_TRUE(bag.Find(0x8001)->items[0]->empty());
+    EXPECT_EQ(*bag.Find(0x8001)->items[1], (Bytes{'b', 0}));
+}
+
+TEST(PropertyStream, WritesMultipleBinariesWithoutTerminators) {
+    constexpr PropertyTag binaries = 0x80031102;
+    StorageTree tree = Builder()
+                           .Entry(binaries, 16)
+                           .Value(binaries, {3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0})
+                           .Stream(WIDE("__substg1.0_80031102-00000000"), {7, 0, 0})
+                           .Stream(WIDE("__substg1.0_80031102-00000001"), {})
+                           .Tree();
+    const StorageTree before = tree;
+    const std::optional<ObjectProperties> read = TakePropertyStream(tree, kAttachmentHeader);
+    ASSERT_TRUE(read);
+    AddPropertyStream(tree, read->header, read->properties);
+    EXPECT_EQ(tree, before);
+}
+
 TEST(PropertyStream, RefusesAStreamShorterThanItsHeader) {
     for (std::size_t size = 0; size < kTopLevelHeader; ++size) {
         StorageTree tree;
@@ -129,12 +170,27 @@ TEST(PropertyStream, RefusesMoreEntriesThanTheLimit) {
     EXPECT_FALSE(TakePropertyStream(tree, kAttachmentHeader));
 }
 
+TEST(PropertyStream, LeavesOutMultipleValuesWithoutAStream) {
+    const PropertyBag bag = Read(Builder().Entry(kWords, 8).Entry(0x80021003, 8).Entry(kNumber, 1));
+    EXPECT_EQ(bag.Find(0x8001), nullptr);
+    EXPECT_EQ(bag.Find(0x8002), nullptr);
+    EXPECT_NE(bag.Find(0x0017), nullptr);
+}
+
 TEST(PropertyStream, LeavesOutMultipleStringsBeyondTheLimit) {
     Builder builder;
     builder.Entry(kWords, 8).Value(kWords, Bytes((kMostEntries + 1) * 4)).Entry(kNumber, 1);
     const PropertyBag bag = Read(builder);
     EXPECT_EQ(bag.Find(0x8001), nullptr);
     EXPECT_NE(bag.Find(0x0017), nullptr);
+}
+
+TEST(PropertyStream, LeavesOutMultipleNumbersBeyondTheLimit) {
+    constexpr PropertyTag numbers = 0x80021002;
+    const PropertyBag most = Read(Builder().Entry(numbers, 0).Value(numbers, Bytes(kMostEntries * 2)));
+    EXPECT_EQ(most.Find(0x8002)->Count(), kMostEntries);
+    EXPECT_EQ(Read(Builder().Entry(numbers, 0).Value(numbers, Bytes(kMostEntries * 2 + 2))).Find(0x8002),
+              nullptr);
 }
 
 TEST(PropertyStream, LeavesOutAGuidOfAnotherLength) {
@@ -163,6 +219,8 @@ TEST(PropertyStream, WritesWhatItRead) {
                            .Entry(kWords, 4)
                            .Value(kWords, {4, 0, 0, 0})
                            .Stream(WIDE("__substg1.0_8001101F-00000000"), {'a', 0, 0, 0})
+                           .Entry(0x80031003, 8)
+                           .Value(0x80031003, {1, 0, 0, 0, 2, 0, 0, 0})
                            .Stream(WIDE("something else"), {5})
                            .Tree();
     StorageTree rest = tree;
@@ -183,6 +241,22 @@ TEST(PropertyStream, WritesWhatItRead) {
     tree.streams.erase(kPropertyStreamName);
     written.streams.erase(kPropertyStreamName);
     EXPECT_EQ(written, tree);
+}
+
+TEST(PropertyStream, HalfAUnitAtTheEndOfATextAmongOthersStaysAsItIs) {
+    StorageTree tree = Builder()
+                           .Entry(kWords, 8)
+                           .Value(kWords, {3, 0, 0, 0, 4, 0, 0, 0})
+                           .Stream(WIDE("__substg1.0_8001101F-00000000"), {'a', 0, 'b'})
+                           .Stream(WIDE("__substg1.0_8001101F-00000001"), {'c', 0, 0, 0})
+                           .Tree();
+    const StorageTree before = tree;
+    const std::optional<ObjectProperties> read = TakePropertyStream(tree, kAttachmentHeader);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(*read->properties.Find(0x8001)->items[0], (Bytes{'a', 0, 'b'}));
+    StorageTree written;
+    AddPropertyStream(written, read->header, read->properties);
+    EXPECT_EQ(written, before);
 }
 
 TEST(PropertyStream, WritesSizesWithTheTerminator) {

@@ -55,7 +55,8 @@ std::size_t LiveAllocations() noexcept {
 
 }  // namespace localstore_test
 
-// The program's own versions of the replaceable functions. Those for arrays come here too.
+// The program's own versions of the replaceable functions, for arrays too: a sanitizer brings its own
+// otherwise.
 
 void* operator new(std::size_t size) {
     void* memory = localstore_test::Allocate(size);
@@ -65,7 +66,15 @@ void* operator new(std::size_t size) {
     return memory;
 }
 
+void* operator new[](std::size_t size) {
+    return ::operator new(size);
+}
+
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return localstore_test::Allocate(size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return localstore_test::Allocate(size);
 }
 
@@ -73,10 +82,22 @@ void operator delete(void* memory) noexcept {
     localstore_test::Free(memory);
 }
 
+void operator delete[](void* memory) noexcept {
+    localstore_test::Free(memory);
+}
+
 void operator delete(void* memory, std::size_t) noexcept {
     localstore_test::Free(memory);
 }
 
+void operator delete[](void* memory, std::size_t) noexcept {
+    localstore_test::Free(memory);
+}
+
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    localstore_test::Free(memory);
+}
+
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
     localstore_test::Free(memory);
 }

@@ -34,6 +34,11 @@ TEST(ExtractEventFolderId, KeepsTheWrapperOfTheSelection) {
     EXPECT_EQ(ExtractEventFolderId(WIDE("<event>AB</event>")), WIDE("AB"));
 }
 
+TEST(ExtractEventFolderId, HalfAWrapperIsNone) {
+    EXPECT_EQ(ExtractEventFolderId(WIDE("<id><event>AB</event>")), WIDE("AB"));
+    EXPECT_EQ(ExtractEventFolderId(WIDE("<event>AB</event></id>")), WIDE("AB"));
+}
+
 TEST(ExtractEventFolderId, IsEmptyWithoutAnEventPart) {
     EXPECT_EQ(ExtractEventFolderId(WIDE("<id>AB</id>")), WIDE(""));
     EXPECT_EQ(ExtractEventFolderId(WIDE("")), WIDE(""));

@@ -53,6 +53,8 @@ TEST(HexStringToBinary, DropsAnOddLastCharacter) {
 
 TEST(HexStringToBinary, InvalidPairsGiveZeroOrTheirFirstDigit) {
     EXPECT_EQ(HexStringToBinary(WIDE("ZZ1Z Z-12Z")), (Bytes{0x00, 0x01, 0x00, 0x00, 0x02}));
+    // The characters beside those of the digits.
+    EXPECT_EQ(HexStringToBinary(WIDE("1/1:1@1G1`1g")), (Bytes{0x01, 0x01, 0x01, 0x01, 0x01, 0x01}));
 }
 
 TEST(HexStringToBinary, UndoesBinaryToHexStringForEveryByte) {

@@ -29,6 +29,14 @@ TEST(CArray, IndexOutsideAConstantArrayRaises) {
     EXPECT_THROW(static_cast<void>(array[0]), CInvalidArgException);
 }
 
+TEST(CArray, GivesAConstantElement) {
+    CArray<int> array;
+    array.Add(7);
+    const CArray<int>& constant = array;
+    EXPECT_EQ(constant[0], 7);
+    EXPECT_THROW(static_cast<void>(constant[1]), CInvalidArgException);
+}
+
 TEST(CArray, NewElementsOfSetSizeAreEmpty) {
     CArray<int> array;
     array.Add(5);
@@ -57,6 +65,12 @@ TEST(CMap, FindsByKey) {
 TEST(ProcessHeap, SizeThatWrapsRaises) {
     ProcessHeapAllocator<std::uint64_t> allocator;
     EXPECT_THROW(static_cast<void>(allocator.allocate(SIZE_MAX / 4)), std::bad_alloc);
+}
+
+TEST(ProcessHeap, WhatOneAllocatorTookAnotherMayFree) {
+    EXPECT_TRUE(ProcessHeapAllocator<char>() == ProcessHeapAllocator<char>());
+    int* const number = ProcessHeapAllocator<int>().allocate(1);
+    ProcessHeapAllocator<int>().deallocate(number, 1);
 }
 
 TEST(ProcessHeap, NullMayBeFreed) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #ifdef _WIN32
 #include <windows.h>
 #endif
@@ -32,6 +34,14 @@ TEST(RaiseComError, AnyOtherCodeIsCarried) {
 
 TEST(AfxThrowUserException, RaisesAUserException) {
     EXPECT_THROW(AfxThrowUserException(), CUserException);
+}
+
+TEST(Exceptions, EachSaysItsKindToWhoKnowsTheStandardOneAlone) {
+    const auto textOf = [](const std::exception& exception) { return std::string(exception.what()); };
+    EXPECT_EQ(textOf(CUserException()), "user exception");
+    EXPECT_EQ(textOf(CMemoryException()), "out of memory");
+    EXPECT_EQ(textOf(CInvalidArgException()), "invalid argument");
+    EXPECT_EQ(textOf(COleException(kErrorFail)), "platform error");
 }
 
 #ifdef _WIN32

@@ -16,6 +16,14 @@ TEST(NextToken, CutsADateIntoItsParts) {
     EXPECT_TRUE(text.empty());
 }
 
+TEST(NextToken, CutsACopyAndLeavesTheText) {
+    const CString text(WIDE("a;b"));
+    CStringEx rest(text);
+    EXPECT_EQ(rest.NextToken(WIDE(";")), WIDE("a"));
+    EXPECT_EQ(rest, WIDE("b"));
+    EXPECT_EQ(text, WIDE("a;b"));
+}
+
 TEST(NextToken, EmptySeparatorCopiesAndCutsNothing) {
     CStringEx text(WIDE("abc"));
     EXPECT_EQ(text.NextToken({}), WIDE("abc"));
