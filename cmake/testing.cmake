@@ -30,7 +30,7 @@ endfunction()
 
 # Behind the tests of a folder: divides them among the lanes, which run side by side while the entries of one lane run one behind
 # the other. The names of the agent's pipes are fixed and some tests change the registry; under Wine both belong to a prefix, and
-# each lane has one of its own (tools/wine-prefix.sh).
+# each lane has one of its own (tools/wine-prefix.sh, which names as many).
 function(zeb_divide_into_lanes)
   if(NOT WIN32)
     return()

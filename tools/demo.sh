@@ -43,7 +43,7 @@ cp -r localstore/sample/people localstore/sample/appointments "$demo/"
 keep_wine_server
 
 say "A store with people of many scripts in one profile, and $many plain contacts in another"
-tools/run-wine.sh build/release/tools/zebsample.exe "$LOCALSTORE_ROOT" "$many"
+tools/run-wine.sh "${ZEB_TEST_BIN_DIR:-build/release/tests}/../tools/zebsample.exe" "$LOCALSTORE_ROOT" "$many"
 
 say "Settings for the agent: where its lists go, and reads that go into sub-folders"
 show setup

@@ -136,7 +136,7 @@ set_up_prefix() {
   printf '%s\n' "$stamp" >"$prefix/zeb-prefix"
 }
 
-# A lane's prefix is a copy. What Windows itself consists of is never written to, so links to it do.
+# A lane's prefix is a copy. Of what Windows itself consists of, the settings alone are ever written to, so links to the rest do.
 set_up_lane() {
   local lane=$prefix-$1
   ! cmp -s "$prefix/zeb-prefix" "$lane/zeb-prefix" || { say "Wine prefix: there, $lane"; return; }
@@ -146,7 +146,12 @@ set_up_lane() {
   rm -rf "$lane"
   mkdir -p "$lane/drive_c"
   echo unfinished >"$lane/zeb-prefix"
-  cp -al "$prefix"/drive_c/windows "$lane/drive_c/" 2>/dev/null || cp -a "$prefix"/drive_c/windows "$lane/drive_c/"
+  if cp -al "$prefix"/drive_c/windows "$lane/drive_c/" 2>/dev/null; then
+    cp -a --remove-destination "$prefix"/drive_c/windows/*.ini "$lane/drive_c/windows/"
+  else
+    rm -rf "$lane/drive_c/windows"
+    cp -a "$prefix"/drive_c/windows "$lane/drive_c/"
+  fi
   local part
   for part in "$prefix"/drive_c/*; do
     [ "${part##*/}" = windows ] || cp -a "$part" "$lane/drive_c/"

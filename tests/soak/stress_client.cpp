@@ -34,9 +34,9 @@ constexpr std::size_t kIdUnits = 400;
 constexpr std::size_t kTimeUnits = 40;
 
 constexpr const char* kUsage =
-    "stress_client MAP-PREFIX soak ROUNDS CYCLES   rounds of a whole day, with CYCLES x 6 writes in each\n"
+    "stress_client MAP-PREFIX soak ROUNDS ITEMS    whole days, each writes ITEMS of each kind three times\n"
     "stress_client MAP-PREFIX logon ROUNDS         logons and logoffs alone\n"
-    "stress_client MAP-PREFIX stop ROUNDS SEED     Stop at any moment of a read\n"
+    "stress_client MAP-PREFIX stop ROUNDS SEED     Stop at any moment of a read of each kind\n"
     "stress_client MAP-PREFIX overlap SECONDS CLIENTS SEED [LETTERS]   everything at once, or some calls\n";
 
 std::atomic<unsigned long> g_documents = 0;
@@ -208,10 +208,20 @@ std::wstring DocumentOf(const Kind& kind, int flag, const std::wstring& id) {
            kind.texts + L"</" + root + L">";
 }
 
-/// Adds an item, changes it and deletes it.
-void WriteCycle(const Kind& kind) {
-    const std::wstring id = Write(kind.write, DocumentOf(kind, 8, L""));
+/// Adds an item. Returns its identifier, without which a caller could not go on with it.
+std::wstring Add(const Kind& kind) {
+    std::wstring id = Write(kind.write, DocumentOf(kind, 8, L""));
+    if (id.empty()) {
+        throw std::runtime_error("an added item has no identifier");
+    }
+    return id;
+}
+
+void Change(const Kind& kind, const std::wstring& id) {
     Write(kind.write, DocumentOf(kind, 4, id));
+}
+
+void Delete(const Kind& kind, const std::wstring& id) {
     Write(kind.write, DocumentOf(kind, 32, id));
 }
 
@@ -221,23 +231,35 @@ void RequireRead(const Kind& kind, const std::wstring& map) {
     }
 }
 
-void Round(unsigned long cycles) {
+/// Reads everything and what changed, writes in between, and ends with the folder as it was.
+void WorkOn(const Kind& kind, unsigned long items) {
+    RequireRead(kind, L"");
+    RequireRead(kind, g_mapPrefix + kind.map);
+    std::vector<std::wstring> ids;
+    for (unsigned long i = 0; i < items; ++i) {
+        ids.push_back(Add(kind));
+        Change(kind, ids.back());
+    }
+    RequireRead(kind, g_mapPrefix + kind.map);
+    for (const std::wstring& id : ids) {
+        Delete(kind, id);
+    }
+    RequireRead(kind, g_mapPrefix + kind.map);
+}
+
+void Round(unsigned long items) {
     LogOn();
     CallWithText(GetAppFolder, L"");
     for (const Kind& kind : kKinds) {
-        RequireRead(kind, L"");
-        RequireRead(kind, g_mapPrefix + kind.map);
-        for (unsigned long i = 0; i < cycles; ++i) {
-            WriteCycle(kind);
-        }
+        WorkOn(kind, items);
     }
     LogOff();
 }
 
-void Soak(unsigned long rounds, unsigned long cycles) {
+void Soak(unsigned long rounds, unsigned long items) {
     for (unsigned long round = 1; round <= rounds; ++round) {
         g_documents = 0;
-        Round(cycles);
+        Round(items);
         PrintFigures(round);
     }
 }
@@ -250,35 +272,52 @@ void SoakLogons(unsigned long rounds) {
     }
 }
 
-/// Reads while another thread says Stop some time later. A read that was stopped gives 1, one that had come
-/// to its end gives 0.
-void StopReads(unsigned long rounds, unsigned seed) {
-    std::mt19937 random(seed);
-    LogOn();
-    const long items = Count(GetContactCount);
-    unsigned long stopped = 0;
-    for (unsigned long round = 0; round < rounds; ++round) {
-        g_documents = 0;
-        const unsigned long after = random() % static_cast<unsigned long>(items + 2);
-        std::atomic<bool> ended = false;
-        std::thread stopper([&] {
-            while (g_documents < after && !ended) {
-                Sleep(0);
-            }
-            GuardedRpc([] { Stop(); });
-        });
-        const long status = Read(ReadContacts, L"");
-        ended = true;
-        stopper.join();
-        stopped += status == 1 ? 1 : 0;
-        const bool whole = g_documents == static_cast<unsigned long>(items);
-        if ((status == 0 && !whole) || status < 0 || status > 1) {
-            throw std::runtime_error("a read gives " + std::to_string(status) + " with " +
-                                     std::to_string(g_documents.load()) + " documents");
+/// Reads while another thread says Stop once `after` documents are there. Returns the status of the read,
+/// which is 1 if it was stopped and 0 if it had come to its end.
+long StopRead(const Kind& kind, unsigned long after) {
+    g_documents = 0;
+    std::atomic<bool> ended = false;
+    std::thread stopper([&] {
+        while (g_documents < after && !ended) {
+            Sleep(0);
         }
+        GuardedRpc([] { Stop(); });
+    });
+    const long status = Read(kind.read, L"");
+    ended = true;
+    stopper.join();
+    return status;
+}
+
+/// A Stop that came behind the end of a read is kept for the next one, which then brings nothing.
+void StopReads(const Kind& kind, unsigned long rounds, unsigned seed) {
+    std::mt19937 random(seed);
+    const auto items = static_cast<unsigned long>(Count(kind.count));
+    unsigned long stopped = 0;
+    bool stopIsKept = false;
+    for (unsigned long round = 0; round < rounds; ++round) {
+        const unsigned long after = random() % (items + 2);
+        const long status = StopRead(kind, after);
+        const unsigned long documents = g_documents;
+        const bool asDocumented =
+            status == 0 ? documents == items : status == 1 && (documents >= after || stopIsKept);
+        if (!asDocumented) {
+            throw std::runtime_error("a read to be stopped after " + std::to_string(after) + " gives " +
+                                     std::to_string(status) + " with " + std::to_string(documents) +
+                                     " documents");
+        }
+        stopped += status == 1 ? 1 : 0;
+        stopIsKept = status == 0 || (stopIsKept && documents <= after);
     }
-    LogOff();
     std::printf("stop %lu of %lu reads\n", stopped, rounds);
+}
+
+void StopAllReads(unsigned long rounds, unsigned seed) {
+    for (const Kind& kind : kKinds) {
+        LogOn();
+        StopReads(kind, rounds, seed);
+        LogOff();
+    }
 }
 
 /// Every call, by a letter; what has none of its own is a write, which comes more often than the rest.
@@ -315,9 +354,12 @@ void CallAnything(wchar_t call, const Kind& kind) {
         case L'S':
             GuardedRpc([] { Stop(); });
             break;
-        default:
-            WriteCycle(kind);
+        default: {
+            const std::wstring id = Add(kind);
+            Change(kind, id);
+            Delete(kind, id);
             break;
+        }
     }
 }
 
@@ -366,7 +408,7 @@ void Run(const std::vector<std::wstring>& words) {
     } else if (mode == L"logon") {
         SoakLogons(number(2));
     } else if (mode == L"stop") {
-        StopReads(number(2), number(3));
+        StopAllReads(number(2), number(3));
     } else if (mode == L"overlap") {
         Overlap(number(2), number(3), number(4), words.size() > 5 ? std::wstring_view(words[5]) : kAllCalls);
     } else {

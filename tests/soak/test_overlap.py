@@ -52,20 +52,25 @@ class Overlap(SoakCase):
         agent.wait(harness.PATIENCE)
         findings = agent.streams[1].read_text(errors="replace").count(":heap:")
         harness.tell_measured(f"seed {seed}, calls {letters}: {line}, the agent {end}, {findings} findings in the heap")
+        return end, findings
 
-    def assert_store_survives(self, letters):
+    def rounds(self, letters):
+        """What was seen of the agent in each round, behind which the store must be whole."""
         self.addCleanup(self.reg, "delete", OPTIONS, "/f")
         for number in range(ROUNDS):
             with self.subTest(round=number):
                 self.check_heap(HEAP_CHECKS[number % len(HEAP_CHECKS)])
-                self.overlap(SEED + number, letters)
+                yield self.overlap(SEED + number, letters)
                 self.assert_store_is_whole()
 
-    def test_reads_and_sessions_at_once_leave_the_store_whole(self):
-        self.assert_store_survives("nnfFPscrmS")
+    def test_reads_and_sessions_at_once_damage_nothing(self):
+        for seen in self.rounds("nnfFPscrmS"):
+            self.assertEqual(seen, ("lives", 0))
 
     def test_writes_besides_leave_the_store_whole(self):
-        self.assert_store_survives("nnfFPscrmSwww")
+        # Of the agent nothing is asked: under Wine two documents that are read at once are enough to end it.
+        for _ in self.rounds("nnfFPscrmSwww"):
+            pass
 
 
 if __name__ == "__main__":
