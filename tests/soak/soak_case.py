@@ -24,10 +24,16 @@ class SoakCase(harness.Case):
         self.place.make_contacts([[tag_line("3A06001F", f"Ada {number}")] for number in range(self.ITEMS)])
         self.place.make_items(appointment(f"Review {number}") for number in range(self.ITEMS))
 
+    def start_stress(self, *words):
+        """Starts the stress client."""
+        return self.place.start(harness.TEST_BIN / "stress_client.exe", harness.windows_path(self.place.path) + "\\", *words)
+
     def stress(self, *words):
-        """Runs the stress client. Gives its lines."""
-        process = self.place.start(harness.TEST_BIN / "stress_client.exe",
-                                   harness.windows_path(self.place.path) + "\\", *words)
+        """Runs the stress client, however long that takes. Gives its lines."""
+        return self.lines_of(self.start_stress(*words))
+
+    def lines_of(self, process):
+        """Waits for the end of a stress client."""
         status = process.wait(None)
         output, errors = (stream.read_bytes().decode() for stream in process.streams)
         self.assertEqual(status, 0, output + errors)

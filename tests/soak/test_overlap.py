@@ -4,7 +4,9 @@ The system fills what the agent frees and checks the tails of its blocks; in eve
 which leaves time for fewer of them.
 """
 
+import contextlib
 import re
+import subprocess
 import unittest
 
 from soak_case import FULL, SEED, SoakCase, harness
@@ -18,9 +20,14 @@ HEAP_CHECKS = ("0x70", "0xf0")
 
 
 class Overlap(SoakCase):
-    def check_heap(self, how):
-        """Has the system check the heaps of agents that start from now on."""
+    @contextlib.contextmanager
+    def heap_checks(self, how):
+        """Has the system check the heaps of agents that start meanwhile."""
         self.reg("add", OPTIONS, "/v", "GlobalFlag", "/t", "REG_DWORD", "/d", how, "/f")
+        try:
+            yield
+        finally:
+            self.reg("delete", OPTIONS, "/f")
 
     def reg(self, *words):
         self.assert_exit(self.place.start(self.place.drive_c() / "windows/system32/reg.exe", *words))
@@ -43,24 +50,29 @@ class Overlap(SoakCase):
             found.pop(added, None)
             self.assertEqual(found, {f"{text} {number}": 1 for number in range(self.ITEMS)})
 
-    def overlap(self, seed, letters):
+    def overlap(self, seed, letters, checks):
         """Lets the clients loose on an agent of its own, with the calls of some letters. Gives what was seen of it."""
-        agent = self.place.start_agent(FENNIC64_LEVEL="3", WINEDEBUG="err+heap,fixme-all")
-        [line] = self.stress("overlap", str(SECONDS), str(CLIENTS), str(seed), letters)
-        end = "lives" if agent.poll() is None else f"ended with {agent.poll()}"
+        with self.heap_checks(checks):
+            agent = self.place.start_agent(FENNIC64_LEVEL="3", WINEDEBUG="err+heap,fixme-all")
+        clients = self.start_stress("overlap", str(SECONDS), str(CLIENTS), str(seed), letters)
+        try:
+            clients.wait(SECONDS + harness.PATIENCE)
+            end = "lives" if agent.poll() is None else f"ended with {agent.poll()}"
+        except subprocess.TimeoutExpired:
+            # The end of the agent frees the clients.
+            end = "hangs"
         agent.kill()
         agent.wait(harness.PATIENCE)
+        [line] = self.lines_of(clients)
         findings = agent.streams[1].read_text(errors="replace").count(":heap:")
         harness.tell_measured(f"seed {seed}, calls {letters}: {line}, the agent {end}, {findings} findings in the heap")
         return end, findings
 
     def rounds(self, letters):
         """What was seen of the agent in each round, behind which the store must be whole."""
-        self.addCleanup(self.reg, "delete", OPTIONS, "/f")
         for number in range(ROUNDS):
             with self.subTest(round=number):
-                self.check_heap(HEAP_CHECKS[number % len(HEAP_CHECKS)])
-                yield self.overlap(SEED + number, letters)
+                yield self.overlap(SEED + number, letters, HEAP_CHECKS[number % len(HEAP_CHECKS)])
                 self.assert_store_is_whole()
 
     def test_reads_and_sessions_at_once_damage_nothing(self):
