@@ -58,7 +58,7 @@ LoadedMessage MessageCache::Read(const Text& path) {
     entry.push_front({path, file.stamp, file.creationTime, content});
     m_places[path] = entry.begin();
     m_entries.splice(m_entries.begin(), entry);
-    m_bytes += m_entries.front().Bytes();
+    m_bytes += m_entries.front().Weight();
     Trim();
     Require(content != nullptr, MAPI_E_CORRUPT_DATA);
     return {content, {LastComponent(path), false, file.stamp, file.creationTime}};
@@ -66,7 +66,7 @@ LoadedMessage MessageCache::Read(const Text& path) {
 
 void MessageCache::Trim() {
     while (m_bytes > m_mostBytes && m_entries.size() > 1) {
-        m_bytes -= m_entries.back().Bytes();
+        m_bytes -= m_entries.back().Weight();
         m_places.erase(m_entries.back().path);
         m_entries.pop_back();
     }
@@ -75,7 +75,7 @@ void MessageCache::Trim() {
 void MessageCache::Forget(const Text& path) noexcept {
     const auto found = m_places.find(path);
     if (found != m_places.end()) {
-        m_bytes -= found->second->Bytes();
+        m_bytes -= found->second->Weight();
         m_entries.erase(found->second);
         m_places.erase(found);
     }

@@ -51,7 +51,7 @@ class MessageCache {
         std::shared_ptr<const MessageContent> content;
 
         /// What the file counts for. Of a damaged one nothing is kept.
-        [[nodiscard]] std::uint64_t Bytes() const { return content ? stamp.size : 0; }
+        [[nodiscard]] std::uint64_t Weight() const { return content ? stamp.size : 0; }
     };
     using Place = std::list<Entry>::iterator;
 
