@@ -1,6 +1,6 @@
 # The front door. Everything that takes more than a line stands in tools/.
 
-.PHONY: build setup demo test lint fuzz faults clean help
+.PHONY: build setup demo test lint fuzz faults bench clean help
 
 build: setup  ## the programs and libraries, into build/bin
 	tools/build.sh release desktop32
@@ -24,8 +24,11 @@ fuzz: setup  ## each fuzz target for a minute
 faults: setup  ## every call of every operation failed in turn, and the table of docs/testing.md
 	tools/faults.sh
 
+bench: setup  ## what a read costs, beside its floor, and the tables of docs/performance.md
+	tools/bench.sh
+
 clean:  ## removes what was built, not the downloaded Wine and its prefix
-	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/demo build/lint
+	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/demo build/lint build/bench
 
 help:  ## this list
 	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "make %-6s %s\n", $$1, $$2 }' Makefile
