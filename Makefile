@@ -1,6 +1,6 @@
 # The front door. Everything that takes more than a line stands in tools/.
 
-.PHONY: build setup demo test test-checked soak lint fuzz faults coverage clean help
+.PHONY: build setup demo test test-checked soak lint fuzz faults coverage bench clean help
 
 build: setup  ## the programs and libraries, into build/bin
 	tools/build.sh release desktop32
@@ -33,8 +33,11 @@ faults: setup  ## every call of every operation failed in turn, and the table of
 coverage: setup  ## which lines of the pure ring its native tests reach, and the table of docs/testing.md
 	tools/coverage.sh
 
+bench: setup  ## what a read costs, beside its floor, and the tables of docs/performance.md
+	tools/bench.sh
+
 clean:  ## removes what was built, not the downloaded Wine and its prefix
-	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/coverage build/checked build/demo build/lint
+	rm -rf build/bin build/release build/debug build/desktop32 build/sanitize build/fuzz build/coverage build/checked build/demo build/lint build/bench
 
 help:  ## this list
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "make %-12s %s\n", $$1, $$2 }' Makefile

@@ -1,7 +1,11 @@
 #include "calendar/exception_rule.h"
 
+#include <algorithm>
 #include <array>
-#include <unordered_set>
+#include <cstddef>
+#include <iterator>
+#include <span>
+#include <vector>
 
 #include "support/base64.h"
 #include "timezone/conversions.h"
@@ -10,6 +14,18 @@ namespace {
 
 using NAMESPACE_MAPI::tagRecurrenceException;
 using NAMESPACE_MAPI::tagRecurrencePattern;
+
+bool Overrides(const tagRecurrenceException& exception, std::uint16_t flag) {
+    return (exception.OverrideFlags & flag) != 0;
+}
+
+const CString& SubjectOf(const tagRecurrenceException& exception, const SeriesDefaults& defaults) {
+    return Overrides(exception, ARO_SUBJECT) ? exception.Subject : defaults.subject;
+}
+
+const CString& LocationOf(const tagRecurrenceException& exception, const SeriesDefaults& defaults) {
+    return Overrides(exception, ARO_LOCATION) ? exception.Location : defaults.location;
+}
 
 /// The room for an encoded text. A longer one, from 385 characters on, is left out.
 constexpr std::int32_t kEncodedUnits = 1024;
@@ -28,45 +44,95 @@ CString MomentText(std::uint32_t minutes) {
     return TextOfMinutes(minutes, L"%Y/%m/%d %H:%M:%S");
 }
 
-/// The UTF-16 bytes of a text in base64; empty if there is no room for them.
-CString EncodedText(const CString& text) {
-    std::array<char, kEncodedUnits> encoded{};
-    std::int32_t length = kEncodedUnits;
-    // Far beyond the room, and short enough for the encoder to refuse it.
-    if (text.size() > kEncodedUnits || Base64Encode(reinterpret_cast<const std::uint8_t*>(text.data()),
-                                                    static_cast<std::int32_t>(text.size() * sizeof(wchar_t)),
-                                                    encoded.data(), &length) == 0) {
-        return {};
-    }
-    CString result;
-    result.assign(encoded.begin(), encoded.begin() + length);
-    return result;
+/// Units of a deletion's line, and about those of a changed instance's paragraph without its two texts.
+constexpr std::size_t kDeletionUnits = 46;
+constexpr std::size_t kModificationUnits = 280;
+
+std::span<const tagRecurrenceException> ModificationsOf(const tagRecurrencePattern& pattern) {
+    return pattern.Exceptions ? std::span<const tagRecurrenceException>(pattern.Exceptions.get(),
+                                                                        pattern.ModifiedInstanceCount)
+                              : std::span<const tagRecurrenceException>();
 }
 
-using DeletedDateSet = std::unordered_set<std::uint32_t>;
-
-/// The deleted days of which no changed instance is the reason.
-DeletedDateSet PureDeletions(const tagRecurrencePattern& pattern) {
-    DeletedDateSet days(pattern.DeletedInstanceDates.get(),
-                        pattern.DeletedInstanceDates.get() + pattern.DeletedInstanceCount);
-    for (std::uint32_t i = 0; pattern.Exceptions && i < pattern.ModifiedInstanceCount; ++i) {
-        days.erase(pattern.Exceptions[i].OriginalDate);
+/// The days of the changed instances, ascending.
+std::vector<std::uint32_t> ModifiedDays(const tagRecurrencePattern& pattern) {
+    std::vector<std::uint32_t> days;
+    days.reserve(ModificationsOf(pattern).size());
+    for (const tagRecurrenceException& exception : ModificationsOf(pattern)) {
+        days.push_back(exception.OriginalDate);
     }
+    std::sort(days.begin(), days.end());
     return days;
 }
 
-void AppendDeletions(CString& text, const tagRecurrencePattern& pattern) {
-    const DeletedDateSet days = PureDeletions(pattern);
-    for (std::uint32_t i = 0; i < pattern.DeletedInstanceCount; ++i) {
-        const std::uint32_t day = pattern.DeletedInstanceDates[i];
-        if (days.contains(day)) {
-            text += L"<deletion time = \"" + DayText(day) + L"\"></deletion>\r\n";
-        }
+/// The deleted days of which no changed instance is the reason.
+std::vector<std::uint32_t> PureDeletions(const tagRecurrencePattern& pattern) {
+    const std::vector<std::uint32_t> modified = ModifiedDays(pattern);
+    const std::span<const std::uint32_t> deleted(pattern.DeletedInstanceDates.get(),
+                                                 pattern.DeletedInstanceCount);
+    std::vector<std::uint32_t> days;
+    std::copy_if(deleted.begin(), deleted.end(), std::back_inserter(days), [&](std::uint32_t day) {
+        return !std::binary_search(modified.begin(), modified.end(), day);
+    });
+    return days;
+}
+
+/// Base64 has four characters for three bytes. A text that is left out is not one for which room is needed.
+std::size_t EncodedUnits(const CString& text) {
+    return text.size() > kEncodedUnits ? 0 : text.size() * 3;
+}
+
+/// About the length of the whole text, so that it need not be copied while it grows.
+std::size_t EstimatedUnits(const tagRecurrencePattern& pattern, const SeriesDefaults& defaults,
+                           std::size_t deletions) {
+    std::size_t units = (deletions + 1) * kDeletionUnits;
+    for (const tagRecurrenceException& exception : ModificationsOf(pattern)) {
+        units += kModificationUnits + EncodedUnits(SubjectOf(exception, defaults)) +
+                 EncodedUnits(LocationOf(exception, defaults));
+    }
+    return units;
+}
+
+void AppendDeletions(CString& text, const std::vector<std::uint32_t>& days) {
+    for (const std::uint32_t day : days) {
+        text.append(L"<deletion time = \"").append(DayText(day)).append(L"\"></deletion>\r\n");
     }
 }
 
+/// The UTF-16 bytes of a text in base64; nothing if there is no room for them.
+void AppendEncoded(CString& text, const CString& value) {
+    std::array<char, kEncodedUnits> encoded{};
+    std::int32_t length = kEncodedUnits;
+    // Far beyond the room, and short enough for the encoder to refuse it.
+    if (value.size() > kEncodedUnits ||
+        Base64Encode(reinterpret_cast<const std::uint8_t*>(value.data()),
+                     static_cast<std::int32_t>(value.size() * sizeof(wchar_t)), encoded.data(),
+                     &length) == 0) {
+        return;
+    }
+    const std::size_t before = text.size();
+    text.resize(before + static_cast<std::size_t>(length));
+    std::copy_n(encoded.begin(), length, text.begin() + static_cast<std::ptrdiff_t>(before));
+}
+
+void BeginLine(CString& text, const wchar_t* name) {
+    text.append(L"\t<").append(name).append(L">");
+}
+
+void EndLine(CString& text, const wchar_t* name) {
+    text.append(L"</").append(name).append(L">\r\n");
+}
+
 void AppendLine(CString& text, const wchar_t* name, const CString& value) {
-    text += CString(L"\t<") + name + L">" + value + L"</" + name + L">\r\n";
+    BeginLine(text, name);
+    text.append(value);
+    EndLine(text, name);
+}
+
+void AppendEncodedLine(CString& text, const wchar_t* name, const CString& value) {
+    BeginLine(text, name);
+    AppendEncoded(text, value);
+    EndLine(text, name);
 }
 
 void AppendLine(CString& text, const wchar_t* name, std::int32_t value) {
@@ -75,11 +141,11 @@ void AppendLine(CString& text, const wchar_t* name, std::int32_t value) {
 
 void AppendModification(CString& text, const tagRecurrenceException& exception,
                         const SeriesDefaults& defaults) {
-    const auto has = [&exception](std::uint16_t flag) { return (exception.OverrideFlags & flag) != 0; };
+    const auto has = [&exception](std::uint16_t flag) { return Overrides(exception, flag); };
     const auto number = [](std::uint32_t value) { return static_cast<std::int32_t>(value); };
-    text += L"<modification time = \"" + DayText(exception.OriginalDate) + L"\">\r\n";
-    AppendLine(text, L"subject", EncodedText(has(ARO_SUBJECT) ? exception.Subject : defaults.subject));
-    AppendLine(text, L"location", EncodedText(has(ARO_LOCATION) ? exception.Location : defaults.location));
+    text.append(L"<modification time = \"").append(DayText(exception.OriginalDate)).append(L"\">\r\n");
+    AppendEncodedLine(text, L"subject", SubjectOf(exception, defaults));
+    AppendEncodedLine(text, L"location", LocationOf(exception, defaults));
     AppendLine(text, L"start", MomentText(exception.StartDateTime));
     AppendLine(text, L"end", MomentText(exception.EndDateTime));
     AppendLine(text, L"reminderset",
@@ -93,10 +159,13 @@ void AppendModification(CString& text, const tagRecurrenceException& exception,
 }  // namespace
 
 CString ExceptionRuleText(const tagRecurrencePattern& pattern, const SeriesDefaults& defaults) {
-    CString text(L"<exceptions>\r\n");
-    AppendDeletions(text, pattern);
-    for (std::uint32_t i = 0; pattern.Exceptions && i < pattern.ModifiedInstanceCount; ++i) {
-        AppendModification(text, pattern.Exceptions[i], defaults);
+    const std::vector<std::uint32_t> deletions = PureDeletions(pattern);
+    CString text;
+    text.reserve(EstimatedUnits(pattern, defaults, deletions.size()));
+    text += L"<exceptions>\r\n";
+    AppendDeletions(text, deletions);
+    for (const tagRecurrenceException& exception : ModificationsOf(pattern)) {
+        AppendModification(text, exception, defaults);
     }
     text += L"</exceptions>";
     return text;

@@ -6,6 +6,7 @@ set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 cd "$here"
 source tools/wine-prefix.sh
+source tools/packages.sh
 
 # Without these nothing can be built or run.
 required=(
@@ -25,28 +26,6 @@ prefix=$WINEPREFIX
 
 say() { printf 'setup: %s\n' "$*"; }
 die() { printf 'setup: %s\n' "$*" >&2; exit 1; }
-
-# Prints those of the packages that are not installed.
-missing() {
-  local package
-  for package in "$@"; do
-    [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || printf '%s\n' "$package"
-  done
-}
-
-as_root() {
-  if [ "$(id -u)" -eq 0 ]; then
-    "$@"
-  elif command -v sudo >/dev/null; then
-    sudo "$@"
-  else
-    die "packages have to be installed, which needs root: run this as root, or install sudo"
-  fi
-}
-
-install_packages() {
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "$@"
-}
 
 set_up_packages() {
   command -v dpkg-query >/dev/null || die "this is for Debian; on Windows, MSYS2 brings the tools (see docs)"

@@ -30,6 +30,13 @@ void AppendHex(std::string& text, std::uint64_t number, unsigned digits) {
 }
 
 void AppendWord(std::string& text, WideView word) {
+    if (std::all_of(word.begin(), word.end(), StandsAsItIs)) {
+        const std::size_t before = text.size();
+        text.resize(before + word.size());
+        std::transform(word.begin(), word.end(), text.begin() + static_cast<std::ptrdiff_t>(before),
+                       [](wide unit) { return static_cast<char>(unit); });
+        return;
+    }
     for (const wide unit : word) {
         if (StandsAsItIs(unit)) {
             text += static_cast<char>(unit);
@@ -51,6 +58,7 @@ std::optional<Number> NumberOf(std::string_view text, int base = 10) {
 
 std::optional<CString> WordOf(std::string_view text) {
     CString word;
+    word.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] != '\\') {
             word += static_cast<wide>(static_cast<unsigned char>(text[i]));
@@ -119,6 +127,20 @@ bool ReadLines(std::string_view text, ChangeMap& map) {
     return text.empty();
 }
 
+/// About the length of the text of a map, so that it need not be copied while it grows.
+std::size_t EstimatedBytes(const ChangeMap& map) {
+    constexpr std::size_t kBytesBesideId = 16;
+    constexpr std::size_t kOtherLines = 128;
+    std::size_t bytes = kOtherLines;
+    for (const MapSection& section : map.sections) {
+        bytes += kOtherLines;
+        for (const KnownItem& item : section.items) {
+            bytes += item.id.size() + kBytesBesideId;
+        }
+    }
+    return bytes;
+}
+
 std::string ChecksumLine(std::string_view text) {
     std::string line(kChecksum);
     AppendHex(line, Fnv1a(text), kHashDigits);
@@ -185,7 +207,9 @@ MapState ReadMap(std::string_view text, ChangeMap& map) {
 }
 
 std::string WriteMap(const ChangeMap& map) {
-    std::string text(kName);
+    std::string text;
+    text.reserve(EstimatedBytes(map));
+    text += kName;
     text += std::to_string(kVersion) + '\n';
     for (const MapSection& section : map.sections) {
         text += '[';
@@ -195,9 +219,13 @@ std::string WriteMap(const ChangeMap& map) {
         text += "]\n";
         for (const KnownItem& item : section.items) {
             AppendWord(text, item.id.View());
-            text += '\t' + std::to_string(item.modified.status) + '\t' +
-                    std::to_string(item.modified.seconds) + '\n';
+            text += '\t';
+            text += std::to_string(item.modified.status);
+            text += '\t';
+            text += std::to_string(item.modified.seconds);
+            text += '\n';
         }
     }
-    return text + ChecksumLine(text);
+    text += ChecksumLine(text);
+    return text;
 }

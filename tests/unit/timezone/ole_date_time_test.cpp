@@ -130,6 +130,21 @@ TEST(Format, TextLongerThanTheBufferIsEmpty) {
     EXPECT_EQ(COleDateTime().Format(CString(WideString(256, L'x')).c_str()), L"");
 }
 
+TEST(Format, NumbersHaveAllTheirDigitsToTheEndOfTheCalendar) {
+    EXPECT_EQ(Date(9999, 12, 31, 23, 59, 58).Format(L"%S%M%H%d%m%Y"), L"58592331129999");
+    EXPECT_EQ(Date(1601, 1, 2, 3, 4, 5).Format(L"%S%M%H%d%m%Y"), L"05040302011601");
+}
+
+TEST(Format, NumbersStandBesideOtherDirectives) {
+    EXPECT_EQ(Date(2010, 2, 10).Format(L"%d%%, %j"), L"10%, 041");
+}
+
+TEST(Format, NumberBeyondTheBufferLeavesTheTextEmpty) {
+    const CString front(WideString(251, L'x'));
+    EXPECT_EQ(Date(2010, 2, 10).Format(CString(front + L"%Y").c_str()), CString(front + L"2010"));
+    EXPECT_EQ(Date(2010, 2, 10).Format(CString(front + L"x%Y").c_str()), L"");
+}
+
 TEST(Format, ANullFormatRaisesInvalidArgument) {
     for (const std::int32_t status : {kDateValid, kDateInvalid, kDateNull}) {
         try {

@@ -1,0 +1,44 @@
+// The store calls of a read and nothing else: bench_store MAPI32.DLL PROFILE contacts|calendars; each line of
+// the input is one more read of the profile's default folder.
+
+#include <mapix.h>
+
+#include <stdexcept>
+
+#include "command_loop.h"
+#include "store_calls.h"
+
+namespace {
+
+constexpr ULONG kContactFolder = 0x36D10102;   // PR_IPM_CONTACT_ENTRYID
+constexpr ULONG kCalendarFolder = 0x36D00102;  // PR_IPM_APPOINTMENT_ENTRYID
+
+void Run(const wchar_t* library, const std::wstring& profile, const std::wstring& kind) {
+    const Library loaded(LoadLibraryW(library));
+    if (!loaded || FillMAPIEntryPoints(loaded.Get()) == 0) {
+        throw std::runtime_error("the MAPI library cannot be loaded");
+    }
+    MAPIINIT_0 init{MAPI_INIT_VERSION, 0};
+    bench::RequireResult(pfnMAPIInitialize(&init), "MAPIInitialize");
+    const bool isContacts = kind == L"contacts";
+    const bench::StoreLoop& loop = isContacts ? bench::kContactLoop : bench::kCalendarLoop;
+    const bench::OpenedFolder opened =
+        bench::OpenDefaultFolder(profile, isContacts ? kContactFolder : kCalendarFolder);
+    bench::AnswerLines([&](const std::string& /*line*/) {
+        ULONG items = 0;
+        const double seconds =
+            bench::SecondsOf([&] { items = bench::ReadWholeFolder(loop, opened.folder.Get()); });
+        return std::to_string(seconds) + ' ' + std::to_string(items);
+    });
+}
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    return bench::Guarded("bench_store", [&] {
+        if (count != 4) {
+            throw std::invalid_argument("bench_store MAPI32.DLL PROFILE contacts|calendars");
+        }
+        Run(arguments[1], arguments[2], arguments[3]);
+    });
+}

@@ -1,0 +1,263 @@
+#!/usr/bin/env python3
+"""Gives report.py measurements whose ratios can be worked out in the head, and looks at what it makes of them."""
+
+import json
+import pathlib
+import tempfile
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+import growth_plot
+import machine
+import report
+import report_aims
+import report_tables
+from measurements import Measurements, Spread, load
+
+SVG = "{http://www.w3.org/2000/svg}"
+MARKED = f"above\n{report.BEGIN}\nold\n{report.END}\nbelow\n"
+DOCUMENT = pathlib.Path(__file__).resolve().parents[2] / "docs/performance.md"
+
+
+def line(what, seconds, kind="contacts", items=500, **more):
+    return {"what": what, "kind": kind, "items": items, "seconds": seconds, **more}
+
+
+def floor_of(seconds, **more):
+    """Three parts that are half, three tenths and a fifth of the floor."""
+    return [line(what, [second * part for second in seconds], **more)
+            for what, part in (("callbacks", 0.5), ("store", 0.3), ("documents", 0.2))]
+
+
+def cells(table, name, number):
+    """The cells of the row of a kind and a number of items."""
+    rows = [[cell.strip() for cell in row.strip("|").split("|")] for row in table.splitlines()]
+    return next(row for row in rows if row[:2] == [name, number])
+
+
+def aim_of(lines, words):
+    """The measured values and the result of the aim whose text has these words."""
+    return next(report_aims.aim_row(aim)[1:] for aim in report_aims.aims(Measurements(lines)) if words in aim.text)
+
+
+class MeasurementsTest(unittest.TestCase):
+    def test_floor_is_the_sum_of_its_parts_in_each_repetition(self):
+        found = Measurements([line("callbacks", [1.0, 2.0]), line("store", [0.5, 0.5]), line("documents", [0.25, 1.5])])
+        self.assertEqual(found.seconds("floor", "contacts", 500), [1.75, 4.0])
+
+    def test_floor_without_a_part_is_none(self):
+        found = Measurements([line("agent", [1.0]), line("callbacks", [1.0]), line("store", [0.5])])
+        self.assertEqual(found.seconds("floor", "contacts", 500), [])
+        self.assertIsNone(found.ratio("agent", "floor", "contacts", 500))
+
+    def test_ratio_is_of_repetitions_at_the_same_place(self):
+        # The ratio of the medians would be 1.5.
+        found = Measurements([line("agent", [2.0, 6.0, 3.0]), line("store", [1.0, 4.0, 2.0])])
+        self.assertEqual(found.ratio("agent", "store", "contacts", 500), Spread(1.5, 1.5, 2.0))
+        found = Measurements([line("agent", [2.0, 3.0, 40.0]), line("store", [1.0, 1.5, 10.0])])
+        self.assertEqual(found.ratio("agent", "store", "contacts", 500), Spread(2.0, 2.0, 4.0))
+
+    def test_what_was_repeated_differently_often_is_compared_with_the_median(self):
+        found = Measurements([line("changed", [1.0, 3.0]), line("agent", [100.0, 50.0, 400.0])])
+        self.assertEqual(found.ratio("changed", "agent", "contacts", 500), Spread(0.02, 0.01, 0.03))
+
+    def test_lines_of_the_same_measurement_are_put_together(self):
+        found = Measurements([line("agent", [1.0], peak_bytes=5), line("agent", [2.0], peak_bytes=9, store_bytes=2),
+                              line("agent", [3.0], peak_bytes=7)])
+        self.assertEqual(found.seconds("agent", "contacts", 500), [1.0, 2.0, 3.0])
+        self.assertEqual(found.get("agent", "contacts", 500).bytes_beyond_store(), 7)
+        self.assertEqual(found.repetitions(), (3, 3))
+
+    def test_memory_without_the_store_s_is_not_known(self):
+        found = Measurements([line("agent", [1.0], peak_bytes=5)])
+        self.assertIsNone(found.bytes_an_item("contacts", 500))
+
+    def test_memory_an_item(self):
+        found = Measurements([line("agent", [1.0], peak_bytes=1_500_000, store_bytes=500_000)])
+        self.assertEqual(found.bytes_an_item("contacts", 500), 2000)
+
+    def test_growth_is_of_times_an_item(self):
+        found = Measurements([line("agent", [1.0]), line("agent", [110.0], items=50000)])
+        self.assertAlmostEqual(found.growth("contacts", 50000, 500).median, 1.1)
+
+    def test_longer_callback_is_taken_off(self):
+        # An item: 5 ms with exceptions of which the callback is 2 ms, against 2 ms and 1 ms. (5 - (2 - 1)) / 2 = 2
+        found = Measurements([
+            line("agent", [2.5], "exceptions"), line("callbacks", [1.0], "exceptions"),
+            line("agent", [2.0], "recurring", 1000), line("callbacks", [1.0], "recurring", 1000)])
+        self.assertAlmostEqual(found.beyond_callback("exceptions", "recurring").median, 2.0)
+
+    def test_what_is_no_measurement_is_refused(self):
+        for wrong in (line("agents", [1.0]), line("agent", [1.0], "tasks"), line("agent", [1.0], items=0),
+                      line("agent", []), line("agent", [0]), line("agent", ["1"])):
+            with self.assertRaises(ValueError):
+                Measurements([wrong])
+
+
+class TextTest(unittest.TestCase):
+    def test_times_have_three_digits(self):
+        self.assertEqual([report_tables.time_text(seconds) for seconds in (12.345, 1.0, 0.9996, 0.0456, 0.000789, 4e-8)],
+                         ["12.3 s", "1.00 s", "1.00 s", "45.6 ms", "789 µs", "0.04 µs"])
+        self.assertEqual(report_tables.time_text(-0.0001), "-100 µs")
+        self.assertEqual(report_tables.time_text(0.009996), "10.0 ms")
+
+    def test_ratios_and_percent(self):
+        self.assertEqual(report_tables.ratio_text(Spread(1.104, 1.05, 1.2)), "1.10 (1.05 to 1.20)")
+        self.assertEqual(report_tables.percent_text(Spread(0.0123, 0.01, 0.02)), "1.23 % (1.00 to 2.00)")
+
+
+class TablesTest(unittest.TestCase):
+    def test_agent_beside_floor_and_program(self):
+        found = Measurements([line("agent", [1.2, 1.1, 1.3]), *floor_of([1.0, 1.0, 1.0]),
+                              line("msgreader-cold", [2.4, 4.4, 2.6]), line("msgreader-warm", [0.6, 1.1, 0.65])])
+        self.assertEqual(cells(report_tables.ratio_table(found), "contacts", "500")[2:],
+                         ["2.40 ms", "2.00 ms", "5.20 ms", "1.30 ms", "1.20 (1.10 to 1.30)", "0.50 (0.25 to 0.50)",
+                          "2.00 (1.00 to 2.00)"])
+
+    def test_program_that_could_not_be_had_was_not_measured(self):
+        found = Measurements([line("agent", [1.2]), *floor_of([1.0])])
+        row = cells(report_tables.ratio_table(found), "contacts", "500")
+        self.assertEqual([row[4], row[5], row[7], row[8]], ["not measured"] * 4)
+        self.assertEqual(row[6], "1.20 (1.20 to 1.20)")
+
+    def test_kind_that_was_not_measured_says_so(self):
+        row = cells(report_tables.ratio_table(Measurements([line("agent", [1.2])])), "single appointments", "not measured")
+        self.assertEqual(row[2:], ["not measured"] * 7)
+
+    def test_parts_of_the_time_of_an_item(self):
+        found = Measurements([line("agent", [1.25, 1.25]), *floor_of([1.0, 1.0])])
+        self.assertEqual(cells(report_tables.part_table(found), "contacts", "500")[2:],
+                         ["2.50 ms", "1.00 ms, 40 %", "600 µs, 24 %", "400 µs, 16 %", "500 µs, 20 %"])
+
+    def test_growth(self):
+        found = Measurements([line("agent", [50.0], items=50000, peak_bytes=150_000_000, store_bytes=47_600_000),
+                              line("changed", [0.5], items=50000)])
+        table = report_tables.growth_table(found)
+        self.assertEqual(cells(table, "contacts", "50,000")[2:],
+                         ["50.0 s", "1.00 ms", "500 ms", "1.00 % (1.00 to 1.00)", "97.7 MB", "2.0 KB"])
+        self.assertEqual(cells(table, "contacts", "500")[2:], ["not measured"] * 6)
+
+    def test_lists(self):
+        found = Measurements([line("folders", [0.002], items=5000), line("comparison", [0.01, 0.02, 0.9], items=5000)])
+        self.assertEqual(cells(report_tables.list_table(found), "contacts", "5,000")[2:], ["2.00 ms", "20.0 ms", "4.00 µs"])
+
+
+class AimsTest(unittest.TestCase):
+    def test_met_at_its_limit(self):
+        values, result = aim_of([line("agent", [1.15]), *floor_of([1.0])], "A contact takes at most 1.15")
+        self.assertEqual((values, result), ("contacts, 500: 1.15 (1.15 to 1.15)", "met"))
+
+    def test_missed_by_as_much_as_it_is_above_its_limit(self):
+        values, result = aim_of([line("agent", [1.38]), *floor_of([1.0])], "A contact takes at most 1.15")
+        self.assertEqual((values, result), ("contacts, 500: 1.38 (1.38 to 1.38)", "missed by 20 %"))
+
+    def test_not_measured(self):
+        values, result = aim_of([line("agent", [1.0])], "A single appointment")
+        self.assertEqual((values, result), ("single appointments: not measured", "not measured"))
+
+    def test_worst_size_decides(self):
+        lines = [line("agent", [1.0]), line("changed", [0.01]), line("agent", [10.0], items=5000),
+                 line("changed", [0.3], items=5000)]
+        self.assertEqual(aim_of(lines, "changed read"),
+                         ["contacts, worst at 5,000: 3.00 % (3.00 to 3.00)", "missed by 50 %"])
+
+    def test_program_that_is_as_fast_is_not_behind(self):
+        lines = [line("agent", [1.0]), line("msgreader-cold", [1.0])]
+        self.assertEqual(aim_of(lines, "independent program")[1], "missed by 0 %")
+        lines[1] = line("msgreader-cold", [2.0])
+        self.assertEqual(aim_of(lines, "independent program")[1], "met, as far as it was measured")
+
+    def test_growth_needs_the_largest_folder(self):
+        lines = [line("agent", [1.0]), line("agent", [9.0], items=5000)]
+        self.assertEqual(aim_of(lines, "An item of 50,000")[1], "not measured")
+        lines.append(line("agent", [121.0], items=50000))
+        self.assertEqual(aim_of(lines, "An item of 50,000"), ["contacts: 1.21 (1.21 to 1.21)", "missed by 10 %"])
+
+
+class PlotTest(unittest.TestCase):
+    @staticmethod
+    def shapes(lines):
+        root = ElementTree.fromstring(growth_plot.plot(Measurements(lines)))
+        return root, ["".join(text.itertext()) for text in root.iter(f"{SVG}text")]
+
+    def test_every_measured_size_has_a_point_in_each_panel_and_one_in_the_legend(self):
+        root, texts = self.shapes([
+            line("agent", [items / 1000], items=items, peak_bytes=3000 * items, store_bytes=1000 * items)
+            for items in (500, 5000, 50000)])
+        self.assertEqual(len(list(root.iter(f"{SVG}circle"))), 3 + 3 + 1)
+        for words in ("contacts", "500", "5,000", "50,000", "Time an item, in ms", "items in the folder (logarithmic)",
+                      "Memory an item beyond the store's own, in KB"):
+            self.assertIn(words, texts)
+
+    def test_axis_is_logarithmic(self):
+        root, _ = self.shapes([line("agent", [items / 1000], items=items) for items in (500, 5000, 50000)])
+        points = next(root.iter(f"{SVG}polyline")).get("points").split()
+        x = [float(point.split(",")[0]) for point in points]
+        self.assertAlmostEqual(x[1] - x[0], x[2] - x[1], delta=0.2)
+
+    def test_what_was_not_measured_says_so(self):
+        _, texts = self.shapes([line("msgreader-cold", [1.0])])
+        self.assertEqual(texts.count("not measured"), 2)
+
+    def test_reader_s_choice_of_dark_is_followed(self):
+        self.assertIn("@media (prefers-color-scheme: dark)", growth_plot.plot(Measurements([line("agent", [1.0])])))
+
+    def test_steps_are_round_and_reach_the_greatest_value(self):
+        self.assertEqual(growth_plot.steps_up_to(1.3), [0, 0.5, 1.0, 1.5])
+        self.assertEqual(growth_plot.steps_up_to(40), [0, 10, 20, 30, 40])
+        self.assertEqual(growth_plot.steps_up_to(0), [0, 1])
+
+
+class MachineTest(unittest.TestCase):
+    def test_words(self):
+        self.assertEqual(machine.processors_text("processor\t: 0\nmodel name\t: A B\n\nprocessor\t: 1\nmodel name\t: A B\n"),
+                         "2 processors (A B)")
+        self.assertEqual(machine.processors_text("processor\t: 0\n"), "1 processor")
+        self.assertEqual(machine.memory_text("MemTotal:       24684000 kB\nMemFree: 1 kB\n"), "24 GB of memory")
+        self.assertEqual(machine.system_text('NAME="D"\nPRETTY_NAME="D 12 (b)"\n'), "D 12 (b)")
+
+    def test_program_that_is_not_there_has_no_version(self):
+        self.assertIsNone(machine.version_of("/nowhere/wine"))
+
+
+class DocumentTest(unittest.TestCase):
+    def test_only_what_is_between_the_marks_is_replaced(self):
+        text = report.between_marks(MARKED, "new\\1")
+        self.assertEqual(text, f"above\n{report.BEGIN}\n\nnew\\1\n{report.END}\nbelow\n")
+        self.assertEqual(report.between_marks(text, "new\\1"), text)
+
+    def test_document_without_marks_is_refused(self):
+        with self.assertRaises(ValueError):
+            report.between_marks("above\nbelow\n", "new")
+
+    def test_document_of_the_project_has_the_marks_once(self):
+        text = DOCUMENT.read_text(encoding="utf-8")
+        self.assertEqual((text.count(report.BEGIN), text.count(report.END)), (1, 1))
+
+    def test_document_and_plot_are_written(self):
+        with tempfile.TemporaryDirectory() as place:
+            source, document, plot = (pathlib.Path(place) / name for name in ("lines", "text.md", "growth.svg"))
+            source.write_text(json.dumps(line("agent", [1.0, 2.0])) + "\n\n", encoding="utf-8")
+            document.write_text(MARKED, encoding="utf-8")
+            report.main(source, document, plot)
+            text = document.read_text(encoding="utf-8")
+            self.assertTrue(text.startswith("above\n") and text.endswith("below\n"))
+            self.assertIn("Each measurement has 2 repetitions.", text)
+            self.assertIn("](growth.svg)", text)
+            self.assertNotIn(place, text)
+            ElementTree.parse(plot)
+            self.assertEqual(load(source).seconds("agent", "contacts", 500), [1.0, 2.0])
+
+    def test_nothing_measured_leaves_the_document_alone(self):
+        with tempfile.TemporaryDirectory() as place:
+            source, document, plot = (pathlib.Path(place) / name for name in ("lines", "text.md", "growth.svg"))
+            source.write_text("", encoding="utf-8")
+            document.write_text(MARKED, encoding="utf-8")
+            with self.assertRaises(SystemExit):
+                report.main(source, document, plot)
+            self.assertEqual(document.read_text(encoding="utf-8"), MARKED)
+            self.assertFalse(plot.exists())
+
+
+if __name__ == "__main__":
+    unittest.main()

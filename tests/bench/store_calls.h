@@ -1,0 +1,56 @@
+#pragma once
+
+// The store's part of a read's floor: the calls that a read makes on the mail system, in their order and with
+// their arguments, and nothing of what the agent does with the results. store_loop_test.cpp compares both.
+
+#include <string>
+
+#include "support/owners.h"
+
+namespace bench {
+
+constexpr ULONG kAddressSet = 0x00062004;
+constexpr ULONG kAppointmentSet = 0x00062002;
+constexpr ULONG kCommonSet = 0x00062008;
+constexpr ULONG kPublicStrings = 0x00020329;
+
+/// Raises std::runtime_error unless the result is 0.
+void RequireResult(HRESULT result, const char* what);
+
+/// A name of a property: by its number or, if there is a word, by that. 0 if the store does not know it.
+ULONG TagOf(IMAPIProp* object, ULONG set, LONG number, const wchar_t* word = nullptr);
+
+/// One property of an object; nothing if it is absent.
+MapiBuffer<SPropValue> ValueOf(IMAPIProp* object, ULONG tag);
+MapiBuffer<SPropValue> NamedValueOf(IMAPIProp* object, ULONG set, LONG number);
+
+/// The same for values of types that a read looks into: false and 0 if it is absent.
+bool NamedFlagOf(IMAPIProp* object, ULONG set, LONG number);
+LONG NamedNumberOf(IMAPIProp* object, ULONG set, LONG number);
+
+/// Reads a property as a stream to its end, in pieces.
+void ReadStream(IMAPIProp* object, ULONG tag, ULONG pieceBytes);
+
+/// A kind of item: the tags of its rows, the class of its messages, and what a read asks an open one for.
+struct StoreLoop {
+    const SPropTagArray* columns;
+    const wchar_t* messageClass;
+    void (*readMessage)(IMessage* message);
+};
+
+/// Counts the items of a folder and reads them all. Returns their number.
+ULONG ReadWholeFolder(const StoreLoop& loop, IMAPIFolder* folder);
+
+extern const StoreLoop kContactLoop;
+extern const StoreLoop kCalendarLoop;
+
+/// The folder that the default store of a profile names by a property of its Inbox, as a logon finds it, with
+/// the session behind it.
+struct OpenedFolder {
+    ComPtr<IMAPISession> session;
+    ComPtr<IMsgStore> store;
+    ComPtr<IMAPIFolder> folder;
+};
+OpenedFolder OpenDefaultFolder(const std::wstring& profile, ULONG tag);
+
+}  // namespace bench
