@@ -1,5 +1,8 @@
 #include "localstore/message_cache.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "localstore/diagnostics.h"
 #include "localstore/failure.h"
 
@@ -7,8 +10,7 @@ namespace localstore {
 
 namespace {
 
-/// Bytes of files that are kept at most; the least recently used go first.
-constexpr std::uint64_t kMostBytes = 256ULL * 1024 * 1024;
+constexpr std::uint64_t kLeastKeptBytes = 256ULL * 1024 * 1024;
 
 std::shared_ptr<const MessageContent> Parse(const Bytes& bytes, const StorageCalls& calls,
                                             const char*& reason) {
@@ -21,6 +23,13 @@ std::shared_ptr<const MessageContent> Parse(const Bytes& bytes, const StorageCal
 }
 
 }  // namespace
+
+std::uint64_t MessageCache::KeptBytes() noexcept {
+    MEMORYSTATUSEX memory{};
+    memory.dwLength = sizeof(memory);
+    return GlobalMemoryStatusEx(&memory) == FALSE ? kLeastKeptBytes
+                                                  : std::max(kLeastKeptBytes, memory.ullTotalPhys / 4);
+}
 
 MessageCache& MessageCache::Instance() {
     static MessageCache cache;
@@ -64,10 +73,13 @@ LoadedMessage MessageCache::Read(const Text& path) {
 }
 
 void MessageCache::Trim() {
-    while (m_bytes > kMostBytes && m_entries.size() > 1) {
-        m_bytes -= m_entries.back().stamp.size;
-        m_places.erase(m_entries.back().path);
-        m_entries.pop_back();
+    // Folders are read from end to end, again and again. What was used last is what such a reader needs last.
+    // Were the least recently used to go, it would find nothing of a folder for which there is no room.
+    while (m_bytes > m_mostBytes && m_entries.size() > 1) {
+        const Place second = std::next(m_entries.begin());
+        m_bytes -= second->stamp.size;
+        m_places.erase(second->path);
+        m_entries.erase(second);
     }
 }
 

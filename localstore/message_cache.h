@@ -23,7 +23,12 @@ struct LoadedMessage {
 /// remembered: the next try reads the file again.
 class MessageCache {
   public:
-    explicit MessageCache(const StorageCalls& calls = {}) : m_calls(calls) {}
+    /// Keeps at most `mostBytes` of files.
+    explicit MessageCache(const StorageCalls& calls = {}, std::uint64_t mostBytes = KeptBytes())
+        : m_calls(calls), m_mostBytes(mostBytes) {}
+
+    /// Bytes of files that are kept on this machine: a quarter of its memory, and at least 256 MB.
+    static std::uint64_t KeptBytes() noexcept;
 
     /// The one cache of the process.
     static MessageCache& Instance();
@@ -52,6 +57,7 @@ class MessageCache {
     void Trim();
 
     StorageCalls m_calls;
+    std::uint64_t m_mostBytes;
     /// The most recently used first.
     std::list<Entry> m_entries;
     std::unordered_map<Text, Place> m_places;

@@ -1,5 +1,10 @@
+#include "localstore/message_cache.h"
+
+#include <algorithm>
+
 #include "store_fixture.h"
 
+using localstore::MessageCache;
 using namespace localstore_test;
 using localstore::recorder::FilesRead;
 
@@ -88,4 +93,35 @@ TEST_F(MessageCaching, AnOpenMessageKeepsWhatItRead) {
     const ComPtr<IMessage> message = OpenMessage(m_contacts.Get(), m_ids[0]);
     WriteFileBytes(File(L"a.msg"), FileBytes(File(L"b.msg")));
     EXPECT_EQ(TextOf(message.Get(), PR_SUBJECT_W), L"a");
+}
+
+TEST_F(MessageCaching, AWalkThroughMoreThanThereIsRoomForFindsWhatHasRoom) {
+    std::uint64_t all = 0;
+    for (const wchar_t* name : {L"a.msg", L"b.msg", L"c.msg"}) {
+        all += FileBytes(File(name)).size();
+    }
+    const auto readsOfTwoWalks = [this](std::uint64_t room) {
+        MessageCache cache({}, room);
+        std::vector<std::size_t> reads;
+        for (int walk = 0; walk < 2; ++walk) {
+            const std::size_t before = cache.FilesRead();
+            for (const wchar_t* name : {L"a.msg", L"b.msg", L"c.msg"}) {
+                EXPECT_NE(cache.Load(File(name)).content, nullptr);
+            }
+            reads.push_back(cache.FilesRead() - before);
+        }
+        return reads;
+    };
+    EXPECT_EQ(readsOfTwoWalks(all), (std::vector<std::size_t>{3, 0}));
+    // The third took the place of the second, and then the second that of the first.
+    EXPECT_EQ(readsOfTwoWalks(all - 1), (std::vector<std::size_t>{3, 1}));
+    // The one that is read has room in any case.
+    EXPECT_EQ(readsOfTwoWalks(1), (std::vector<std::size_t>{3, 3}));
+}
+
+TEST_F(MessageCaching, AQuarterOfTheMachinesMemoryIsKept) {
+    MEMORYSTATUSEX memory{};
+    memory.dwLength = sizeof(memory);
+    ASSERT_TRUE(GlobalMemoryStatusEx(&memory));
+    EXPECT_EQ(MessageCache::KeptBytes(), std::max<std::uint64_t>(268'435'456, memory.ullTotalPhys / 4));
 }
