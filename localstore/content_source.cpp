@@ -93,11 +93,11 @@ UINT ContentSource::CodePage() const {
     return CodePageOf(m_content->properties);
 }
 
-MessageSource::MessageSource(std::shared_ptr<StoreTree> tree, Text folder, LoadedMessage message, bool isRow)
+MessageSource::MessageSource(std::shared_ptr<StoreTree> tree, Text folder, LoadedMessage message, Role role)
     : ContentSource(std::move(tree), std::move(message.content)),
       m_folder(std::move(folder)),
       m_file(std::move(message.file)),
-      m_isRow(isRow) {}
+      m_role(role) {}
 
 Text MessageSource::Label() const {
     return JoinPath(m_folder, Name().empty() ? L"(new)" : Name());
@@ -113,10 +113,11 @@ std::optional<Property> MessageSource::Computed(PropertyId id) const {
             return hasId ? std::optional(IdProperty(PR_RECORD_KEY, Tree().MessageId(m_folder, Name())))
                          : std::nullopt;
         case Id(PR_INSTANCE_KEY):
-            return m_isRow ? std::optional(IdProperty(PR_INSTANCE_KEY, Tree().MessageId(m_folder, Name())))
-                           : std::nullopt;
+            return m_role == Role::Message
+                       ? std::nullopt
+                       : std::optional(IdProperty(PR_INSTANCE_KEY, Tree().MessageId(m_folder, Name())));
         case IdOf(kLongTermEntryIdFromTable): {
-            if (!m_isRow || !Tree().HasLongTermIds()) {
+            if (m_role != Role::RowWithLongTermId) {
                 return std::nullopt;
             }
             EntryId longTerm = Tree().MessageId(m_folder, Name());

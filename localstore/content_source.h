@@ -51,7 +51,10 @@ UINT CodePageOf(const PropertyBag& message);
 /// A message in a folder, or one that was never saved.
 class MessageSource : public ContentSource {
   public:
-    MessageSource(std::shared_ptr<StoreTree> tree, Text folder, LoadedMessage message, bool isRow);
+    /// Rows of tables have properties that messages do not have.
+    enum class Role { Message, Row, RowWithLongTermId };
+
+    MessageSource(std::shared_ptr<StoreTree> tree, Text folder, LoadedMessage message, Role role);
 
     [[nodiscard]] const Text& Folder() const { return m_folder; }
     /// The file name; empty as long as a new message has none.
@@ -75,8 +78,7 @@ class MessageSource : public ContentSource {
   private:
     Text m_folder;
     FileEntry m_file;
-    /// Rows of tables have properties that messages do not have.
-    bool m_isRow;
+    Role m_role;
 };
 
 /// An attachment or recipient of a message.

@@ -52,13 +52,14 @@ void DeleteOne(StoreTree& tree, const Text& folder, const SBinary& entry) {
 
 }  // namespace
 
-std::vector<TableRow> MessageRows(const std::shared_ptr<StoreTree>& tree, const Text& folder) {
+std::vector<TableRow> MessageRows(const std::shared_ptr<StoreTree>& tree, const Text& folder,
+                                  MessageSource::Role role) {
     std::vector<TableRow> rows;
     for (const FileEntry& file : tree->MessageFiles(folder)) {
         const Text path = tree->FullPath(JoinPath(folder, file.name));
         try {
             LoadedMessage message = MessageCache::Instance().Load(path, file);
-            rows.push_back(std::make_shared<MessageSource>(tree, folder, std::move(message), true));
+            rows.push_back(std::make_shared<MessageSource>(tree, folder, std::move(message), role));
         } catch (const StoreError& error) {
             // A damaged file is no reason to hide the others, and one that vanished is none any more. One
             // that is there and cannot be read now must not be left out in silence: who compares the table
@@ -91,7 +92,9 @@ STDMETHODIMP Folder::GetContentsTable(ULONG flags, LPMAPITABLE* table) {
         Require((flags & ~(kTableFlags | MAPI_ASSOCIATED)) == 0, MAPI_E_UNKNOWN_FLAGS);
         std::vector<TableRow> rows;
         if (!m_source->IsRoot() && (flags & MAPI_ASSOCIATED) == 0) {
-            rows = MessageRows(m_source->Tree(), m_source->Folder().path);
+            using Role = MessageSource::Role;
+            const Role role = m_source->Tree()->HasLongTermIds() ? Role::RowWithLongTermId : Role::Row;
+            rows = MessageRows(m_source->Tree(), m_source->Folder().path, role);
         }
         *table = NewTable(TableSubject(*m_source, L" contents"), std::move(rows), kContentsColumns,
                           (flags & MAPI_UNICODE) != 0);

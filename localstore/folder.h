@@ -2,6 +2,7 @@
 
 // IMAPIFolder.
 
+#include "localstore/content_source.h"
 #include "localstore/prop_object.h"
 #include "localstore/store_tree.h"
 
@@ -28,6 +29,7 @@ class FolderSource : public PropertySource {
   private:
     [[nodiscard]] EntryId Id() const;
     [[nodiscard]] EntryId ParentId() const;
+    [[nodiscard]] LONG MessageCount() const;
     [[nodiscard]] std::optional<Property> DefaultFolderId(PropertyId id) const;
     [[nodiscard]] std::optional<Property> StoreProperty(PropertyId id) const;
 
@@ -62,6 +64,6 @@ class Folder final : public PropObject<RefusingFolder> {
 
 /// The rows of a folder's messages. Damaged files are left out.
 std::vector<std::shared_ptr<const PropertySource>> MessageRows(const std::shared_ptr<StoreTree>& tree,
-                                                               const Text& folder);
+                                                               const Text& folder, MessageSource::Role role);
 
 }  // namespace localstore

@@ -65,7 +65,7 @@ FileStamp NameNewFile(WrittenFile& file, const Text& folder, const Text& title, 
 }  // namespace
 
 Message::Message(std::shared_ptr<StoreTree> tree, Text folder, LoadedMessage message, Mode mode)
-    : m_source(std::move(tree), std::move(folder), std::move(message), false),
+    : m_source(std::move(tree), std::move(folder), std::move(message), MessageSource::Role::Message),
       m_mode(mode),
       m_nextAttachment(m_source.Content().NextAttachment()) {}
 

@@ -1,11 +1,16 @@
 #include "localstore/message_cache.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "localstore/diagnostics.h"
 #include "localstore/failure.h"
 
 namespace localstore {
 
 namespace {
+
+constexpr std::uint64_t kLeastKeptBytes = 256ULL * 1024 * 1024;
 
 std::shared_ptr<const MessageContent> Parse(const FileContent& file, const StorageCalls& calls,
                                             const char*& reason) {
@@ -22,6 +27,13 @@ std::shared_ptr<const MessageContent> Parse(const FileContent& file, const Stora
 }
 
 }  // namespace
+
+std::uint64_t MessageCache::KeptBytes() noexcept {
+    MEMORYSTATUSEX memory{};
+    memory.dwLength = sizeof(memory);
+    return GlobalMemoryStatusEx(&memory) == FALSE ? kLeastKeptBytes
+                                                  : std::max(kLeastKeptBytes, memory.ullTotalPhys / 4);
+}
 
 MessageCache& MessageCache::Instance() {
     static MessageCache cache;
@@ -65,10 +77,13 @@ LoadedMessage MessageCache::Read(const Text& path) {
 }
 
 void MessageCache::Trim() {
+    // Folders are read from end to end, again and again. What was used last is what such a reader needs last.
+    // Were the least recently used to go, it would find nothing of a folder for which there is no room.
     while (m_bytes > m_mostBytes && m_entries.size() > 1) {
-        m_bytes -= m_entries.back().Weight();
-        m_places.erase(m_entries.back().path);
-        m_entries.pop_back();
+        const Place second = std::next(m_entries.begin());
+        m_bytes -= second->Weight();
+        m_places.erase(second->path);
+        m_entries.erase(second);
     }
 }
 

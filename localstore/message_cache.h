@@ -23,11 +23,12 @@ struct LoadedMessage {
 /// remembered: the next try reads the file again.
 class MessageCache {
   public:
-    /// Bytes of files that are kept at most; the least recently used go first.
-    static constexpr std::uint64_t kMostBytes = 256ULL * 1024 * 1024;
-
-    explicit MessageCache(const StorageCalls& calls = {}, std::uint64_t mostBytes = kMostBytes)
+    /// Keeps at most `mostBytes` of files.
+    explicit MessageCache(const StorageCalls& calls = {}, std::uint64_t mostBytes = KeptBytes())
         : m_calls(calls), m_mostBytes(mostBytes) {}
+
+    /// Bytes of files that are kept on this machine: a quarter of its memory, and at least 256 MB.
+    static std::uint64_t KeptBytes() noexcept;
 
     /// The one cache of the process.
     static MessageCache& Instance();

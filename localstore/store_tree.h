@@ -38,7 +38,7 @@ class StoreTree {
     [[nodiscard]] Text DisplayName() const;
     [[nodiscard]] const NameDigest& Digest() const { return m_digest; }
     [[nodiscard]] NamedProperties& Names() { return m_names; }
-    /// Rows of tables carry long-term identifiers.
+    /// Rows of tables carry long-term identifiers, as folder.ini says now.
     [[nodiscard]] bool HasLongTermIds() const;
 
     [[nodiscard]] EntryId StoreId() const;

@@ -132,6 +132,18 @@ TEST_F(EntryIds, LongTermOnesAppearInTablesOnRequest) {
     EXPECT_EQ(OneValue(message.Get(), longTerm).Error(), MAPI_E_NOT_FOUND);
 }
 
+TEST_F(EntryIds, ATableGoesOnAsItWasOpenedWhenLongTermOnesAreRequested) {
+    constexpr ULONG longTerm = 0x66700102;
+    const ComPtr<IMAPIFolder> contacts = OpenContacts();
+    AddContact(contacts.Get(), L"John Doe");
+    ComPtr<IMAPITable> before;
+    ASSERT_EQ(contacts->GetContentsTable(MAPI_UNICODE, &before), S_OK);
+    WriteFileText(L"Work\\Mail\\folder.ini", "[Store]\nLongTermIds=1\n");
+    EXPECT_EQ(RowsOf(before.Get(), {longTerm})->aRow[0].lpProps[0].ulPropTag,
+              CHANGE_PROP_TYPE(longTerm, PT_ERROR));
+    EXPECT_EQ(ContentsOf(contacts.Get(), {longTerm})->aRow[0].lpProps[0].ulPropTag, longTerm);
+}
+
 TEST_F(EntryIds, NoIdentifierOpensTheRoot) {
     const ComPtr<IMAPIFolder> contacts = OpenContacts();
     ULONG type = 0;

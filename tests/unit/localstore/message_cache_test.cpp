@@ -1,8 +1,11 @@
 #include "localstore/message_cache.h"
 
+#include <algorithm>
+
 #include "localstore/failure.h"
 #include "store_fixture.h"
 
+using localstore::MessageCache;
 using namespace localstore_test;
 using localstore::recorder::FilesRead;
 
@@ -93,35 +96,6 @@ TEST_F(MessageCaching, AnOpenMessageKeepsWhatItRead) {
     EXPECT_EQ(TextOf(message.Get(), PR_SUBJECT_W), L"a");
 }
 
-TEST_F(MessageCaching, TheLeastRecentlyUsedGoWhenThereAreMoreThanItKeeps) {
-    const std::vector<BYTE> bytes = FileBytes(File(L"a.msg"));
-    const auto size = static_cast<std::uint64_t>(bytes.size());
-    WriteFileBytes(File(L"b.msg"), bytes);
-    WriteFileBytes(File(L"c.msg"), bytes);
-    const auto readsOf = [this](localstore::MessageCache& cache, const wchar_t* name) {
-        const std::size_t before = cache.FilesRead();
-        cache.Load(File(name));
-        return cache.FilesRead() - before;
-    };
-    localstore::MessageCache roomForTwo({}, 2 * size);
-    EXPECT_EQ(readsOf(roomForTwo, L"a.msg"), 1U);
-    EXPECT_EQ(readsOf(roomForTwo, L"b.msg"), 1U);
-    EXPECT_EQ(readsOf(roomForTwo, L"a.msg"), 0U);
-    EXPECT_EQ(readsOf(roomForTwo, L"c.msg"), 1U);
-    EXPECT_EQ(readsOf(roomForTwo, L"a.msg"), 0U);
-    EXPECT_EQ(readsOf(roomForTwo, L"b.msg"), 1U);
-
-    localstore::MessageCache lacksAByte({}, 2 * size - 1);
-    EXPECT_EQ(readsOf(lacksAByte, L"a.msg"), 1U);
-    EXPECT_EQ(readsOf(lacksAByte, L"b.msg"), 1U);
-    EXPECT_EQ(readsOf(lacksAByte, L"a.msg"), 1U);
-
-    // The one that was read last stays, whatever its size.
-    localstore::MessageCache none({}, 0);
-    EXPECT_EQ(readsOf(none, L"a.msg"), 1U);
-    EXPECT_EQ(readsOf(none, L"a.msg"), 0U);
-}
-
 TEST_F(MessageCaching, ADamagedFileTakesNoRoomFromTheOthers) {
     localstore::MessageCache cache({}, FileBytes(File(L"a.msg")).size() + FileBytes(File(L"b.msg")).size());
     cache.Load(File(L"a.msg"));
@@ -132,4 +106,35 @@ TEST_F(MessageCaching, ADamagedFileTakesNoRoomFromTheOthers) {
     cache.Load(File(L"a.msg"));
     cache.Load(File(L"b.msg"));
     EXPECT_EQ(cache.FilesRead(), before);
+}
+
+TEST_F(MessageCaching, AWalkThroughMoreThanThereIsRoomForFindsWhatHasRoom) {
+    std::uint64_t all = 0;
+    for (const wchar_t* name : {L"a.msg", L"b.msg", L"c.msg"}) {
+        all += FileBytes(File(name)).size();
+    }
+    const auto readsOfTwoWalks = [this](std::uint64_t room) {
+        MessageCache cache({}, room);
+        std::vector<std::size_t> reads;
+        for (int walk = 0; walk < 2; ++walk) {
+            const std::size_t before = cache.FilesRead();
+            for (const wchar_t* name : {L"a.msg", L"b.msg", L"c.msg"}) {
+                EXPECT_NE(cache.Load(File(name)).content, nullptr);
+            }
+            reads.push_back(cache.FilesRead() - before);
+        }
+        return reads;
+    };
+    EXPECT_EQ(readsOfTwoWalks(all), (std::vector<std::size_t>{3, 0}));
+    // The third took the place of the second, and then the second that of the first.
+    EXPECT_EQ(readsOfTwoWalks(all - 1), (std::vector<std::size_t>{3, 1}));
+    // The one that is read has room in any case.
+    EXPECT_EQ(readsOfTwoWalks(1), (std::vector<std::size_t>{3, 3}));
+}
+
+TEST_F(MessageCaching, AQuarterOfTheMachinesMemoryIsKept) {
+    MEMORYSTATUSEX memory{};
+    memory.dwLength = sizeof(memory);
+    ASSERT_TRUE(GlobalMemoryStatusEx(&memory));
+    EXPECT_EQ(MessageCache::KeptBytes(), std::max<std::uint64_t>(268'435'456, memory.ullTotalPhys / 4));
 }
