@@ -21,7 +21,7 @@ printf '== lint: rooms\n'
 tools/check_rooms.py || bad=1
 
 # clang-tidy reads headers that the build makes, and how each file is compiled.
-tools/build.sh release sanitize
+tools/build.sh release sanitize fuzz
 printf '== lint: clang-tidy\n'
 if [ "${1:-}" = quick ]; then
   tools/run_clang_tidy.py --without-tests || bad=1
