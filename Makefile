@@ -15,7 +15,7 @@ demo: build  ## the agent at work on a sample store
 test: setup  ## all tests, under Wine and natively with the sanitizers
 	tools/test.sh
 
-lint: setup  ## the format, clang-tidy and the rules between the rooms
+lint: setup  ## the format, cppcheck, clang-tidy and the rules between the rooms
 	tools/lint.sh
 
 fuzz: setup  ## each fuzz target for a minute
