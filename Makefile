@@ -21,7 +21,7 @@ test-checked: setup  ## the tests under Wine with traps for undefined behaviour 
 soak: setup  ## the agent worn out: many rounds, Stop at any moment, eight clients at once (an hour)
 	tools/soak.sh
 
-lint: setup  ## the format, clang-tidy and the rules between the rooms
+lint: setup  ## the format, cppcheck, clang-tidy and the rules between the rooms
 	tools/lint.sh
 
 fuzz: setup  ## each fuzz target for a minute, or for SECONDS=...

@@ -13,11 +13,11 @@ namespace {
 /// Makes the remote call, during which the items arrive. Returns what ended it too early, if anything did.
 std::optional<Failure> CallRead(const AgentConnection& agent, const ItemKind& kind, CString& mapFile,
                                 ItemReader& reader) {
-    wchar_t nothing[] = L"";
     long status = 1;
     const Reception reception(reader);
     try {
         if (!Interrupted()) {
+            wchar_t nothing[] = L"";
             agent.Call([&] { kind.read(nothing, mapFile.data(), &status); });
         }
     } catch (const Failure& failure) {

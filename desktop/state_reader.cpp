@@ -84,11 +84,11 @@ class StoppingReceiver : public ItemReceiver {
 std::optional<FolderState> ReadFolderState(const AgentConnection& agent, const ItemKind& kind) {
     const TemporaryFile map;
     CString path = map.Path();
-    wchar_t nothing[] = L"";
     long status = 1;
     StoppingReceiver receiver(kind);
     {
         const Reception reception(receiver);
+        wchar_t nothing[] = L"";
         agent.Call([&] { kind.read(nothing, path.data(), &status); });
     }
     if (status != 0 && !receiver.HasStopped()) {

@@ -13,6 +13,8 @@ inline constexpr wide kRecipientPrefix[] = WIDE("__recip_version1.0_#");
 
 // The class of a message file (MS-OXMSG, section 2.2.3 of the compound file's root).
 constexpr ClassId kMessageClass = {0x0B, 0x0D, 0x02, 0x00, 0, 0, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46};
+// That of a storage which was given none.
+constexpr ClassId kNoClass{};
 
 constexpr std::uint32_t kHighestNumber = 0x3FFFFFFF;
 
@@ -147,7 +149,7 @@ std::optional<MessageContent> ReadMessage(StorageTree file, const char*& reason)
 
 StorageTree WriteMessage(const MessageContent& message) {
     StorageTree file = message.rest;
-    if (file.classId == ClassId()) {
+    if (file.classId == kNoClass) {
         file.classId = kMessageClass;
     }
     Bytes header = message.header;

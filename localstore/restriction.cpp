@@ -41,17 +41,17 @@ std::partial_ordering CompareFixed(PropertyType type, std::uint64_t left, std::u
 bool HoldsRelation(ULONG relation, std::partial_ordering order) {
     switch (relation) {
         case RELOP_LT:
-            return order < 0;
+            return std::is_lt(order);
         case RELOP_LE:
-            return order <= 0;
+            return std::is_lteq(order);
         case RELOP_GT:
-            return order > 0;
+            return std::is_gt(order);
         case RELOP_GE:
-            return order >= 0;
+            return std::is_gteq(order);
         case RELOP_EQ:
-            return order == 0;
+            return std::is_eq(order);
         default:
-            return order != 0;
+            return std::is_neq(order);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "localstore/table.h"
 
 #include <algorithm>
+#include <compare>
 
 #include "localstore/buffers.h"
 
@@ -26,6 +27,14 @@ struct PartialRows {
     }
 };
 
+/// An order the other way round.
+std::partial_ordering Reversed(std::partial_ordering order) {
+    if (std::is_lt(order)) {
+        return std::partial_ordering::greater;
+    }
+    return std::is_gt(order) ? std::partial_ordering::less : order;
+}
+
 /// The order of two rows by one sort column. Rows without the property come last.
 std::partial_ordering CompareRows(const PropertySource& left, const PropertySource& right,
                                   const SSortOrder& order) {
@@ -35,7 +44,7 @@ std::partial_ordering CompareRows(const PropertySource& left, const PropertySour
         return other.has_value() <=> one.has_value();
     }
     const std::partial_ordering result = CompareValues(*one, *other, left.CodePage());
-    return order.ulOrder == TABLE_SORT_DESCEND ? 0 <=> result : result;
+    return order.ulOrder == TABLE_SORT_DESCEND ? Reversed(result) : result;
 }
 
 }  // namespace
@@ -221,8 +230,8 @@ void Table::Arrange() {
         std::stable_sort(rows.begin(), rows.end(), [this](const TableRow& left, const TableRow& right) {
             for (const SSortOrder& order : m_order) {
                 const std::partial_ordering result = CompareRows(*left, *right, order);
-                if (result < 0 || result > 0) {
-                    return result < 0;
+                if (std::is_lt(result) || std::is_gt(result)) {
+                    return std::is_lt(result);
                 }
             }
             return false;

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Checks what no compiler does: the form of the sources, the rules between the rooms, the tests that the documents name, and
-# what clang-tidy says. Ends with 1 if there is anything to say. With the argument "quick", clang-tidy leaves the tests out.
+# what cppcheck and clang-tidy say. Ends with 1 if there is anything to say. With the argument "quick", clang-tidy leaves the tests
+# out.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bad=0
 
-for tool in clang-format clang-tidy python3 clang++; do
+for tool in clang-format clang-tidy cppcheck python3 clang++; do
   command -v "$tool" >/dev/null || { printf 'lint: NO %s ON THIS MACHINE\n' "$tool" >&2; exit 1; }
 done
 
@@ -23,8 +24,10 @@ tools/check_rooms.py || bad=1
 printf '== lint: limits\n'
 tools/check_limits.py || bad=1
 
-# clang-tidy reads headers that the build makes, and how each file is compiled.
-tools/build.sh release sanitize
+# Both readers need headers that the builds make, and how each file is compiled.
+tools/build.sh release sanitize fuzz
+printf '== lint: cppcheck\n'
+tools/run_cppcheck.py || bad=1
 printf '== lint: clang-tidy\n'
 if [ "${1:-}" = quick ]; then
   tools/run_clang_tidy.py --without-tests || bad=1

@@ -14,7 +14,7 @@ required=(
   cmake ninja-build make wine64 googletest python3)
 # These serve lint, the sanitized, fuzzed and counted builds, the independent readers of .msg files and recurrences, tests that give the
 # agent another clock, and the 32-bit Wine.
-wanted=(clang clang-format clang-tidy libclang-rt-14-dev llvm python3-olefile python3-dateutil libfaketime libc6-i386)
+wanted=(clang clang-format clang-tidy cppcheck libclang-rt-14-dev llvm python3-olefile python3-dateutil libfaketime libc6-i386)
 
 # What the 32-bit Wine loads besides itself. Without FreeType every program begins with a complaint, and with FreeType but
 # without Fontconfig it hangs when it makes its first window.

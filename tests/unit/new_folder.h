@@ -9,9 +9,10 @@
 /// test program that was killed leaves its own behind, and the number of its process comes again.
 inline std::filesystem::path MakeNewFolder(const std::wstring& stem) {
     static int count = 0;
+    const std::wstring start = stem + L"-" + std::to_wstring(GetCurrentProcessId()) + L"-";
     for (;;) {
-        const std::wstring numbers = std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++count);
-        const std::filesystem::path path = std::filesystem::temp_directory_path() / (stem + L"-" + numbers);
+        std::filesystem::path path =
+            std::filesystem::temp_directory_path() / (start + std::to_wstring(++count));
         if (std::filesystem::create_directory(path)) {
             return path;
         }

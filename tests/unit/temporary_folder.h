@@ -21,12 +21,10 @@ class TemporaryFolder {
     }
 
     /// The path of the folder, with a trailing backslash.
-    [[nodiscard]] CString Path() const { return CString((m_path.wstring() + L"\\").c_str()); }
+    [[nodiscard]] CString Path() const { return {(m_path.wstring() + L"\\").c_str()}; }
 
     /// The path of a file in it.
-    [[nodiscard]] CString File(const wchar_t* name) const {
-        return CString((m_path / name).wstring().c_str());
-    }
+    [[nodiscard]] CString File(const wchar_t* name) const { return {(m_path / name).wstring().c_str()}; }
 
     void Write(const wchar_t* name, const std::string& bytes) const {
         std::ofstream(m_path / name, std::ios::binary) << bytes;

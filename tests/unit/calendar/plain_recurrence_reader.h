@@ -63,7 +63,7 @@ class PlainRecurrenceReader {
         std::uint16_t high = 0;
         U16(low);
         U16(high);
-        field = low + std::uint32_t{0x10000} * high;
+        field = low + 0x10000U * high;
         return true;
     }
 

@@ -72,7 +72,7 @@ class Restrictions : public StoreTest {
         real.Value.dbl = number / 2.0;
         SPropValue big{};
         big.ulPropTag = kBig;
-        big.Value.li.QuadPart = static_cast<LONGLONG>(number) << 40U;
+        big.Value.li.QuadPart = number * (LONGLONG{1} << 40U);
         std::vector<BYTE> bytes = {1, static_cast<BYTE>(number + 100)};
         ASSERT_EQ(Set(message.Get(),
                       {StringValue(PR_SUBJECT_W, subject), LongValue(kNumber, number), small, real, big,

@@ -231,7 +231,7 @@ TEST_F(FolderLogTest, FolderThatDoesNotOpenFailsTheWalk) {
 
 TEST_F(FolderLogTest, WithoutAChosenFolderTheWalkFails) {
     LogOn();
-    const ComPtr<IMAPIFolder> chosen = std::move(g_MAPIObject.m_lpContactFolder);
+    g_MAPIObject.m_lpContactFolder.Reset();
     BYTE id[] = {1};
     LogItems items;
     EXPECT_EQ(g_MAPIObject.ReadContactLogFromFolder(g_MAPIObject.m_lpContactFolder.Get(), {1, id}, items), 0);

@@ -110,9 +110,9 @@ TEST(Base64, NullOutputOrCapacityGivesZero) {
 }
 
 ComErrorCode CodeRaisedFor(std::int32_t length) {
-    char output[4] = {};
-    std::int32_t capacity = 4;
     try {
+        char output[4] = {};
+        std::int32_t capacity = 4;
         Base64Encode(nullptr, length, output, &capacity);
     } catch (const COleException& exception) {
         return exception.Code();
