@@ -12,6 +12,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <cwchar>
 #include <random>
 #include <stdexcept>
@@ -88,27 +89,30 @@ struct Figures {
     unsigned long long bytes = 0;
 };
 
-/// The agent's entry in a list of processes, one behind the other.
-const SYSTEM_PROCESS_INFORMATION& FindAgent(const std::vector<std::uint64_t>& processes) {
-    const auto* place = reinterpret_cast<const BYTE*>(processes.data());
-    for (;;) {
-        const auto& process = *reinterpret_cast<const SYSTEM_PROCESS_INFORMATION*>(place);
+/// The agent's entry in a list of processes, one behind the other at any address.
+SYSTEM_PROCESS_INFORMATION FindAgent(const std::vector<std::uint64_t>& processes) {
+    const auto* const begin = reinterpret_cast<const BYTE*>(processes.data());
+    const std::size_t size = processes.size() * sizeof(processes[0]);
+    for (std::size_t place = 0; size - place >= sizeof(SYSTEM_PROCESS_INFORMATION);) {
+        SYSTEM_PROCESS_INFORMATION process;
+        std::memcpy(&process, begin + place, sizeof(process));
         const std::wstring name(process.ImageName.Buffer, process.ImageName.Length / sizeof(wchar_t));
         if (name.ends_with(kAgent)) {
             return process;
         }
-        if (process.NextEntryOffset == 0) {
-            throw std::runtime_error("there is no agent");
+        if (process.NextEntryOffset == 0 || process.NextEntryOffset > size - place) {
+            break;
         }
         place += process.NextEntryOffset;
     }
+    throw std::runtime_error("there is no agent");
 }
 
 /// Asked of the system and not of the agent's process, and counted one by one: not every system keeps a
 /// count.
 Figures QueryFigures() {
     const std::vector<std::uint64_t> processes = QuerySystem(SystemProcessInformation);
-    const SYSTEM_PROCESS_INFORMATION& agent = FindAgent(processes);
+    const SYSTEM_PROCESS_INFORMATION agent = FindAgent(processes);
     const std::vector<std::uint64_t> list = QuerySystem(SystemHandleInformation);
     const auto& handles = *reinterpret_cast<const SYSTEM_HANDLE_INFORMATION*>(list.data());
     Figures figures;
