@@ -293,12 +293,12 @@ long StopRead(const Kind& kind, unsigned long after) {
     return status;
 }
 
-/// A Stop that came behind the end of a read is kept for the next one, which then brings nothing.
-void StopReads(const Kind& kind, unsigned long rounds, unsigned seed) {
+/// A Stop that came behind the end of a read is kept for the next one, of whatever kind, which then brings
+/// nothing.
+void StopReads(const Kind& kind, unsigned long rounds, unsigned seed, bool& stopIsKept) {
     std::mt19937 random(seed);
     const auto items = static_cast<unsigned long>(Count(kind.count));
     unsigned long stopped = 0;
-    bool stopIsKept = false;
     for (unsigned long round = 0; round < rounds; ++round) {
         const unsigned long after = random() % (items + 2);
         const long status = StopRead(kind, after);
@@ -317,9 +317,10 @@ void StopReads(const Kind& kind, unsigned long rounds, unsigned seed) {
 }
 
 void StopAllReads(unsigned long rounds, unsigned seed) {
+    bool stopIsKept = false;
     for (const Kind& kind : kKinds) {
         LogOn();
-        StopReads(kind, rounds, seed);
+        StopReads(kind, rounds, seed, stopIsKept);
         LogOff();
     }
 }
