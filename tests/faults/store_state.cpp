@@ -17,6 +17,8 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const wchar_t* kMail = L"\\Work\\Mail";
+/// What the names of files begin with that the store is still writing.
+constexpr const wchar_t* kTemporaryPrefix = L"~localstore-";
 
 std::string BytesOf(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -131,7 +133,20 @@ bool StoreState::IsAsInTheBeginning() const {
     return Content() == m_beginning;
 }
 
+void StoreState::RemoveTemporaries() const {
+    std::vector<fs::path> left;
+    for (const auto& entry : fs::recursive_directory_iterator(m_store)) {
+        if (entry.path().filename().wstring().starts_with(kTemporaryPrefix)) {
+            left.push_back(entry.path());
+        }
+    }
+    for (const fs::path& path : left) {
+        fs::remove(path);
+    }
+}
+
 void StoreState::Restore() const {
+    RemoveTemporaries();
     for (const auto& [path, bytes] : Content()) {
         const auto before = m_beginning.find(path);
         if (before == m_beginning.end()) {

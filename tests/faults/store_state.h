@@ -28,7 +28,8 @@ class StoreState {
 
     /// True if the messages and the maps are what they were in the beginning.
     [[nodiscard]] bool IsAsInTheBeginning() const;
-    /// Brings messages and maps back to that.
+    /// Brings messages and maps back to that, and removes what the store could not remove while all its calls
+    /// failed: when a thousand of its temporary files lie in a folder it makes no more there.
     void Restore() const;
     /// The number of messages in the two folders of a kind.
     [[nodiscard]] std::size_t MessagesIn(const std::wstring& folder) const;
@@ -50,6 +51,7 @@ class StoreState {
   private:
     using Files = std::map<std::wstring, std::string>;
     [[nodiscard]] Files Content() const;
+    void RemoveTemporaries() const;
     void MakeMap(const CString& map, bool ofContacts) const;
 
     std::wstring m_store;
