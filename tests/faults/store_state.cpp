@@ -2,6 +2,7 @@
 
 #include <mapitags.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -131,6 +132,18 @@ StoreState::Files StoreState::Content() const {
 
 bool StoreState::IsAsInTheBeginning() const {
     return Content() == m_beginning;
+}
+
+bool StoreState::KeepsAllBut(const wchar_t* folder) const {
+    const Files now = Content();
+    return std::ranges::all_of(m_beginning, [&](const auto& file) {
+        const auto& [path, bytes] = file;
+        if (folder != nullptr && fs::path(path).parent_path() == fs::path(m_store) / folder) {
+            return true;
+        }
+        const auto found = now.find(path);
+        return found != now.end() && found->second == bytes;
+    });
 }
 
 void StoreState::RemoveTemporaries() const {

@@ -28,6 +28,9 @@ class StoreState {
 
     /// True if the messages and the maps are what they were in the beginning.
     [[nodiscard]] bool IsAsInTheBeginning() const;
+    /// True if all that was there in the beginning still is as it was, save what lies in one folder. A null
+    /// pointer stands for none.
+    [[nodiscard]] bool KeepsAllBut(const wchar_t* folder) const;
     /// Brings messages and maps back to that, and removes what the store could not remove while all its calls
     /// failed: when a thousand of its temporary files lie in a folder it makes no more there.
     void Restore() const;
