@@ -40,6 +40,9 @@ class StoreState {
     /// True if the map of a kind is the one of the beginning, or one that knows all items.
     [[nodiscard]] bool MapIsWhole(const CString& map) const;
 
+    CString incoming;            ///< the document of a write
+    std::int32_t flag = 0;       ///< what it asks for
+    std::int32_t flagFound = 0;  ///< what was read of that
     CContactEx contact;
     CCalendarEx calendar;
     CString contactId;   ///< of the contact in the sub-folder, whose name is the old one
