@@ -12,6 +12,10 @@ struct Outcome {
     int result = 0;
     /// A call said that it was made and did nothing, so what is in the store says nothing of the agent.
     bool storeLied = false;
+    /// Memory or the document service failed, so documents may lack something.
+    bool documentsFailed = false;
+    /// Nothing failed, so that all of it has to be done.
+    bool complete = false;
 };
 
 struct Operation {

@@ -2,6 +2,7 @@
 
 #include <mapitags.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -17,6 +18,8 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const wchar_t* kMail = L"\\Work\\Mail";
+/// What the names of files begin with that the store is still writing.
+constexpr const wchar_t* kTemporaryPrefix = L"~localstore-";
 
 std::string BytesOf(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -131,7 +134,32 @@ bool StoreState::IsAsInTheBeginning() const {
     return Content() == m_beginning;
 }
 
+bool StoreState::KeepsAllBut(const wchar_t* folder) const {
+    const Files now = Content();
+    return std::ranges::all_of(m_beginning, [&](const auto& file) {
+        const auto& [path, bytes] = file;
+        if (folder != nullptr && fs::path(path).parent_path() == fs::path(m_store) / folder) {
+            return true;
+        }
+        const auto found = now.find(path);
+        return found != now.end() && found->second == bytes;
+    });
+}
+
+void StoreState::RemoveTemporaries() const {
+    std::vector<fs::path> left;
+    for (const auto& entry : fs::recursive_directory_iterator(m_store)) {
+        if (entry.path().filename().wstring().starts_with(kTemporaryPrefix)) {
+            left.push_back(entry.path());
+        }
+    }
+    for (const fs::path& path : left) {
+        fs::remove(path);
+    }
+}
+
 void StoreState::Restore() const {
+    RemoveTemporaries();
     for (const auto& [path, bytes] : Content()) {
         const auto before = m_beginning.find(path);
         if (before == m_beginning.end()) {

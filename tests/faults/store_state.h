@@ -28,7 +28,11 @@ class StoreState {
 
     /// True if the messages and the maps are what they were in the beginning.
     [[nodiscard]] bool IsAsInTheBeginning() const;
-    /// Brings messages and maps back to that.
+    /// True if all that was there in the beginning still is as it was, save what lies in one folder. A null
+    /// pointer stands for none.
+    [[nodiscard]] bool KeepsAllBut(const wchar_t* folder) const;
+    /// Brings messages and maps back to that, and removes what the store could not remove while all its calls
+    /// failed: when a thousand of its temporary files lie in a folder it makes no more there.
     void Restore() const;
     /// The number of messages in the two folders of a kind.
     [[nodiscard]] std::size_t MessagesIn(const std::wstring& folder) const;
@@ -36,6 +40,9 @@ class StoreState {
     /// True if the map of a kind is the one of the beginning, or one that knows all items.
     [[nodiscard]] bool MapIsWhole(const CString& map) const;
 
+    CString incoming;            ///< the document of a write
+    std::int32_t flag = 0;       ///< what it asks for
+    std::int32_t flagFound = 0;  ///< what was read of that
     CContactEx contact;
     CCalendarEx calendar;
     CString contactId;   ///< of the contact in the sub-folder, whose name is the old one
@@ -50,6 +57,7 @@ class StoreState {
   private:
     using Files = std::map<std::wstring, std::string>;
     [[nodiscard]] Files Content() const;
+    void RemoveTemporaries() const;
     void MakeMap(const CString& map, bool ofContacts) const;
 
     std::wstring m_store;
