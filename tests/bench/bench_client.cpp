@@ -23,11 +23,11 @@
 #include "support/owners.h"
 #include "support/rpc_endpoints.h"
 #include "support/rpc_guard.h"
+#include "tests/desktop_side.h"
 #include "text_file.h"
 
 namespace {
 
-constexpr unsigned kMaxCalls = 1234;
 constexpr DWORD kPatienceMilliseconds = 60000;
 
 /// What came since the last read began. The agent calls back on the runtime's threads, one call at a time.
@@ -39,12 +39,6 @@ struct Reception {
 };
 Reception g_reception;
 
-void Require(RPC_STATUS status, const char* what) {
-    if (status != RPC_S_OK) {
-        throw std::runtime_error(std::string(what) + " gives " + std::to_string(status));
-    }
-}
-
 void Receive(const wchar_t* xml) {
     ++g_reception.documents;
     if (!g_reception.keepIn.empty()) {
@@ -53,28 +47,13 @@ void Receive(const wchar_t* xml) {
     }
 }
 
-void ServeCallbacks() {
-    Require(
-        RpcServerUseProtseqEpW(RpcText(kProtocolSequence), kMaxCalls, RpcText(kCallbackEndpoint), nullptr),
-        "RpcServerUseProtseqEp");
-    Require(RpcServerRegisterIf(ZebAgentCallback_v1_0_s_ifspec, nullptr, nullptr), "RpcServerRegisterIf");
-    Require(RpcServerListen(1, kMaxCalls, TRUE), "RpcServerListen");
-}
-
-void BindToAgent() {
+void WaitForAgent() {
     for (DWORD waited = 0; WaitNamedPipeW(kCommandPipe, kPatienceMilliseconds) == 0; waited += 20) {
         if (waited >= kPatienceMilliseconds) {
             throw std::runtime_error("there is no agent");
         }
         Sleep(20);
     }
-    RPC_WSTR text = nullptr;
-    Require(RpcStringBindingComposeW(nullptr, RpcText(kProtocolSequence), nullptr, RpcText(kCommandEndpoint),
-                                     nullptr, &text),
-            "RpcStringBindingCompose");
-    const RPC_STATUS status = RpcBindingFromStringBindingW(text, &g_hAgentBinding);
-    RpcStringFreeW(&text);
-    Require(status, "RpcBindingFromStringBinding");
 }
 
 std::string LogOn(std::wstring profile) {
@@ -162,6 +141,7 @@ void MAPISendBackOneCalenda(wchar_t* xml) {
 int wmain() {
     return bench::Guarded("bench_client", [] {
         ServeCallbacks();
+        WaitForAgent();
         BindToAgent();
         bench::AnswerLines(&Answer);
     });

@@ -24,12 +24,11 @@
 #include "callback.h"
 #include "command.h"
 #include "support/owners.h"
-#include "support/rpc_endpoints.h"
 #include "support/rpc_guard.h"
+#include "tests/desktop_side.h"
 
 namespace {
 
-constexpr unsigned kMaxCalls = 1234;
 constexpr const wchar_t* kAgent = L"ZebAgentForOutlook64.exe";
 constexpr std::size_t kIdUnits = 400;
 constexpr std::size_t kTimeUnits = 40;
@@ -42,30 +41,6 @@ constexpr const char* kUsage =
 
 std::atomic<unsigned long> g_documents = 0;
 std::wstring g_mapPrefix;
-
-void Require(RPC_STATUS status, const char* what) {
-    if (status != RPC_S_OK) {
-        throw std::runtime_error(std::string(what) + " gives " + std::to_string(status));
-    }
-}
-
-void ServeCallbacks() {
-    Require(
-        RpcServerUseProtseqEpW(RpcText(kProtocolSequence), kMaxCalls, RpcText(kCallbackEndpoint), nullptr),
-        "RpcServerUseProtseqEp");
-    Require(RpcServerRegisterIf(ZebAgentCallback_v1_0_s_ifspec, nullptr, nullptr), "RpcServerRegisterIf");
-    Require(RpcServerListen(1, kMaxCalls, TRUE), "RpcServerListen");
-}
-
-void BindToAgent() {
-    RPC_WSTR text = nullptr;
-    Require(RpcStringBindingComposeW(nullptr, RpcText(kProtocolSequence), nullptr, RpcText(kCommandEndpoint),
-                                     nullptr, &text),
-            "RpcStringBindingCompose");
-    const RPC_STATUS status = RpcBindingFromStringBindingW(text, &g_hAgentBinding);
-    RpcStringFreeW(&text);
-    Require(status, "RpcBindingFromStringBinding");
-}
 
 /// Asks the system for a list whose length is not known before.
 std::vector<std::uint64_t> QuerySystem(SYSTEM_INFORMATION_CLASS what) {
