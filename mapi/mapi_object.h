@@ -210,7 +210,7 @@ class CMAPIObject {
     bool OpenSession(const wchar_t* profile);
     bool OpenDefaultStore();
     void WriteProfileDocument(CXMLParser& document, wchar_t* lpszProfiles);
-    void OpenProfileAdministration();
+    ComPtr<IProfAdmin> OpenProfileAdministration();
     void WriteFolderDocument(CXMLParser& document, wchar_t* lpszFolders);
     bool AppendStoreFolders(IMAPISession* session, const SRow& row, CXMLParser& document, IXMLDOMNode* node,
                             int depth);

@@ -92,8 +92,7 @@ void CMAPIObject::WriteProfileDocument(CXMLParser& document, wchar_t* lpszProfil
         AfxThrowUserException();
     }
     BeginOutlookDocument(document, L"profiles", L"GetAppProfile");
-    OpenProfileAdministration();
-    const ComPtr<IProfAdmin> administration = m_lpProfAdmin;
+    const ComPtr<IProfAdmin> administration = OpenProfileAdministration();
     ComPtr<IMAPITable> profiles;
     if (administration->GetProfileTable(0, profiles.GetAddressOf()) == S_OK && profiles &&
         !AppendProfiles(document, profiles.Get())) {
@@ -105,14 +104,19 @@ void CMAPIObject::WriteProfileDocument(CXMLParser& document, wchar_t* lpszProfil
                         L"CMAPIObject::GetAppProfile : Failed to Save Profiles\r\n");
 }
 
-void CMAPIObject::OpenProfileAdministration() {
-    if (!m_lpProfAdmin && IsMAPILoaded() && InitializeMAPI()) {
-        pfnMAPIAdminProfiles(0, m_lpProfAdmin.ReleaseAndGetAddressOf());
+ComPtr<IProfAdmin> CMAPIObject::OpenProfileAdministration() {
+    // Worked on through a reference of its own: without a logon the end of another list takes the kept one
+    // away.
+    ComPtr<IProfAdmin> administration = m_lpProfAdmin;
+    if (!administration && IsMAPILoaded() && InitializeMAPI()) {
+        pfnMAPIAdminProfiles(0, administration.GetAddressOf());
+        m_lpProfAdmin = administration;
     }
-    if (!m_lpProfAdmin) {
+    if (!administration) {
         Log(kLogFailure, L"CMAPIObject::GetAppProfile : NULL lpProfAdmin\r\n");
         AfxThrowUserException();
     }
+    return administration;
 }
 
 }  // namespace NAMESPACE_MAPI

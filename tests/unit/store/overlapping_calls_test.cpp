@@ -5,6 +5,7 @@
 #include "tests/unit/store/calendar_writing_fixture.h"
 #include "tests/unit/store/change_log.h"
 #include "tests/unit/store/contact_writing_fixture.h"
+#include "tests/unit/store/documents_fixture.h"
 #include "tests/unit/text_printer.h"
 
 namespace {
@@ -89,6 +90,24 @@ TEST_F(OverlappingCalls, AChoiceOfAFolderOutlivesTheSessionThatItBeganIn) {
     const int result = g_MAPIObject.SetContactFolder(m_other.c_str());
     EXPECT_EQ(made, 1);
     EXPECT_EQ(result == 0, static_cast<bool>(g_MAPIObject.m_lpContactFolder));
+}
+
+/// MAPIAdminProfiles, at whose end a list that began earlier ends too, without a logon.
+HRESULT STDAPICALLTYPE AdminProfilesBesideTheEndOfAnotherList(ULONG flags, LPPROFADMIN* administration) {
+    const HRESULT result = MAPIAdminProfiles(flags, administration);
+    g_MAPIObject.MAPIRelease();
+    return result;
+}
+
+/// A list of profiles, which goes to a file.
+class OverlappingLists : public Documents {};
+
+TEST_F(OverlappingLists, AListOfProfilesKeepsWhatTheEndOfAnotherOneTakesAway) {
+    pfnMAPIAdminProfiles = &AdminProfilesBesideTheEndOfAnotherList;
+    EXPECT_EQ(g_MAPIObject.GetAppProfile(m_buffer), 0);
+    EXPECT_FALSE(g_MAPIObject.m_lpProfAdmin);
+    // What the rows of the list hold.
+    m_expectedBuffers = 2;
 }
 
 /// A read of appointments, in full and of changes, into the middle of which another call comes.
