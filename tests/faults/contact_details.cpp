@@ -96,8 +96,8 @@ void WritePicture(const std::wstring& path) {
 
 CString DetailElements(const CString& picture) {
     return FieldElement(kCategoriesField, L"friends;work") +
-           FieldElement(kBirthdayField, L"03/07/1980 00:00:00") +
-           FieldElement(kAnniversaryField, L"12/24/2005 00:00:00") + L"<PICPath>" + picture + L"</PICPath>";
+           FieldElement(kBirthdayField, L"1980-03-07 00:00:00") +
+           FieldElement(kAnniversaryField, L"2005-12-24 00:00:00") + L"<PICPath>" + picture + L"</PICPath>";
 }
 
 void ExpectDetails(IMessage* message, const Outcome& outcome) {

@@ -10,7 +10,7 @@
 /// The lines of a run without failures, which those of any other run are held against.
 class LogRules {
   public:
-    explicit LogRules(LogLines clean);
+    LogRules(const Operation& operation, LogLines clean);
 
     /// The first line that has no place: it is neither one of the clean run's, behind the one before it, nor
     /// a line that is documented for a failure. What stands in parentheses at the end, such as a result or a
@@ -18,6 +18,9 @@ class LogRules {
     [[nodiscard]] std::optional<LogLine> Stray(const LogLines& lines) const;
 
   private:
+    [[nodiscard]] bool IsFailureLine(const LogLine& line) const;
+
+    CString m_operation;
     LogLines m_clean;
 };
 
