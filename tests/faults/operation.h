@@ -40,6 +40,8 @@ struct Operation {
     long mostBuffersLeft = 0;
     long mostObjectsLeft = 0;
     long mostHandlesLeft = 0;
+    /// The walk through folders that Stop ends; null for an operation that goes on to its end.
+    const wchar_t* stoppedWalk = nullptr;
     bool changesSession = false;  ///< begins or ends a session, which takes objects of its own
 
     /// The same as `succeeded` for any operation.
