@@ -185,6 +185,7 @@ std::optional<StorageTree> ReadStorage(const Bytes& file, const char*& reason, c
     try {
         ComPtr<IStorage> root;
         RequireRead(calls.open(bytes.Get(), nullptr, STGM_READ | STGM_SHARE_DENY_WRITE, nullptr, 0, &root));
+        Require(static_cast<bool>(root), MAPI_E_NOT_ENOUGH_MEMORY);
         reason = "its storages or streams cannot be read";
         ReadState state;
         state.bytesLeft = file.size();

@@ -69,6 +69,8 @@ constexpr FailureLine kFailureLines[] = {
     {L"ReadContacts", 3, L"CMAPIObject::ReadContacts - Failed to read contacts from log"},
     {L"ReadContacts", 3, L"CMAPIObject::ReadContacts - No Change"},
     {L"ReadContacts", 3, L"CMAPIObject::ReadContactFromLog - NULL lpPropValues"},
+    {L"ReadContacts", 1, L"contact, pim: * gone."},
+    {L"ReadCalendars", 1, L"calendar, pim: * gone."},
     {L"ReadContacts", 3, L"MAPISendBackOneContact Excetipion"},
     {L"ReadCalendars", 3, L"CMAPIObject::ReadContacts - Failed"},
     {L"ReadCalendars", 3, L"CMAPIObject::ReadContacts - Failed to read calendars from log"},
