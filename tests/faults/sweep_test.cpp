@@ -12,6 +12,7 @@
 #include "tests/faults/platform_faults.h"
 #include "tests/unit/localstore/scarce_memory.h"
 #include "tests/unit/text_printer.h"
+#include "tests/unit/timezone/handle_count.h"
 
 namespace {
 
@@ -25,13 +26,7 @@ constexpr long kPerBuffer = 3;
 /// What this process holds.
 struct Living {
     long allocations = static_cast<long>(localstore_test::LiveAllocations());
-    long handles = Handles();
-
-    static long Handles() {
-        DWORD count = 0;
-        EXPECT_NE(GetProcessHandleCount(GetCurrentProcess(), &count), FALSE);
-        return static_cast<long>(count);
-    }
+    long handles = static_cast<long>(OpenHandles());
 };
 
 /// A kind of fault and the codes that a failed call gives.
