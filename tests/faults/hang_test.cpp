@@ -40,6 +40,7 @@ class Hang : public FaultTest, public testing::WithParamInterface<Operation> {
         OnSend([&] { ++sent; });
         std::atomic<bool> ended = false;
         Outcome outcome;
+        outcome.foldersReplaced = true;
         recorder::HoldCall(n);
         std::thread client([&] {
             CoInitialize(nullptr);

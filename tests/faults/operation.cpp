@@ -52,6 +52,9 @@ void ExpectNoSession(StoreState& state, const Outcome& outcome) {
 void ExpectFolders(StoreState& state, const Outcome& outcome, bool ofContacts) {
     ExpectStoreUntouched(state, outcome);
     EXPECT_TRUE(g_MAPIObject.m_lpContactFolder && g_MAPIObject.m_lpEventFolder);
+    if (outcome.foldersReplaced) {
+        return;
+    }
     const bool isContactFolderOld = g_MAPIObject.m_lpContactFolder.Get() == state.contactFolder;
     const bool isEventFolderOld = g_MAPIObject.m_lpEventFolder.Get() == state.eventFolder;
     EXPECT_TRUE(ofContacts ? isEventFolderOld : isContactFolderOld);

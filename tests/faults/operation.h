@@ -15,6 +15,8 @@ struct Outcome {
     bool storeLied = false;
     /// Memory or the document service failed, so documents may lack something.
     bool documentsFailed = false;
+    /// Another client logged on or chose a folder before the outcome is looked at.
+    bool foldersReplaced = false;
     /// Nothing failed, so that all of it has to be done.
     bool complete = false;
 };
