@@ -54,6 +54,7 @@ void RequireWritten(HRESULT result) {
 ComPtr<ILockBytes> NewMemory(const StorageCalls& calls) {
     ComPtr<ILockBytes> memory;
     RequireWritten(calls.createMemory(nullptr, TRUE, &memory));
+    Require(static_cast<bool>(memory), MAPI_E_NOT_ENOUGH_MEMORY);
     return memory;
 }
 
@@ -184,6 +185,7 @@ std::optional<StorageTree> ReadStorage(const Bytes& file, const char*& reason, c
     try {
         ComPtr<IStorage> root;
         RequireRead(calls.open(bytes.Get(), nullptr, STGM_READ | STGM_SHARE_DENY_WRITE, nullptr, 0, &root));
+        Require(static_cast<bool>(root), MAPI_E_NOT_ENOUGH_MEMORY);
         reason = "its storages or streams cannot be read";
         ReadState state;
         state.bytesLeft = file.size();
@@ -198,6 +200,7 @@ Bytes WriteStorage(const StorageTree& tree, const StorageCalls& calls) {
     const ComPtr<ILockBytes> memory = NewMemory(calls);
     ComPtr<IStorage> root;
     RequireWritten(StgCreateDocfileOnILockBytes(memory.Get(), kWriting, 0, &root));
+    Require(static_cast<bool>(root), MAPI_E_NOT_ENOUGH_MEMORY);
     WriteTree(tree, root.Get());
     RequireWritten(root->Commit(STGC_DEFAULT));
     RequireWritten(memory->Flush());

@@ -19,6 +19,8 @@ constexpr CLSID kDocumentClass = {
     0x2933BF90, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 constexpr IID kDocumentInterface = {
     0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+constexpr IID kElementInterface = {
+    0x2933BF86, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
 /// The objects whose methods are replaced. Those of one kind share their table of methods.
 struct Document {};
@@ -61,6 +63,33 @@ class CountedMethod<Kind, Method> {
     static inline Original s_original = nullptr;
 };
 
+/// The one interface that the agent asks an element for. What the service asks its own objects for is not
+/// counted.
+class CountedQuery {
+  public:
+    static bool Install(IUnknown* object) {
+        void** const slot = *reinterpret_cast<void***>(object);
+        DWORD protection = 0;
+        if (VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection) == FALSE) {
+            return false;
+        }
+        s_original = reinterpret_cast<Original>(std::exchange(*slot, reinterpret_cast<void*>(&Call)));
+        return true;
+    }
+
+  private:
+    using Original = HRESULT(STDMETHODCALLTYPE*)(IUnknown*, REFIID, void**);
+
+    static HRESULT STDMETHODCALLTYPE Call(IUnknown* object, REFIID iid, void** result) {
+        if (iid != kElementInterface || !g_comFaults.Fails()) {
+            return s_original(object, iid, result);
+        }
+        *result = nullptr;
+        return static_cast<HRESULT>(g_comFaults.Code());
+    }
+    static inline Original s_original = nullptr;
+};
+
 template<auto Method>
 using OfDocument = CountedMethod<Document, Method>;
 template<auto Method>
@@ -83,6 +112,7 @@ constexpr Installer kDocumentMethods[] = {
     OfDocument<&IXMLDOMDocument::save>::Install,
 };
 constexpr Installer kElementMethods[] = {
+    CountedQuery::Install,
     OfElement<&IXMLDOMElement::appendChild>::Install,
     OfElement<&IXMLDOMElement::setAttribute>::Install,
     OfElement<&IXMLDOMElement::put_text>::Install,

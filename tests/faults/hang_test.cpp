@@ -2,6 +2,7 @@
 // for the call that hangs, and once it returns its operation ends, nothing is left alive, the store is whole
 // and the agent serves the next call.
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -14,6 +15,9 @@ namespace recorder = localstore::recorder;
 
 /// Without a full sweep only every so many-th call is held.
 constexpr std::size_t kQuickStep = 5;
+
+/// The others lie in its sub-folder.
+constexpr int kItemsOfUpperFolder = 2;
 
 class Hang : public FaultTest, public testing::WithParamInterface<Operation> {
   protected:
@@ -32,8 +36,11 @@ class Hang : public FaultTest, public testing::WithParamInterface<Operation> {
     bool RunWithHang(std::size_t n) {
         GetParam().prepare(State());
         TakeLog();
+        std::atomic<int> sent = 0;
+        OnSend([&] { ++sent; });
         std::atomic<bool> ended = false;
         Outcome outcome;
+        outcome.foldersReplaced = true;
         recorder::HoldCall(n);
         std::thread client([&] {
             CoInitialize(nullptr);
@@ -50,6 +57,10 @@ class Hang : public FaultTest, public testing::WithParamInterface<Operation> {
         }
         recorder::ReleaseCall();
         client.join();
+        OnSend({});
+        if (held && GetParam().stoppedWalk != nullptr) {
+            ExpectStopped(outcome.result, sent);
+        }
         ExpectOutcome(outcome);
         return held;
     }
@@ -58,6 +69,18 @@ class Hang : public FaultTest, public testing::WithParamInterface<Operation> {
     static void CallMeanwhile() {
         g_MAPIObject.Stop();
         EXPECT_EQ(g_MAPIObject.MAPILogOn(0, L"Work"), 1);
+    }
+    /// A full read that Stop reached has failed, unless there was no item left to stop at: all had arrived,
+    /// or all of the upper folder, behind which a stopped read does not ask for sub-folders.
+    static void ExpectStopped(int result, int sent) {
+        const CString line =
+            CString::Format(L"CMAPIObject::%s - lpContainer->GetHierarchyTable", GetParam().stoppedWalk);
+        const LogLines log = TakeLog();
+        const bool askedForSubFolders =
+            std::ranges::any_of(log, [&](const LogLine& entry) { return entry.text.starts_with(line); });
+        const bool hadNoneLeft =
+            sent == StoreState::kItems || (sent == kItemsOfUpperFolder && !askedForSubFolders);
+        EXPECT_EQ(result, hadNoneLeft ? 0 : 1) << sent << " sent";
     }
     /// The session is the second client's now, which serves, or none if the operation ended it.
     void ExpectOutcome(const Outcome& outcome) {

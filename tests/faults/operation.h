@@ -3,6 +3,7 @@
 // The remote operations, each made ready, run once and looked at.
 
 #include <iosfwd>
+#include <optional>
 #include <vector>
 
 #include "tests/faults/store_state.h"
@@ -14,6 +15,8 @@ struct Outcome {
     bool storeLied = false;
     /// Memory or the document service failed, so documents may lack something.
     bool documentsFailed = false;
+    /// Another client logged on or chose a folder before the outcome is looked at.
+    bool foldersReplaced = false;
     /// Nothing failed, so that all of it has to be done.
     bool complete = false;
 };
@@ -23,15 +26,30 @@ struct Operation {
     /// The words that its first line and its last one in the log begin with.
     const wchar_t* firstLine;
     const wchar_t* lastLine;
+    /// The words of the line that tells how it ended, either way. Null if none does.
+    const wchar_t* successLine = nullptr;
+    const wchar_t* failureLine = nullptr;
     /// Brings the agent and the store to where it begins. Nothing fails meanwhile.
     void (*prepare)(StoreState& state);
     int (*run)(StoreState& state);
     /// Expects what is documented of any outcome. Nothing fails meanwhile.
     void (*check)(StoreState& state, const Outcome& outcome);
-    int complete;          ///< its result when nothing fails
-    long mostBuffersLeft;  ///< buffers and objects that a run may leave by design
-    long mostObjectsLeft;
-    bool changesSession;  ///< begins or ends a session, which takes objects of its own
+    /// Whether a run succeeded by what it gave back. Empty if it did not come to what the line tells of. Null
+    /// for an operation of which the result alone says that.
+    std::optional<bool> (*succeeded)(const StoreState& state) = nullptr;
+    int complete = 0;  ///< its result when nothing fails
+    /// Buffers, objects and process handles that a run may leave by design.
+    long mostBuffersLeft = 0;
+    long mostObjectsLeft = 0;
+    long mostHandlesLeft = 0;
+    /// The walk through folders that Stop ends; null for an operation that goes on to its end.
+    const wchar_t* stoppedWalk = nullptr;
+    bool changesSession = false;  ///< begins or ends a session, which takes objects of its own
+
+    /// The same as `succeeded` for any operation.
+    [[nodiscard]] std::optional<bool> HasSucceeded(const StoreState& state, int result) const {
+        return succeeded == nullptr ? result == complete : succeeded(state);
+    }
 };
 
 /// How GoogleTest prints one.

@@ -90,6 +90,25 @@ using OfRegistry = Counted<Function, g_registryFaults, kNothing, Signature>;
 template<Name Function, class Signature>
 using OfCom = Counted<Function, g_comFaults, kNothing, Signature>;
 
+/// NtQueryInformationFile, whose codes are those of the kernel.
+class CountedFileQuery {
+  public:
+    static bool Install() {
+        s_original = reinterpret_cast<decltype(&NtQueryInformationFile)>(
+            ReplaceImport("NtQueryInformationFile", reinterpret_cast<void*>(&Call)));
+        return s_original != nullptr;
+    }
+
+  private:
+    static constexpr auto kAccessDenied = static_cast<NTSTATUS>(0xC0000022);
+
+    static NTSTATUS NTAPI Call(HANDLE file, IO_STATUS_BLOCK* status, void* information, ULONG length,
+                               FILE_INFORMATION_CLASS kind) {
+        return g_fileFaults.Fails() ? kAccessDenied : s_original(file, status, information, length, kind);
+    }
+    static inline decltype(&NtQueryInformationFile) s_original = nullptr;
+};
+
 using Installer = bool (*)();
 
 constexpr Installer kFunctions[] = {
@@ -104,10 +123,14 @@ constexpr Installer kFunctions[] = {
     OfFiles<"GetFileInformationByHandleEx", decltype(&GetFileInformationByHandleEx)>::Install,
     OfFiles<"FindFirstFileW", decltype(&FindFirstFileW), kNoHandle>::Install,
     OfFiles<"FindNextFileW", decltype(&FindNextFileW)>::Install,
+    CountedFileQuery::Install,
     OfRegistry<"RegOpenKeyExW", decltype(&RegOpenKeyExW)>::Install,
     OfRegistry<"RegEnumKeyExW", decltype(&RegEnumKeyExW)>::Install,
     OfRegistry<"RegQueryValueExW", decltype(&RegQueryValueExW)>::Install,
     OfCom<"CoCreateInstance", decltype(&CoCreateInstance)>::Install,
+    OfCom<"CoCreateGuid", decltype(&CoCreateGuid)>::Install,
+    OfCom<"StgCreateDocfileOnILockBytes", decltype(&StgCreateDocfileOnILockBytes)>::Install,
+    OfCom<"CreateILockBytesOnHGlobal", decltype(&CreateILockBytesOnHGlobal)>::Install,
     OfCom<"SysAllocStringLen", decltype(&SysAllocStringLen)>::Install,
 };
 

@@ -10,6 +10,7 @@
 #include "libraries/dunmere/change_map.h"
 #include "support/settings.h"
 #include "support/user_folders.h"
+#include "tests/faults/contact_details.h"
 #include "tests/unit/calendar/sample_series.h"
 #include "tests/unit/store/appointment_fixture.h"
 
@@ -43,10 +44,12 @@ void AddContacts() {
     FolderWriter::Save(message.Get());
     writer.AddContact(PropertyValues().Text(PR_GIVEN_NAME_W, L"Grace"));
     FolderWriter below(L"Work", L"Contacts\\Below");
-    below.AddContact(PropertyValues()
-                         .Text(PR_GIVEN_NAME_W, kOldName)
-                         .Text(PR_SURNAME_W, kOldName)
-                         .Text(PR_COMPANY_NAME_W, kOldName));
+    const ComPtr<IMessage> old = below.NewMessage(L"IPM.Contact", PropertyValues()
+                                                                      .Text(PR_GIVEN_NAME_W, kOldName)
+                                                                      .Text(PR_SURNAME_W, kOldName)
+                                                                      .Text(PR_COMPANY_NAME_W, kOldName));
+    FolderWriter::AddAttachment(old.Get(), OldPicture(), true);
+    FolderWriter::Save(old.Get());
 }
 
 void AddAppointments() {
@@ -81,6 +84,8 @@ StoreState::StoreState(const std::wstring& root) : m_store(root + kMail), m_besi
     g_strOutlookXml = CString((m_beside + L"\\Outlook.xml").c_str());
     g_strProfileXml = CString((m_beside + L"\\Profile.xml").c_str());
     g_bSubFolder = true;
+    picture = CString((m_beside + L"\\new.picture").c_str());
+    WritePicture(picture.c_str());
     AddContacts();
     AddAppointments();
     contactMap = CString((m_beside + L"\\contacts.map").c_str());
@@ -184,6 +189,11 @@ std::size_t StoreState::MessagesIn(const std::wstring& folder) const {
     const fs::recursive_directory_iterator entries(m_store + L"\\" + folder);
     return static_cast<std::size_t>(std::count_if(
         begin(entries), end(entries), [](const auto& entry) { return entry.path().extension() == L".msg"; }));
+}
+
+void StoreState::RememberFolders() {
+    contactFolder = g_MAPIObject.m_lpContactFolder.Get();
+    eventFolder = g_MAPIObject.m_lpEventFolder.Get();
 }
 
 bool StoreState::MapIsWhole(const CString& map) const {

@@ -37,14 +37,18 @@ class StoreState {
     /// The number of messages in the two folders of a kind.
     [[nodiscard]] std::size_t MessagesIn(const std::wstring& folder) const;
 
+    void RememberFolders();
+
     /// True if the map of a kind is the one of the beginning, or one that knows all items.
     [[nodiscard]] bool MapIsWhole(const CString& map) const;
 
     CString incoming;            ///< the document of a write
     std::int32_t flag = 0;       ///< what it asks for
     std::int32_t flagFound = 0;  ///< what was read of that
+    std::int32_t flagLeft = 0;   ///< what was left of that by the write
     CContactEx contact;
     CCalendarEx calendar;
+    CString picture;     ///< the file of a contact's new picture
     CString contactId;   ///< of the contact in the sub-folder, whose name is the old one
     CString calendarId;  ///< likewise of an appointment
     CString contactSelection;
@@ -53,6 +57,9 @@ class StoreState {
     CString contactMap;
     CString calendarMap;
     wchar_t document[1] = {};
+    /// The chosen folders before an operation, for comparison alone.
+    const void* contactFolder = nullptr;
+    const void* eventFolder = nullptr;
 
   private:
     using Files = std::map<std::wstring, std::string>;

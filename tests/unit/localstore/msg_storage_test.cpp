@@ -174,6 +174,18 @@ HRESULT WINAPI CreateUnwritableMemory(HGLOBAL memory, WINBOOL deleteOnRelease, I
 
 constexpr StorageCalls kScarceForReading = {&::CreateILockBytesOnHGlobal, &OpenScarceStorage};
 constexpr StorageCalls kScarceForWriting = {&CreateScarceMemory, &::StgOpenStorageOnILockBytes};
+/// Functions that say they succeeded and hand nothing out.
+HRESULT WINAPI CreateNoMemory(HGLOBAL /*handle*/, BOOL /*deleteOnRelease*/, ILockBytes** bytes) {
+    *bytes = nullptr;
+    return S_OK;
+}
+
+HRESULT WINAPI OpenNoStorage(ILockBytes* /*bytes*/, IStorage* /*priority*/, DWORD /*mode*/, SNB /*exclude*/,
+                             DWORD /*reserved*/, IStorage** storage) {
+    *storage = nullptr;
+    return S_OK;
+}
+
 constexpr StorageCalls kUnwritable = {&CreateUnwritableMemory, &::StgOpenStorageOnILockBytes};
 
 /// Storages of several depths, short streams and a long one.
@@ -328,6 +340,16 @@ TEST_F(ShortageWhileReading, IsNoDamageOfTheFileAndTheNextTryWorks) {
         ASSERT_NE(message.content, nullptr);
         EXPECT_NE(message.content->properties.Find(PROP_ID(PR_SUBJECT)), nullptr);
         EXPECT_EQ(cache.FilesRead(), moments.size() + 1);
+    }
+    EXPECT_TRUE(localstore::recorder::Diagnostics().empty());
+}
+
+TEST_F(ShortageWhileReading, SuccessWithNothingHandedOutIsAShortageToo) {
+    for (const StorageCalls& calls : {StorageCalls{&CreateNoMemory, &::StgOpenStorageOnILockBytes},
+                                      StorageCalls{&::CreateILockBytesOnHGlobal, &OpenNoStorage}}) {
+        MessageCache cache(calls);
+        EXPECT_EQ(CodeOf([&] { cache.Load(File()); }), MAPI_E_NOT_ENOUGH_MEMORY);
+        EXPECT_EQ(CodeOf([&] { WriteStorage(StorageTree(), calls); }), MAPI_E_NOT_ENOUGH_MEMORY);
     }
     EXPECT_TRUE(localstore::recorder::Diagnostics().empty());
 }

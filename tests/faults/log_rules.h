@@ -1,0 +1,30 @@
+#pragma once
+
+// What the log of an operation may hold in which something failed.
+
+#include <optional>
+
+#include "tests/faults/operation.h"
+#include "tests/unit/recorded_log.h"
+
+/// The lines of a run without failures, which those of any other run are held against.
+class LogRules {
+  public:
+    LogRules(const Operation& operation, LogLines clean);
+
+    /// The first line that has no place: it is neither one of the clean run's, behind the one before it, nor
+    /// a line that is documented for a failure. What stands in parentheses at the end, such as a result or a
+    /// number, may be another than in the clean run.
+    [[nodiscard]] std::optional<LogLine> Stray(const LogLines& lines) const;
+
+  private:
+    [[nodiscard]] bool IsFailureLine(const LogLine& line) const;
+
+    CString m_operation;
+    LogLines m_clean;
+};
+
+/// Expects the log to tell what became of the operation: the line of its outcome is there and the opposite
+/// one is not. Where memory failed the line may be lacking.
+void ExpectOutcomeLine(const Operation& operation, const LogLines& log, std::optional<bool> succeeded,
+                       bool mayLack);
