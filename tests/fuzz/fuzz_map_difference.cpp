@@ -45,16 +45,22 @@ struct PlainMap {
 PlainMap ReadPlainly(std::string_view text) {
     PlainMap map;
     std::string section;
-    for (const std::string& line : LinesOf(text)) {
+    const std::vector<std::string> lines = LinesOf(text);
+    for (const std::string& line : lines) {
         if (!IsItem(line)) {
             section = line;
             map.hasSection = map.hasSection || line == kSection;
         }
         if (IsItem(line) && section == kSection) {
             map.items[line.substr(0, line.find('\t'))] = line;
-        } else if (IsItem(line) || line.rfind("checksum ", 0) != 0) {
+        } else {
             map.others.push_back(line);
         }
+    }
+    // A checksum ends a map and is no part of what it says.
+    const bool ends = !lines.empty() && !IsItem(lines.back()) && lines.back().rfind("checksum ", 0) == 0;
+    if (ends) {
+        map.others.pop_back();
     }
     return map;
 }

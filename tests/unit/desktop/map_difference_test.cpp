@@ -72,6 +72,14 @@ TEST(ChangesThatAreTakenBack, LeaveAMapWithItsChecksum) {
     EXPECT_EQ(ChecksumOf("foobar"), "85944171F73967E8");
 }
 
+TEST(ChangesThatAreTakenBack, LeaveALineThatLooksLikeAChecksumAmongOthers) {
+    // Without it, the item behind it would come into the section.
+    const std::string after = "[contact pim]\nA\t0\t1\nchecksum 1\nB\t0\t1\nchecksum 2\n";
+    const std::string result = WithoutChanges("", after, kSection, {"A"});
+    EXPECT_EQ(WithoutLastLine(result), "[contact pim]\nchecksum 1\nB\t0\t1\n");
+    EXPECT_EQ(CountItems(result, kSection), 0U);
+}
+
 TEST(ChangesThatAreTakenBack, OfNoMapAreLeftOut) {
     const std::string result = WithoutChanges("", MapOf("A\t0\t1\nB\t0\t2\n"), kSection, {"A"});
     EXPECT_EQ(WithoutLastLine(result), MapOf("B\t0\t2\n"));
