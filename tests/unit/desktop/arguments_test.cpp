@@ -48,6 +48,7 @@ TEST(Arguments, AreRefusedIfTheyMakeNoSense) {
     EXPECT_EQ(UsageFailure({WIDE("--nothing")}), WIDE("there is no option --nothing"));
     EXPECT_EQ(UsageFailure({WIDE("--out")}), WIDE("--out needs a value"));
     EXPECT_EQ(UsageFailure({WIDE("--out=")}), WIDE("--out needs the name of a folder"));
+    EXPECT_EQ(UsageFailure({WIDE("--changed=")}), WIDE("--changed needs the name of a map file"));
     for (const wide* id : {WIDE(""), WIDE("A"), WIDE("00AG"), WIDE("<id>00AB</id>"), WIDE("00 AB")}) {
         EXPECT_EQ(UsageFailure({WIDE("--folder"), id}),
                   WIDE("--folder needs an identifier as \"zebdesk folders\" shows it"));
@@ -57,6 +58,24 @@ TEST(Arguments, AreRefusedIfTheyMakeNoSense) {
               WIDE("--delete needs an identifier as the PIMID of a document shows it"));
     EXPECT_EQ(UsageFailure({WIDE("--xml=yes")}), WIDE("--xml takes no value"));
     EXPECT_EQ(UsageFailure({WIDE("read"), WIDE("contacts")}), WIDE(""));
+}
+
+TEST(Arguments, AreNamedAsTheUserWritesThem) {
+    EXPECT_EQ(OptionName(kOptionHelp), WIDE("--help"));
+    EXPECT_EQ(OptionName(kOptionQuiet), WIDE("--quiet"));
+    for (unsigned option = kOptionHelp; option <= kOptionNew; option *= 2) {
+        const CString name = OptionName(static_cast<Option>(option));
+        EXPECT_EQ(ParseArguments({name, WIDE("00AB")}).options, option) << option;
+    }
+}
+
+TEST(Arguments, ThatAreRefusedEndInAFailureThatIsAnException) {
+    try {
+        ParseArguments({WIDE("--nothing")});
+        FAIL() << "the option was taken";
+    } catch (const std::exception& exception) {
+        EXPECT_STREQ(exception.what(), "desktop program failure");
+    }
 }
 
 }  // namespace
