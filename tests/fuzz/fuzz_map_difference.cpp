@@ -58,7 +58,7 @@ PlainMap ReadPlainly(std::string_view text) {
         }
     }
     // A checksum ends a map and is no part of what it says.
-    const bool ends = !lines.empty() && !IsItem(lines.back()) && lines.back().rfind("checksum ", 0) == 0;
+    const bool ends = !lines.empty() && !IsItem(lines.back()) && lines.back().starts_with("checksum ");
     if (ends) {
         map.others.pop_back();
     }
@@ -73,7 +73,7 @@ std::set<std::string> Differences(const Items& before, const Items& after) {
         }
     }
     for (const auto& [id, line] : after) {
-        if (before.count(id) == 0) {
+        if (!before.contains(id)) {
             ids.insert(id);
         }
     }
@@ -101,10 +101,9 @@ void RequireTakenBack(std::string_view before, std::string_view after, const std
     const PlainMap now = ReadPlainly(after);
     Items expected = now.items;
     std::vector<std::string> back;
-    bool take = false;
+    std::size_t number = 0;
     for (const std::string& id : changed) {
-        take = !take;
-        if (!take) {
+        if (number++ % 2 != 0) {
             continue;
         }
         back.push_back(id);

@@ -18,7 +18,7 @@ using Items = std::map<std::string, MapSeconds>;
 /// Cuts off what stands in front of the first of the units, and the unit.
 std::string TakeUntil(std::string& text, char unit) {
     const std::size_t end = std::min(text.find(unit), text.size());
-    const std::string piece = text.substr(0, end);
+    std::string piece = text.substr(0, end);
     text.erase(0, end + 1);
     return piece;
 }
@@ -133,10 +133,10 @@ WriteOutcome PlainChange(const WriteFacts& write, const Case& given) {
 }
 
 WriteOutcome PlainDeletion(const WriteFacts& write, const Case& given) {
-    if (given.after.count(Key(write.id)) != 0) {
+    if (given.after.contains(Key(write.id))) {
         return WriteOutcome::kRefused;
     }
-    return given.before.count(Key(write.id)) != 0 ? WriteOutcome::kDone : WriteOutcome::kUnproven;
+    return given.before.contains(Key(write.id)) ? WriteOutcome::kDone : WriteOutcome::kUnproven;
 }
 
 /// Of the adds whose identifiers are not in the folder, as many of one time are done as items of that time
@@ -148,7 +148,7 @@ void RequireAdds(const Case& given, const std::vector<WriteOutcome>& outcomes) {
     }
     std::map<MapSeconds, std::size_t> came;
     for (const auto& [id, time] : given.after) {
-        if (given.before.count(id) == 0 && named.count(id) == 0) {
+        if (!given.before.contains(id) && !named.contains(id)) {
             ++came[time];
         }
     }
@@ -159,8 +159,8 @@ void RequireAdds(const Case& given, const std::vector<WriteOutcome>& outcomes) {
         }
         const std::string id = Key(write.id);
         const auto time = PlainSeconds(write.time);
-        const bool isOwn = given.after.count(id) != 0;
-        const bool wasThere = given.before.count(id) != 0;
+        const bool isOwn = given.after.contains(id);
+        const bool wasThere = given.before.contains(id);
         const bool claims = !wasThere && !isOwn && time && came[*time] != 0;
         Require((outcomes[i] == WriteOutcome::kDone) == (!wasThere && (isOwn || claims)));
         if (claims) {

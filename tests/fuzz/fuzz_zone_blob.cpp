@@ -27,9 +27,9 @@ long long BiasAt(const std::uint8_t* data, std::size_t place) {
 /// The fields of a date lie in the order year, month, day of the week, day, hour, minute, second.
 std::string RuleAt(const std::uint8_t* data, std::size_t place) {
     char text[64] = {};
-    std::snprintf(text, sizeof(text), "%04u%02u%02u%02u%02u%02u%02u", FieldAt(data, place),
-                  FieldAt(data, place + 2), FieldAt(data, place + 6), FieldAt(data, place + 8),
-                  FieldAt(data, place + 10), FieldAt(data, place + 12), FieldAt(data, place + 4));
+    (void)std::snprintf(text, sizeof(text), "%04u%02u%02u%02u%02u%02u%02u", FieldAt(data, place),
+                        FieldAt(data, place + 2), FieldAt(data, place + 6), FieldAt(data, place + 8),
+                        FieldAt(data, place + 10), FieldAt(data, place + 12), FieldAt(data, place + 4));
     return text;
 }
 
@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto bytes = static_cast<std::uint32_t>(size);
     NAMESPACE_COMMON::tagZebTimeZone zone;
     Require(ParseTimeZoneBlob(data, bytes, zone) == (data != nullptr && size >= kZoneBytes ? 1 : 0));
-    if (size < kZoneBytes) {
+    if (data == nullptr || size < kZoneBytes) {
         Require(FormatShortTimeZoneText(zone) == WIDE("GMT:+0;DST:0"));
         return 0;
     }
