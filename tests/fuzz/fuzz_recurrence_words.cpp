@@ -64,7 +64,7 @@ std::string Place(const RecurrenceFields& fields) {
     }
     const std::vector<std::string> nth = {"last", "first", "second", "third", "fourth"};
     const bool counted = fields.weekDay > 0 && fields.weekDay < 5;
-    const std::string which = nth[counted ? static_cast<std::size_t>(fields.weekDay) : 0];
+    const std::string& which = nth[counted ? static_cast<std::size_t>(fields.weekDay) : 0];
     std::string days = Days(fields.weekMask);
     if (fields.weekMask == 127) {
         days = "day";
