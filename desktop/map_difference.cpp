@@ -50,6 +50,14 @@ void AppendLine(std::string& text, std::string_view line) {
 
 constexpr std::string_view kChecksum = "checksum ";
 
+/// A map without its last line if that is the checksum. Such a line elsewhere ends a section as others do.
+std::string_view WithoutChecksum(std::string_view map) {
+    const std::string_view body = map.substr(0, map.size() - (map.ends_with('\n') ? 1 : 0));
+    const std::size_t last = body.rfind('\n') + 1;
+    const std::string_view line = body.substr(last);
+    return line.starts_with(kChecksum) && !IsItem(line) ? map.substr(0, last) : map;
+}
+
 void AppendChecksum(std::string& text) {
     constexpr std::string_view kHexDigits = "0123456789ABCDEF";
     constexpr unsigned kBits = 64;
@@ -96,8 +104,8 @@ std::string WithoutChanges(std::string_view before, std::string_view after, std:
         back[id] = known != old.end() ? known->second : std::string_view();
     }
     std::string text;
-    ForEachLine(after, section, [&](std::string_view line, bool ofSection) {
-        if (IsItem(line) ? !ofSection || !back.contains(IdentifierOf(line)) : !line.starts_with(kChecksum)) {
+    ForEachLine(WithoutChecksum(after), section, [&](std::string_view line, bool ofSection) {
+        if (!ofSection || !back.contains(IdentifierOf(line))) {
             AppendLine(text, line);
         }
         if (line == section) {

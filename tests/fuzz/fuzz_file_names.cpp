@@ -1,6 +1,9 @@
 // File names made of any text: every file system takes them, none is that of a device, and a name that is
 // good stays as it is.
 
+#include <string>
+
+#include "desktop/item_file_name.h"
 #include "libraries/fennic/log_name.h"
 #include "localstore/file_names.h"
 #include "tests/fuzz/fuzz_input.h"
@@ -49,6 +52,33 @@ void RequireMessageNameByItsEnd(const CString& name) {
     Require(localstore::IsMessageFileName(name + WIDE("x.MsG")));
 }
 
+/// The hash of an identifier, 64-bit FNV-1a as its authors publish it, with the multiplication by the prime
+/// 2^40 + 2^8 + 0xB3 taken apart.
+CString HashDigits(const CString& identifier) {
+    std::uint64_t hash = 14695981039346656037U;
+    for (const wide unit : identifier) {
+        hash ^= unit;
+        hash = (hash << 40U) + (hash << 8U) + hash * 0xB3U;
+    }
+    CString digits;
+    for (std::size_t i = 0; i < 16; ++i) {
+        digits.insert(0, 1, WIDE("0123456789abcdef")[hash % 16]);
+        hash /= 16;
+    }
+    return digits;
+}
+
+/// The file of an item is named after its identifier alone, and no two files of a read have one name.
+void RequireItemNames(const CString& identifier) {
+    const CString other = identifier + WIDE("0");
+    ItemFileNames names(WIDE("contact"));
+    const CString stem = WIDE("contact-") + HashDigits(identifier);
+    Require(names.Next(identifier) == stem + WIDE(".xml"));
+    Require(names.Next(other) == WIDE("contact-") + HashDigits(other) + WIDE(".xml"));
+    Require(names.Next(identifier) == stem + WIDE("-2.xml"));
+    Require(names.Next(identifier) == stem + WIDE("-3.xml"));
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -66,5 +96,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(LogFileName(module) == log || module.size() > 100);
 
     RequireMessageNameByItsEnd(text);
+    RequireItemNames(text);
     return 0;
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <string_view>
 
 #include "support/text.h"
 
@@ -21,5 +22,12 @@ inline CString TextOf(const std::uint8_t* data, std::size_t size) {
     for (std::size_t i = 0; i + 1 < size; i += 2) {
         text += static_cast<wide>(data[i] | data[i + 1] << 8);
     }
+    return text;
+}
+
+/// A text of ASCII characters in 16-bit units.
+inline CString TextOfAscii(std::string_view ascii) {
+    CString text;
+    text.assign(ascii.begin(), ascii.end());
     return text;
 }

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop/commands.h"
 #include "desktop/failure.h"
+#include "tests/unit/text_printer.h"
 
 namespace {
 
@@ -19,72 +19,63 @@ CString UsageFailure(const std::vector<CString>& arguments) {
 }
 
 TEST(Arguments, TakesOptionsAnywhere) {
-    const Arguments arguments =
-        ParseArguments({L"--out", L"a folder", L"read", L"--profile=Second=home", L"contacts", L"-q"});
-    EXPECT_EQ(arguments.words, (std::vector<CString>{L"read", L"contacts"}));
-    EXPECT_EQ(arguments.out, L"a folder");
-    EXPECT_EQ(arguments.profile, L"Second=home");
+    const Arguments arguments = ParseArguments({WIDE("--out"), WIDE("a folder"), WIDE("read"),
+                                                WIDE("--profile=Second=home"), WIDE("contacts"), WIDE("-q")});
+    EXPECT_EQ(arguments.words, (std::vector<CString>{WIDE("read"), WIDE("contacts")}));
+    EXPECT_EQ(arguments.out, WIDE("a folder"));
+    EXPECT_EQ(arguments.profile, WIDE("Second=home"));
     EXPECT_TRUE(arguments.Has(kOptionQuiet));
     EXPECT_FALSE(arguments.Has(kOptionXml));
 }
 
 TEST(Arguments, AreAllWordsBehindTwoHyphens) {
-    const Arguments arguments = ParseArguments({L"count", L"--", L"--xml", L"-"});
-    EXPECT_EQ(arguments.words, (std::vector<CString>{L"count", L"--xml", L"-"}));
+    const Arguments arguments = ParseArguments({WIDE("count"), WIDE("--"), WIDE("--xml"), WIDE("-")});
+    EXPECT_EQ(arguments.words, (std::vector<CString>{WIDE("count"), WIDE("--xml"), WIDE("-")}));
     EXPECT_EQ(arguments.options, 0U);
 }
 
 TEST(Arguments, TakesAValueThatLooksLikeAnOption) {
-    EXPECT_EQ(ParseArguments({L"--profile", L"--xml"}).profile, L"--xml");
+    EXPECT_EQ(ParseArguments({WIDE("--profile"), WIDE("--xml")}).profile, WIDE("--xml"));
 }
 
 TEST(Arguments, MayNameTheDefaultProfileByAnEmptyText) {
-    const Arguments arguments = ParseArguments({L"count", L"--profile", L""});
+    const Arguments arguments = ParseArguments({WIDE("count"), WIDE("--profile"), WIDE("")});
     EXPECT_TRUE(arguments.Has(kOptionProfile));
-    EXPECT_EQ(arguments.profile, L"");
+    EXPECT_EQ(arguments.profile, WIDE(""));
 }
 
 TEST(Arguments, AreRefusedIfTheyMakeNoSense) {
-    EXPECT_EQ(UsageFailure({L"--nothing"}), L"there is no option --nothing");
-    EXPECT_EQ(UsageFailure({L"--out"}), L"--out needs a value");
-    EXPECT_EQ(UsageFailure({L"--out="}), L"--out needs the name of a folder");
-    for (const wchar_t* id : {L"", L"A", L"00AG", L"<id>00AB</id>", L"00 AB"}) {
-        EXPECT_EQ(UsageFailure({L"--folder", id}),
-                  L"--folder needs an identifier as \"zebdesk folders\" shows it");
+    EXPECT_EQ(UsageFailure({WIDE("--nothing")}), WIDE("there is no option --nothing"));
+    EXPECT_EQ(UsageFailure({WIDE("--out")}), WIDE("--out needs a value"));
+    EXPECT_EQ(UsageFailure({WIDE("--out=")}), WIDE("--out needs the name of a folder"));
+    EXPECT_EQ(UsageFailure({WIDE("--changed=")}), WIDE("--changed needs the name of a map file"));
+    for (const wide* id : {WIDE(""), WIDE("A"), WIDE("00AG"), WIDE("<id>00AB</id>"), WIDE("00 AB")}) {
+        EXPECT_EQ(UsageFailure({WIDE("--folder"), id}),
+                  WIDE("--folder needs an identifier as \"zebdesk folders\" shows it"));
     }
-    EXPECT_EQ(UsageFailure({L"--folder=00aBF9"}), L"");
-    EXPECT_EQ(UsageFailure({L"--delete", L"<PIMID>"}),
-              L"--delete needs an identifier as the PIMID of a document shows it");
-    EXPECT_EQ(UsageFailure({L"--xml=yes"}), L"--xml takes no value");
-    EXPECT_EQ(UsageFailure({L"read", L"contacts"}), L"");
+    EXPECT_EQ(UsageFailure({WIDE("--folder=00aBF9")}), WIDE(""));
+    EXPECT_EQ(UsageFailure({WIDE("--delete"), WIDE("<PIMID>")}),
+              WIDE("--delete needs an identifier as the PIMID of a document shows it"));
+    EXPECT_EQ(UsageFailure({WIDE("--xml=yes")}), WIDE("--xml takes no value"));
+    EXPECT_EQ(UsageFailure({WIDE("read"), WIDE("contacts")}), WIDE(""));
 }
 
-TEST(Commands, AreRefusedBeforeAnythingHappens) {
-    for (const std::vector<CString>& arguments : std::vector<std::vector<CString>>{
-             {},
-             {L"sing"},
-             {L"read"},
-             {L"read", L"letters"},
-             {L"read", L"contacts", L"twice"},
-             {L"read", L"contacts", L"--out=x", L"--xml"},
-             {L"count", L"--out", L"x"},
-             {L"shutdown", L"--profile", L"x"},
-             {L"help", L"me"},
-             {L"convert"},
-             {L"convert", L"--out", L"x", L"-"},
-             {L"write"},
-             {L"write", L"contacts"},
-             {L"write", L"letters", L"x.xml"},
-             {L"write", L"calendars"},
-             {L"write", L"contacts", L"x.xml", L"--delete", L"00AB"},
-         }) {
-        EXPECT_EQ(RunDesktop(arguments), ExitCode::kUsage);
+TEST(Arguments, AreNamedAsTheUserWritesThem) {
+    EXPECT_EQ(OptionName(kOptionHelp), WIDE("--help"));
+    EXPECT_EQ(OptionName(kOptionQuiet), WIDE("--quiet"));
+    for (unsigned option = kOptionHelp; option <= kOptionNew; option *= 2) {
+        const CString name = OptionName(static_cast<Option>(option));
+        EXPECT_EQ(ParseArguments({name, WIDE("00AB")}).options, option) << option;
     }
 }
 
-TEST(Commands, ExplainThemselves) {
-    EXPECT_EQ(RunDesktop({L"help"}), ExitCode::kOk);
-    EXPECT_EQ(RunDesktop({L"read", L"-h"}), ExitCode::kOk);
+TEST(Arguments, ThatAreRefusedEndInAFailureThatIsAnException) {
+    try {
+        ParseArguments({WIDE("--nothing")});
+        FAIL() << "the option was taken";
+    } catch (const std::exception& exception) {
+        EXPECT_STREQ(exception.what(), "desktop program failure");
+    }
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "contacts/contact_fields.h"
+#include "tests/unit/text_printer.h"
 
 namespace {
 
@@ -61,12 +62,6 @@ TEST(ContactPairs, OfInstantMessagingFollowTheService) {
         const ContactField* const field = FindContactField(service);
         ASSERT_NE(field, nullptr) << service;
         EXPECT_EQ(CString(InstantMessagingElement(service)), CString(field->in)) << service;
-    }
-}
-
-TEST(ContactPairs, TakeAnUnknownServiceForAPartOfTheAddress) {
-    for (const std::int32_t service : {0, -1, 4021, 4031, 2147483647}) {
-        EXPECT_EQ(CString(InstantMessagingElement(service)), WIDE("IMAddress")) << service;
     }
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "support/wide.h"
+#include "tests/unit/text_printer.h"
 
 namespace {
 

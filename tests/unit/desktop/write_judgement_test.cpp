@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/unit/text_printer.h"
+
 namespace {
 
 using ::testing::ElementsAre;
