@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
-"""Writes the table of a sweep between its two marks in a document: faults_table.py LOG DOCUMENT."""
+"""Writes the table of a sweep between its two marks in a document: faults_table.py DOCUMENT LIST LOG...
+
+The list is that of all tests, in whose order the rows come; each log is that of some of them.
+"""
 
 import pathlib
 import re
@@ -10,13 +13,20 @@ END = "<!-- the table of make faults ends -->"
 HEADINGS = "| Operation | What fails | Points | Runs | Crashes | Leaks | Losses |\n|---|---|---:|---:|---:|---:|---:|\n"
 
 
+def read(path):
+    return pathlib.Path(path).read_text(encoding="utf-8", errors="replace").replace("\r", "")
+
+
 def rows(log):
-    """The rows of the sweeps that came to their end; a log that ends in the middle of a test gives no table."""
-    running = None
+    """The rows of the sweeps that came to their end, by the names of their tests; a log that ends in the middle of a test
+    gives no table."""
+    running = row = None
     for line in log.splitlines():
         if line.startswith("[ RUN      ]"):
-            running = line[len("[ RUN      ]"):].strip()
+            running, row = line[len("[ RUN      ]"):].strip(), None
         elif line.startswith(("[       OK ]", "[  FAILED  ]", "[  SKIPPED ]")):
+            if running is not None and row is not None:
+                yield running, row
             running = None
         elif line.startswith("FAULTS: "):
             operation, kind, points, runs, leaks, losses = (
@@ -24,16 +34,27 @@ def rows(log):
             )
             # What a kind never meets in an operation cannot fail there.
             if points != "0":
-                yield f"| {operation} | {kind} | {points} | {runs} | 0 | {leaks} | {losses} |"
+                row = f"| {operation} | {kind} | {points} | {runs} | 0 | {leaks} | {losses} |"
     if running is not None:
         sys.exit(f"faults_table: the program ended in {running}")
 
 
+def names(listed):
+    """The names of the tests of a list."""
+    suite = ""
+    for line in listed.splitlines():
+        name = line.split("#")[0].rstrip()
+        if name.startswith("  "):
+            yield suite + name.strip()
+        else:
+            suite = name
+
+
 def main():
-    log = pathlib.Path(sys.argv[1]).read_text(encoding="utf-8", errors="replace").replace("\r", "")
-    document = pathlib.Path(sys.argv[2])
+    document = pathlib.Path(sys.argv[1])
+    found = {name: row for path in sys.argv[3:] for name, row in rows(read(path))}
+    table = HEADINGS + "".join(found[name] + "\n" for name in names(read(sys.argv[2])) if name in found)
     text = document.read_text(encoding="utf-8")
-    table = HEADINGS + "\n".join(rows(log)) + "\n"
     pattern = re.escape(BEGIN) + ".*?" + re.escape(END)
     if not re.search(pattern, text, re.DOTALL):
         sys.exit(f"faults_table: {document} has no place for the table")
