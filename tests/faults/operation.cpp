@@ -166,7 +166,8 @@ std::vector<Operation> SessionOperations() {
          .run = [](StoreState&) { return g_MAPIObject.MAPILogOn(0, L"Work"); },
          .check = ExpectSession,
          .complete = 1,
-         .mostHandlesLeft = kZoneKeys,
+         // One that fails ends the session, so that the next one is prepared by a logon besides.
+         .mostHandlesLeft = 2 * kZoneKeys,
          .changesSession = true},
         {.name = "LogOff",
          .firstLine = L"MAPILogOff : Begin",

@@ -184,16 +184,17 @@ void ExpectContactDeleted(StoreState& state, const Outcome& outcome) {
 
 /// The closing callback may fail, behind everything else; the remote procedure then fails as it did.
 int WriteCalendar(StoreState& state) {
+    int result = 1;
     try {
         const ComApartmentHold apartment;
         ParseCalendarXml(state.incoming, state.calendar);
-        state.flagFound = state.flagLeft = state.calendar.m_lFlag;
-        const int result = g_MAPIObject.WriteCalendars(&state.calendar);
-        state.flagLeft = state.calendar.m_lFlag;
-        return result;
+        state.flagFound = state.calendar.m_lFlag;
+        result = g_MAPIObject.WriteCalendars(&state.calendar);
     } catch (const std::bad_alloc&) {
-        return 1;
+        result = 1;
     }
+    state.flagLeft = state.calendar.m_lFlag;
+    return result;
 }
 
 /// The result of a write is 0, or 1 where the zones could not even be looked for.

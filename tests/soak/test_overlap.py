@@ -1,7 +1,7 @@
-"""Eight clients call everything at once, which no rule allows: what an agent loses by it, and that the store loses nothing.
+"""Eight clients call everything at once, which no rule allows: the agent lives, and neither its heap nor the store takes harm.
 
-The system fills what the agent frees and checks the tails of its blocks; in every other round also its whole heap at each call,
-which leaves time for fewer of them.
+The system fills what the agent frees and checks the tails of its blocks. Its whole heap at each call (0x80) it must not check:
+under Wine eight threads that only allocate and free are found to have damaged it then.
 """
 
 import contextlib
@@ -15,15 +15,15 @@ ROUNDS = 6 if FULL else 1
 SECONDS = 60 if FULL else 3
 CLIENTS = 8
 OPTIONS = (r"HKLM\Software\Microsoft\Windows NT\CurrentVersion\Image File Execution Options" "\\" + harness.AGENT)
-# Filling and tails, checks of parameters, and with 0x80 of the whole heap.
-HEAP_CHECKS = ("0x70", "0xf0")
+# Tails, filling, and checks of parameters.
+HEAP_CHECKS = "0x70"
 
 
 class Overlap(SoakCase):
     @contextlib.contextmanager
-    def heap_checks(self, how):
+    def heap_checks(self):
         """Has the system check the heaps of agents that start meanwhile."""
-        self.reg("add", OPTIONS, "/v", "GlobalFlag", "/t", "REG_DWORD", "/d", how, "/f")
+        self.reg("add", OPTIONS, "/v", "GlobalFlag", "/t", "REG_DWORD", "/d", HEAP_CHECKS, "/f")
         try:
             yield
         finally:
@@ -50,9 +50,9 @@ class Overlap(SoakCase):
             found.pop(added, None)
             self.assertEqual(found, {f"{text} {number}": 1 for number in range(self.ITEMS)})
 
-    def overlap(self, seed, letters, checks):
-        """Lets the clients loose on an agent of its own, with the calls of some letters. Tells what was seen of it."""
-        with self.heap_checks(checks):
+    def overlap(self, seed, letters):
+        """Lets the clients loose on an agent of its own, with the calls of some letters."""
+        with self.heap_checks():
             agent = self.place.start_agent(FENNIC64_LEVEL="3", WINEDEBUG="err+heap,fixme-all")
         clients = self.start_stress("overlap", str(SECONDS), str(CLIENTS), str(seed), letters)
         try:
@@ -66,21 +66,20 @@ class Overlap(SoakCase):
         [line] = self.lines_of(clients)
         findings = agent.streams[1].read_text(errors="replace").count(":heap:")
         harness.tell_measured(f"seed {seed}, calls {letters}: {line}, the agent {end}, {findings} findings in the heap")
+        # Single calls may fail, and have: what they take may go at that moment (see docs/limits.md).
+        self.assertEqual((end, findings), ("lives", 0), line)
 
-    # Of the agent nothing is asked: what such calls do to it is not defined (see docs/limits.md), and under Wine two documents
-    # that are read at once are enough to end it.
-
-    def assert_store_survives(self, letters):
+    def assert_harmless(self, letters):
         for number in range(ROUNDS):
             with self.subTest(round=number):
-                self.overlap(SEED + number, letters, HEAP_CHECKS[number % len(HEAP_CHECKS)])
+                self.overlap(SEED + number, letters)
                 self.assert_store_is_whole()
 
-    def test_reads_and_sessions_at_once_leave_the_store_whole(self):
-        self.assert_store_survives("nnfFPscrmS")
+    def test_reads_and_sessions_at_once_leave_agent_and_store_whole(self):
+        self.assert_harmless("nnfFPscrmS")
 
-    def test_writes_besides_leave_the_store_whole(self):
-        self.assert_store_survives("nnfFPscrmSwww")
+    def test_writes_besides_leave_agent_and_store_whole(self):
+        self.assert_harmless("nnfFPscrmSwww")
 
 
 if __name__ == "__main__":
