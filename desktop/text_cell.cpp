@@ -4,11 +4,30 @@
 #include <iterator>
 
 #include "desktop/character_widths.h"
-#include "support/characters.h"
 
 namespace {
 
+constexpr char32_t kReplacementCharacter = 0xFFFD;
 constexpr wide kEllipsis = 0x2026;
+
+constexpr bool IsHighSurrogate(wide unit) {
+    return (unit & 0xFC00U) == 0xD800U;
+}
+constexpr bool IsLowSurrogate(wide unit) {
+    return (unit & 0xFC00U) == 0xDC00U;
+}
+
+/// Takes the first character off a text that is not empty. A lone surrogate counts as U+FFFD.
+char32_t TakeCharacter(WideView& text) {
+    const wide first = text.front();
+    if (IsHighSurrogate(first) && text.size() > 1 && IsLowSurrogate(text[1])) {
+        const char32_t character = 0x10000U + ((first & 0x3FFU) << 10U) + (text[1] & 0x3FFU);
+        text.remove_prefix(2);
+        return character;
+    }
+    text.remove_prefix(1);
+    return IsHighSurrogate(first) || IsLowSurrogate(first) ? kReplacementCharacter : char32_t{first};
+}
 
 template<std::size_t count>
 bool IsIn(const CodePointRange (&ranges)[count], char32_t character) {

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "support/utf8.h"
-
 namespace {
 
 /// The two states of the folder, and which of its new items belong to a write already.
@@ -115,9 +113,12 @@ std::vector<WriteOutcome> JudgeWrites(std::span<const WriteFacts> writes, const 
 }
 
 std::string StateKey(WideView identifier) {
-    std::string key = Utf8FromWide(identifier);
-    std::ranges::transform(key, key.begin(), [](char unit) {
-        return unit >= 'a' && unit <= 'f' ? static_cast<char>(unit - 'a' + 'A') : unit;
-    });
+    std::string key;
+    key.reserve(identifier.size());
+    for (const wide unit : identifier) {
+        // No identifier of a folder's state has any other character.
+        const char character = unit < 0x80 ? static_cast<char>(unit) : '?';
+        key += character >= 'a' && character <= 'f' ? static_cast<char>(character - 'a' + 'A') : character;
+    }
     return key;
 }

@@ -1,36 +1,24 @@
 #include "support/utf8.h"
 
-#include "support/characters.h"
+#include <windows.h>
 
-namespace {
-
-/// The byte behind the first one of a character that holds its bits from `shift` on.
-char Continuation(char32_t character, unsigned shift) {
-    return static_cast<char>(0x80U | (character >> shift & 0x3FU));
-}
-
-}  // namespace
+#include <algorithm>
+#include <cstddef>
 
 std::string Utf8FromWide(WideView text) {
+    // The platform counts in signed 32 bits, and a unit becomes up to three bytes.
+    constexpr std::size_t kLongestPiece = 0x10000000;
     std::string bytes;
-    bytes.reserve(text.size());
     while (!text.empty()) {
-        const char32_t character = TakeCharacter(text);
-        if (character < 0x80) {
-            bytes += static_cast<char>(character);
-        } else if (character < 0x800) {
-            bytes += static_cast<char>(0xC0U | character >> 6U);
-            bytes += Continuation(character, 0);
-        } else if (character < 0x10000) {
-            bytes += static_cast<char>(0xE0U | character >> 12U);
-            bytes += Continuation(character, 6);
-            bytes += Continuation(character, 0);
-        } else {
-            bytes += static_cast<char>(0xF0U | character >> 18U);
-            bytes += Continuation(character, 12);
-            bytes += Continuation(character, 6);
-            bytes += Continuation(character, 0);
-        }
+        std::size_t length = std::min(text.size(), kLongestPiece);
+        const bool cutsPair = length < text.size() && (text[length] & 0xFC00U) == 0xDC00U;
+        length -= cutsPair ? 1 : 0;
+        const std::size_t done = bytes.size();
+        const int units = static_cast<int>(length);
+        const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
+        bytes.resize(done + static_cast<std::size_t>(size));
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), units, bytes.data() + done, size, nullptr, nullptr);
+        text.remove_prefix(length);
     }
     return bytes;
 }

@@ -165,4 +165,9 @@ TEST(AWrite, WithoutTheFoldersStatesIsUnprovenUnlessItAsksForNothing) {
                 ElementsAre(Outcome::kUnproven, Outcome::kUnproven, Outcome::kUnproven, Outcome::kRefused));
 }
 
+TEST(StateKey, IsUpperCaseAndHasNoOtherCharactersThanAState) {
+    EXPECT_EQ(StateKey(WIDE("0aBcDeFg9")), "0ABCDEFg9");
+    EXPECT_EQ(StateKey(WIDE("a\u0141\uFF41")), "A??");
+}
+
 }  // namespace
