@@ -14,6 +14,8 @@
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
+#include <map>
+#include <mutex>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -343,35 +345,61 @@ void CallAnything(wchar_t call, const Kind& kind) {
     }
 }
 
+/// What became of the calls of all clients.
+struct Tally {
+    std::mutex mutex;
+    unsigned long calls = 0;
+    std::map<wchar_t, unsigned long> succeeded;     ///< by letter
+    std::map<unsigned long, unsigned long> failed;  ///< by status of the remote call
+
+    template<class Key>
+    void Add(std::map<Key, unsigned long>& counts, Key key) {
+        const std::lock_guard lock(mutex);
+        ++counts[key];
+    }
+};
+
+/// One client's calls until a time comes.
+void CallAtRandom(ULONGLONG end, unsigned seed, std::wstring_view letters, Tally& tally) {
+    std::mt19937 random(seed);
+    unsigned long calls = 0;
+    bool isAgentThere = true;
+    while (isAgentThere && GetTickCount64() < end) {
+        ++calls;
+        const wchar_t call = letters[random() % letters.size()];
+        try {
+            CallAnything(call, kKinds[random() % 2]);
+            tally.Add(tally.succeeded, call);
+        } catch (const RpcFailure& failure) {
+            tally.Add(tally.failed, failure.Status());
+            isAgentThere = failure.Status() != RPC_S_SERVER_UNAVAILABLE;
+        } catch (const std::exception&) {
+            // A write or a logon that another call took the session from.
+            Sleep(0);
+        }
+    }
+    const std::lock_guard lock(tally.mutex);
+    tally.calls += calls;
+}
+
 void Overlap(unsigned long seconds, unsigned long clients, unsigned seed, std::wstring_view letters) {
-    std::atomic<unsigned long> calls = 0;
-    std::atomic<unsigned long> failures = 0;
-    std::atomic<unsigned long> lastStatus = 0;
+    Tally tally;
     const ULONGLONG end = GetTickCount64() + seconds * 1000ULL;
     std::vector<std::thread> threads;
+    threads.reserve(clients);
     for (unsigned long client = 0; client < clients; ++client) {
-        threads.emplace_back([&, client] {
-            std::mt19937 random(seed + client);
-            while (GetTickCount64() < end && lastStatus != RPC_S_SERVER_UNAVAILABLE) {
-                try {
-                    ++calls;
-                    const wchar_t call = letters[random() % letters.size()];
-                    CallAnything(call, kKinds[random() % 2]);
-                } catch (const RpcFailure& failure) {
-                    ++failures;
-                    lastStatus = failure.Status();
-                } catch (const std::exception&) {
-                    // A write or a logon that another call took the session from.
-                    Sleep(0);
-                }
-            }
-        });
+        threads.emplace_back([&, client] { CallAtRandom(end, seed + client, letters, tally); });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
-    std::printf("overlap %lu calls, %lu remote failures, the last with %lu\n", calls.load(), failures.load(),
-                lastStatus.load());
+    std::printf("calls %lu\n", tally.calls);
+    for (const auto& [call, count] : tally.succeeded) {
+        std::printf("succeeded %lc %lu\n", static_cast<wint_t>(call), count);
+    }
+    for (const auto& [status, count] : tally.failed) {
+        std::printf("failed %lu %lu\n", status, count);
+    }
 }
 
 void Run(const std::vector<std::wstring>& words) {
