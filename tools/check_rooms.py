@@ -4,6 +4,7 @@
 - includes run one way between the rooms;
 - a file of the pure ring includes no Windows header, not even through another header;
 - resources are released by the owners in support/owners.h and nowhere else;
+- nothing outside tests/ takes the rights of another user;
 - no source file has more than 500 lines.
 
 Prints one line a finding and ends with 1 if there is any.
@@ -52,6 +53,9 @@ RAW_RELEASE = re.compile(
     r"(?:->|\.)\s*Release\s*\("
     r"|(?<![\w.>:])(?:::)?(?:pfnMAPIFreeBuffer|MAPIFreeBuffer|pfnFreeProws|FreeProws|CloseHandle|RegCloseKey"
     r"|SysFreeString|FindClose|FreeLibrary)\s*\(")
+
+# Each of the platform's functions by which a thread acts as somebody else, RpcImpersonateClient and SetThreadToken among them.
+IMPERSONATION = re.compile(r"\b(?:\w*Impersonate\w*|SetThreadToken|LogonUser\w*|CreateProcess(?:AsUser|WithToken|WithLogon)\w*)\s*\(")
 
 # Files that may break a rule, and why. An entry that excuses nothing is a finding too.
 EXCEPTIONS = {
@@ -182,6 +186,15 @@ def check_releases(house):
                 yield Finding(path, number, "release", f"released outside {OWNERS}: {line.strip()}")
 
 
+def check_rights(house):
+    for path, text in house.code.items():
+        if path.startswith("tests/"):
+            continue
+        for number, line in enumerate(without_comments(text, keep_texts=False).splitlines(), 1):
+            if IMPERSONATION.search(line):
+                yield Finding(path, number, "rights", f"takes the rights of another user: {line.strip()}")
+
+
 def check_sizes(house):
     for path, text in house.texts.items():
         count = len(text.splitlines())
@@ -195,7 +208,7 @@ def check(root, exceptions=None):
     house = House(root)
     used = set()
     findings = []
-    for checker in (check_directions, check_pure_ring, check_releases, check_sizes):
+    for checker in (check_directions, check_pure_ring, check_releases, check_rights, check_sizes):
         for finding in checker(house):
             if (finding.path, finding.rule) in exceptions:
                 used.add((finding.path, finding.rule))

@@ -100,6 +100,13 @@ class CheckRoomsTest(unittest.TestCase):
                  "ULONG Store::Release() { return 0; }", "owner.Reset();", 'R"(object->Release();)";']
         self.assertEqual(self.check({"mapi/a.cpp": "\n".join(lines) + "\n"}), [])
 
+    def test_the_rights_of_another_user(self):
+        lines = ["RpcImpersonateClient(nullptr);", "::ImpersonateNamedPipeClient(pipe);", "SetThreadToken(nullptr, token);",
+                 "LogonUserW(name);", "CreateProcessAsUserW(token);"]
+        self.assertEqual(self.check({"agent/a.cpp": "\n".join(lines)}),
+                         [("agent/a.cpp", line + 1, "rights") for line in range(len(lines))])
+        self.assertEqual(self.check({"agent/a.cpp": "// RpcImpersonateClient();\nCreateProcessW(program);\n"}), [])
+
     def test_size(self):
         self.assertEqual(self.check({"mapi/a.cpp": "\n" * 500}), [])
         self.assertEqual(self.check({"mapi/a.cpp": "\n" * 501}), [("mapi/a.cpp", 501, "size")])
