@@ -5,15 +5,15 @@ that is not planned. Each line of the file is one measurement:
 {"what": ..., "kind": ..., "items": N, "seconds": [of each repetition over all items, ...], "turn": ...,
  "peak_bytes": ..., "store_bytes": ...}
 
-All reads are by a desktop program that does nothing with what it gets. "agent-first" is the first full read of a new agent, and
-"store-first" the same by a process that does nothing but the read's store calls; "msgreader-cold" takes turns with both. "agent" is
-a repeated full read. It takes turns with "callbacks", "store" and "documents", the three parts of its floor, each alone, and with
-two parts of what is the agent's own: "selections" are those that it makes in the documents while they are built, "dates" the
-conversion of the items' dates. "full" is a repeated full read that takes turns with "changed" alone, a read of changes of a folder
-in which nothing changed; every size of a folder is measured so. "store-again" are the store calls of a repeated full read,
-"folders" is the folder document, "comparison" the comparison with a map alone. What took turns has the same word as its turn. The
-bytes are what the process grows by in its first full read, at its peak: the agent's, and that of the process that does nothing
-but the store's part, both after a read of the other kind.
+All reads are by a desktop program that does nothing with what it gets. "agent-first" is the first full read of a new agent,
+and "store-first" the same by a process that does nothing but the read's store calls; "msgreader-cold" takes turns with both.
+"agent" is a repeated full read. It takes turns with "callbacks", "store" and "documents", the three parts of its floor, each
+alone, and with two parts of what is the agent's own: "selections" are those that it makes in the documents while they are
+built, "dates" the conversion of the items' dates. "full" is a repeated full read that takes turns with "changed" alone, a read
+of changes of a folder in which nothing changed; each size of a folder is measured so. "store-again" and "store-changed" are
+the store calls of both, "folders" is the folder document, "comparison" the comparison with a map alone. What took turns has
+the same word as its turn. The bytes are what the process grows by in its first full read, at its peak: the agent's, and that
+of the process that does nothing but the store's part, both after a read of the other kind.
 
 The environment is that of the end-to-end tests, and ZEB_BENCH_BIN_DIR holds the measuring programs.
 """
@@ -227,6 +227,7 @@ class Measuring:
         store.ask(self.read)
         own = memory.growth()
         self.write("store-again", [store.seconds(self.read) for _ in range(STORE_REPETITIONS)])
+        self.write("store-changed", [store.seconds(f"list {self.read}") for _ in range(STORE_REPETITIONS)])
         store.close()
         return own
 

@@ -1,10 +1,10 @@
 """What make bench measured, as it stands in a file of JSON lines, and what follows from it.
 
-A line is one measurement: {"what", "kind", "items", "seconds", "turn", "peak_bytes", "store_bytes"}. "seconds" has the whole time
-of each repetition. What took turns, one repetition of each after the other, has the same word as its "turn"; without one nothing is
-known of when it ran beside the others. Programs that take turns may write a line each time; lines of the same measurement are put
-together. The bytes may be left out; those of a full read are what the agent's process grows by in the first one, and what one
-grows by that does nothing but the read's store calls."""
+A line is one measurement: {"what", "kind", "items", "seconds", "turn", "peak_bytes", "store_bytes"}. "seconds" has the whole
+time of each repetition. What took turns, one repetition of each after the other, has the same word as its "turn"; without one
+nothing is known of when it ran beside the others. Programs that take turns may write a line each time; lines of the same
+measurement are put together. The bytes may be left out; those of a full read are what the agent's process grows by in the
+first one, and what one grows by that does nothing but the read's store calls."""
 
 import json
 import statistics
@@ -20,8 +20,8 @@ KINDS = {
 FLOOR = ("callbacks", "store", "documents")
 # Parts of what is left of the agent's time: the selections that it makes in documents, and the conversion of dates.
 OWN = ("selections", "dates")
-WHATS = {"agent", "agent-first", "full", "changed", "folders", "comparison", "store-first", "store-again", "msgreader-cold",
-         "msgreader-warm", *FLOOR, *OWN}
+WHATS = {"agent", "agent-first", "full", "changed", "folders", "comparison", "store-first", "store-again", "store-changed",
+         "msgreader-cold", "msgreader-warm", *FLOOR, *OWN}
 
 # The median of what the repetitions gave, and the least and the most of it, which are None if there is but one value.
 Spread = namedtuple("Spread", "median least most")

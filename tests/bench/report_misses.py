@@ -43,34 +43,37 @@ def explain_growth(found, aim):
         if value is not None and is_missed(aim, value):
             times = [found.median_per_item(what, kind, items) for what in ("full", "store-again")
                      for items in (SIZES[-1], SIZES[0])]
-            words.append(f"Of {name} one takes {time_cell(times[0])} instead of {time_cell(times[1])}, and the store's calls alone "
-                         f"{time_cell(times[2])} instead of {time_cell(times[3])}.")
+            words.append(f"Of {name} one takes {time_cell(times[0])} instead of {time_cell(times[1])}, and the store's calls "
+                         f"alone {time_cell(times[2])} instead of {time_cell(times[3])}.")
     return " ".join(words)
+
+
+def kinds_that_miss(aim):
+    return [kind for kind, name in KINDS.items()
+            if any(value is not None and is_missed(aim, value) for of, value in aim.values.items() if of.split(",")[0] == name)]
 
 
 def explain_changed(found, aim):
     words = []
-    for kind, name in KINDS.items():
-        if not any(value is not None and is_missed(aim, value) for of, value in aim.values.items() if of.split(",")[0] == name):
-            continue
+    for kind in kinds_that_miss(aim):
         items = found.sizes(kind, "full", "changed")[-1]
-        changed, comparison = (found.median_per_item(what, kind, items) for what in ("changed", "comparison"))
-        words.append(f"Of {items:,} {name} an unchanged one takes {time_text(changed)}, of which {time_cell(comparison)} are the "
-                     "comparison with the map.")
-    return " ".join([*words, "The rest was not taken apart."])
+        changed, *parts = (found.median_per_item(what, kind, items) for what in ("changed", "store-changed", "comparison"))
+        own = None if None in parts else changed - sum(parts)
+        words.append(f"Of {items:,} {KINDS[kind]} an unchanged one takes {time_text(changed)}: {time_cell(parts[0])} in the "
+                     f"store's calls alone, {time_cell(parts[1])} in the comparison with the map, and {time_cell(own)} in the "
+                     "agent.")
+    return " ".join(words)
 
 
 def explain_program(found, aim):
     words = []
-    for kind, name in KINDS.items():
-        if not any(value is not None and is_missed(aim, value) for of, value in aim.values.items() if of.split(",")[0] == name):
-            continue
+    for kind in kinds_that_miss(aim):
         items = found.sizes(kind, "agent-first", "msgreader-cold")[-1]
         first, again, store, cold, warm = (found.median_per_item(what, kind, items) for what in (
             "agent-first", "agent", "store-first", "msgreader-cold", "msgreader-warm"))
-        words.append(f"One of {items:,} {name} takes {time_text(first)} in the first read and {time_cell(again)} in a repeated one. "
-                     f"The store's calls alone take {time_cell(store)} of the first read, in a new process too. The program takes "
-                     f"{time_text(cold)} cold and {time_cell(warm)} warm.")
+        words.append(f"One of {items:,} {KINDS[kind]} takes {time_text(first)} in the first read and {time_cell(again)} in a "
+                     f"repeated one. The store's calls alone take {time_cell(store)} of the first read, in a new process too. "
+                     f"The program takes {time_text(cold)} cold and {time_cell(warm)} warm.")
     return " ".join(words)
 
 

@@ -106,17 +106,19 @@ def growth_rows(found):
                    cell(lambda time: time_text(time.median * items), full), median_cell(full),
                    median_cell(found.per_item("store-again", kind, items)),
                    cell(lambda time: time_text(time.median * items), changed), median_cell(changed),
+                   median_cell(found.per_item("store-changed", kind, items)),
                    cell(percent_text, found.ratio("changed", "full", kind, items))]
 
 
 def growth_table(found):
-    return table(["Items", "Number", "Full read", "An item", "Store's calls alone, an item", "Changed read", "An item of it",
-                  "Changed to full"], growth_rows(found))
+    return table(["Items", "Number", "Full read", "An item of it", "Store's calls alone, an item of it", "Changed read",
+                  "An item of it", "Store's calls alone, an item of it", "Changed to full"], growth_rows(found))
 
 
 def sizes_of_growth(found, kind, *whats):
     """The sizes for which any of these was measured; of contacts all that are expected."""
-    return sorted({*(SIZES if kind == "contacts" else ()), *(items for what in whats for items in found.sizes(kind, what))})
+    measured = (items for what in whats for items in found.sizes(kind, what))
+    return sorted({*(SIZES if kind == "contacts" else ()), *measured})
 
 
 def memory_rows(found):
