@@ -1,14 +1,19 @@
 #!/usr/bin/env python3
-"""Measures what a read costs: bench.py MEASUREMENTS.jsonl. Each line of the file is one measurement:
+"""Measures what a read costs: bench.py MEASUREMENTS.jsonl [FOLDER...]. A FOLDER is a kind and a number, and may have a number
+that is not planned. Each line of the file is one measurement:
 
-{"what": ..., "kind": ..., "items": N, "seconds": [of each repetition over all items, ...],
+{"what": ..., "kind": ..., "items": N, "seconds": [of each repetition over all items, ...], "turn": ...,
  "peak_bytes": ..., "store_bytes": ...}
 
-"agent" is a full read by a desktop program that does nothing with what it gets, "callbacks", "store" and "documents" are the
-three parts of its floor, each alone. "changed" is a read of changes of a folder in which nothing changed, "folders" the folder
-document, "comparison" the comparison with a map alone. The repetitions of what is compared take turns, so that what disturbs
-the machine meanwhile disturbs them all. The bytes are what the process grows by in its first full read, at its peak: the
-agent's, and that of the process that does nothing but the store's part.
+All reads are by a desktop program that does nothing with what it gets. "agent-first" is the first full read of a new agent,
+and "store-first" the same by a process that does nothing but the read's store calls; "msgreader-cold" takes turns with both.
+"agent" is a repeated full read. It takes turns with "callbacks", "store" and "documents", the three parts of its floor, each
+alone, and with two parts of what is the agent's own: "selections" are those that it makes in the documents while they are
+built, "dates" the conversion of the items' dates. "full" is a repeated full read that takes turns with "changed" alone, a read
+of changes of a folder in which nothing changed; each size of a folder is measured so. "store-again" and "store-changed" are
+the store calls of both, "folders" is the folder document, "comparison" the comparison with a map alone. What took turns has
+the same word as its turn. The bytes are what the process grows by in its first full read, at its peak: the agent's, and that
+of the process that does nothing but the store's part, both after a read of the other kind.
 
 The environment is that of the end-to-end tests, and ZEB_BENCH_BIN_DIR holds the measuring programs.
 """
@@ -31,19 +36,25 @@ from harness import windows_path  # noqa: E402
 MSGREADER = pathlib.Path(__file__).resolve().parent / "msgreader/run.sh"
 BENCH_BIN = pathlib.Path(os.environ.get("ZEB_BENCH_BIN_DIR", harness.ROOT / "build/release/bench"))
 
-# What is read: a kind, how many items, how often, and whether the parts of the floor are measured too.
+# What is read: a kind, how many items, and how many turns: of first reads, of the full and the changed read, and of the agent
+# with the parts of its floor.
 PLAN = [
-    ("contacts", 500, 15, True),
-    ("appointments", 500, 15, True),
-    ("recurring", 500, 15, True),
-    ("exceptions", 500, 15, True),
-    ("contacts", 5000, 3, False),
-    ("appointments", 5000, 3, False),
-    ("contacts", 50000, 1, False),
-    ("appointments", 50000, 1, False),
+    ("contacts", 500, 5, 15, 15),
+    ("appointments", 500, 5, 15, 15),
+    ("recurring", 500, 5, 15, 15),
+    ("exceptions", 500, 5, 15, 15),
+    ("contacts", 5000, 0, 5, 0),
+    ("appointments", 5000, 0, 5, 0),
+    ("contacts", 50000, 0, 2, 0),
+    ("appointments", 50000, 0, 2, 0),
 ]
+# For a folder that is not planned: everything, but not often.
+TURNS_TO_TRY = (2, 3, 3)
 # Comparisons are quick, and the folder document too.
 QUICK_REPETITIONS = 7
+STORE_REPETITIONS = 3
+# The turn of new processes, for which the independent program writes lines of its own.
+FIRST = "first"
 
 
 def say(text):
@@ -106,6 +117,9 @@ class Memory:
 class Measuring:
     """The measurements of one folder of one kind, with an agent of its own."""
 
+    # Whether the independent program could be had so far.
+    has_reader = True
+
     def __init__(self, place, output, folder, kind, count):
         self.place, self.output, self.folder, self.kind, self.count = place, output, folder, kind, count
         self.profile = folder.parents[1].name
@@ -118,85 +132,132 @@ class Measuring:
         self.output.flush()
         best = min(seconds)
         say(f"{self.profile} {what}: {best:.3f} s, {best / self.count * 1e6:.1f} us an item" +
-            "".join(f", {name} {value / self.count:.0f} an item" for name, value in more.items()))
+            "".join(f", {name} {value / self.count:.0f} an item" for name, value in more.items() if name != "turn"))
 
     def start(self, program, *arguments):
         return Program(self.place, BENCH_BIN / program, *arguments)
 
     def store(self):
-        return self.start("bench_store.exe", windows_path(self.place.bin / "MAPI32.dll"), self.profile, self.read)
+        return self.start("bench_store.exe", windows_path(self.place.bin / "MAPI32.dll"), self.profile)
 
-    def run(self, repetitions, with_floor):
+    def write_all(self, seconds, turn, **more):
+        """Writes what took turns. The bytes belong to the first."""
+        for number, (name, taken) in enumerate(seconds.items()):
+            self.write(name, taken, turn=turn, **(more if number == 0 else {}))
+
+    def start_session(self):
+        """An agent that is logged on to the profile, and the desktop program."""
         agent = self.place.start_agent()
         client = self.start("bench_client.exe")
         if client.ask(f"logon {self.profile}") != ["0"]:
             raise RuntimeError("no logon")
-        client.ask(self.other)
-        peaks = self.measure_memory(agent, client)
-        if with_floor:
-            self.measure_with_floor(client, repetitions, peaks)
-        else:
-            self.write("agent", [client.seconds(self.read) for _ in range(repetitions)], **peaks)
-        self.measure_changed(client)
-        self.write("folders", [client.seconds("folders") for _ in range(QUICK_REPETITIONS)])
+        return agent, client
+
+    def end_session(self, agent, client):
         client.ask("logoff")
         client.ask("shutdown")
         client.close()
         agent.wait(harness.PATIENCE)
-        self.measure_comparison()
-        if with_floor:
-            self.measure_independent_reader(repetitions)
 
-    def measure_independent_reader(self, repetitions):
-        """Another program that reads the same files. It says for itself what it needs and whether it is there."""
-        self.output.flush()
-        subprocess.run([MSGREADER, self.folder, self.kind, str(repetitions), self.output.name], check=True)
-
-    def measure_memory(self, agent, client):
-        memory = Memory(agent.pid)
-        _, documents, _ = client.ask(self.read)
+    def read_all(self, client):
+        """The seconds of a full read."""
+        seconds, documents, _ = client.ask(self.read)
         if int(documents) != self.count:
             raise RuntimeError(f"{documents} documents of {self.count}")
-        peak = memory.growth()
-        store = self.store()
-        memory = store.memory()
-        store.ask()
-        own = memory.growth()
-        store.close()
-        return {"peak_bytes": peak, "store_bytes": own}
+        return float(seconds)
 
-    def measure_with_floor(self, client, repetitions, peaks):
+    def run(self, first_turns, turns, floor_turns):
+        self.measure_first(first_turns)
+        agent, client = self.start_session()
+        self.measure_growing(agent, client, turns)
+        if floor_turns:
+            self.measure_with_floor(client, floor_turns)
+        self.write("folders", [client.seconds("folders") for _ in range(QUICK_REPETITIONS)])
+        self.end_session(agent, client)
+        self.measure_comparison()
+        if floor_turns:
+            self.measure_independent_reader("warm", floor_turns)
+
+    def measure_first(self, turns):
+        """First reads: of an agent, of the store's calls alone and of the independent program, each a new process."""
+        seconds = {"agent-first": [], "store-first": []}
+        for _ in range(turns):
+            agent, client = self.start_session()
+            seconds["agent-first"].append(self.read_all(client))
+            self.end_session(agent, client)
+            store = self.store()
+            seconds["store-first"].append(store.seconds(self.read))
+            store.close()
+            self.measure_independent_reader("cold", 1)
+        if turns:
+            self.write_all(seconds, FIRST)
+
+    def measure_independent_reader(self, how, repetitions):
+        """Another program that reads the same files. It says for itself what it needs and whether it is there; where it is not,
+        it is not asked again."""
+        if Measuring.has_reader:
+            self.output.flush()
+            length = os.path.getsize(self.output.name)
+            subprocess.run([MSGREADER, self.folder, self.kind, how, str(repetitions), self.output.name, FIRST], check=True)
+            Measuring.has_reader = os.path.getsize(self.output.name) > length
+
+    def measure_growing(self, agent, client, turns):
+        """What is measured of a folder of any size, in the same way."""
+        client.ask(self.other)
+        memory = Memory(agent.pid)
+        self.read_all(client)
+        peak = memory.growth()
+        own = self.measure_store()
+        changes = f"{self.read} {windows_path(self.place.path / f'{self.profile}.map')}"
+        client.ask(changes)
+        seconds = {"full": [], "changed": []}
+        for _ in range(turns):
+            seconds["full"].append(self.read_all(client))
+            taken, documents, _ = client.ask(changes)
+            if int(documents) != 0:
+                raise RuntimeError("something changed")
+            seconds["changed"].append(float(taken))
+        self.write_all(seconds, "growth", peak_bytes=peak, store_bytes=own)
+
+    def measure_store(self):
+        """What the store's part of a read takes in memory. Its time is that of a repeated one."""
+        store = self.store()
+        store.ask(self.other)
+        memory = store.memory()
+        store.ask(self.read)
+        own = memory.growth()
+        self.write("store-again", [store.seconds(self.read) for _ in range(STORE_REPETITIONS)])
+        self.write("store-changed", [store.seconds(f"list {self.read}") for _ in range(STORE_REPETITIONS)])
+        store.close()
+        return own
+
+    def measure_with_floor(self, client, turns):
         texts = self.place.path / "documents.texts"
         client.ask(f"keep {windows_path(texts)}")
         client.ask(self.read)
+        callbacks = self.start("bench_callbacks.exe", windows_path(texts), self.read)
+        store = self.store()
+        documents = self.start("bench_documents.exe", windows_path(texts))
         parts = {
-            "agent": client,
-            "callbacks": self.start("bench_callbacks.exe", windows_path(texts), self.read),
-            "store": self.store(),
-            "documents": self.start("bench_documents.exe", windows_path(texts)),
+            "agent": (client, self.read),
+            "callbacks": (callbacks, self.read),
+            "store": (store, self.read),
+            "documents": (documents, "documents"),
+            "dates": (documents, "dates"),
         }
+        # Nothing is selected in a contact's document.
+        if self.read != "contacts":
+            parts["selections"] = (documents, "selections")
         seconds = {name: [] for name in parts}
-        for repetition in range(repetitions + 1):
-            for name, program in parts.items():
-                taken = program.seconds(self.read)
+        for turn in range(turns + 1):
+            for name, (program, line) in parts.items():
+                taken = program.seconds(line)
                 # The first one warms up.
-                if repetition > 0:
+                if turn > 0:
                     seconds[name].append(taken)
-        for name, taken in seconds.items():
-            self.write(name, taken, **(peaks if name == "agent" else {}))
-        for name, program in parts.items():
-            if name != "agent":
-                program.close()
-        floor = sum(min(taken) for name, taken in seconds.items() if name != "agent")
-        say(f"{self.profile}: {min(seconds['agent']) / floor:.3f} times the floor")
-
-    def measure_changed(self, client):
-        changes = windows_path(self.place.path / f"{self.profile}.map")
-        client.ask(f"{self.read} {changes}")
-        answers = [client.ask(f"{self.read} {changes}") for _ in range(3)]
-        if any(int(answer[1]) != 0 for answer in answers):
-            raise RuntimeError("something changed")
-        self.write("changed", [float(answer[0]) for answer in answers])
+        self.write_all(seconds, "floor")
+        for program in (callbacks, store, documents):
+            program.close()
 
     def measure_comparison(self):
         comparison = self.start_beside_agent("bench_comparison.exe",
@@ -210,20 +271,26 @@ class Measuring:
         return Program(self.place, self.place.bin / program, *arguments)
 
 
-def main(output_path, wanted):
+def folders_of(words):
+    """What is planned, or what some words name: a kind and a number of items each."""
+    planned = {f"{kind}{count}": (kind, count, *turns) for kind, count, *turns in PLAN}
+    for word in words or planned:
+        kind, count = re.fullmatch(r"([a-z]+)([1-9]\d*)", word).groups()
+        yield planned.get(word, (kind, int(count), *TURNS_TO_TRY))
+
+
+def main(output_path, words):
     place = harness.Place()
     try:
         pathlib.Path(output_path).unlink(missing_ok=True)
         messages = bench_items.make_messages(place)
         say("messages of " + ", ".join(f"{len(content)} bytes ({kind})" for kind, content in messages.items()))
         with open(output_path, "a", encoding="ascii") as output:
-            for kind, count, repetitions, with_floor in PLAN:
+            for kind, count, *turns in folders_of(words):
                 profile = f"{kind}{count}"
-                if wanted and profile not in wanted:
-                    continue
                 folder = bench_items.fill_profile(place, profile, messages, kind, count)
                 say(f"{profile}: made")
-                Measuring(place, output, folder, kind, count).run(repetitions, with_floor)
+                Measuring(place, output, folder, kind, count).run(*turns)
                 shutil.rmtree(folder)
     finally:
         place.close()

@@ -1,7 +1,12 @@
-// The building of a read's documents and nothing else: has the XML service build each document of a file
-// again, by direct calls, with COM initialised and its library loaded all the while. bench_documents FILE;
-// each line of the input is one more time. At the start every document is compared with the agent's, unit by
-// unit.
+// The building of a read's documents and nothing else, with COM initialised and the XML service's library
+// loaded all the while. bench_documents FILE; each line of the input is one more time for every document of
+// the file:
+//
+//   documents    has the XML service build the document again, by direct calls
+//   selections   the same with the selections that the agent makes in it, whose time alone is told
+//   dates        converts the dates of the item as the agent does, and builds nothing
+//
+// At the start every document is compared with the agent's, unit by unit.
 
 #include <windows.h>
 
@@ -11,6 +16,7 @@
 
 #include "command_loop.h"
 #include "document_parts.h"
+#include "item_dates.h"
 #include "support/owners.h"
 #include "text_file.h"
 
@@ -24,6 +30,10 @@ constexpr CLSID kDocumentClass = {
     0x2933BF90, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 constexpr IID kDocumentInterface = {
     0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+
+// The elements before which the agent looks into the document.
+constexpr const wchar_t* kExceptions = L"ExceptionRule";
+constexpr const wchar_t* kCalendarKind = L"lCalType";
 
 void Require(HRESULT result, const char* what) {
     if (result != S_OK) {
@@ -72,12 +82,40 @@ void AppendElement(IXMLDOMDocument* document, IXMLDOMElement* root, const Elemen
     }
 }
 
-Bstr Build(const DocumentParts& parts) {
+/// Looks an element up by its path and takes its text, if it is there.
+void Select(IXMLDOMDocument* document, const wchar_t* path) {
+    ComPtr<IXMLDOMNode> node;
+    if (document->selectSingleNode(MakeBstr(path).Get(), &node) == S_OK) {
+        Bstr text;
+        Require(node->get_text(text.Put()), "get_text");
+    }
+}
+
+/// The selections that the agent makes in an appointment before it appends an element: what the exceptions of
+/// a series deviate from, and at the end whether there is a kind of calendar already.
+void SelectBefore(IXMLDOMDocument* document, const ElementPart& part) {
+    if (part.name == kExceptions) {
+        for (const wchar_t* const path : {L"/Calendar/Description", L"/Calendar/Location",
+                                          L"/Calendar/bAllDayEvent", L"/Calendar/lReminderMinutes"}) {
+            Select(document, path);
+        }
+    } else if (part.name == kCalendarKind) {
+        Select(document, L"/Calnedar/lCalType");
+    }
+}
+
+/// Builds a document and calls something before each element is appended.
+Bstr Build(
+    const DocumentParts& parts,
+    const std::function<void(IXMLDOMDocument* document, const ElementPart& part)>& beforeElement = {}) {
     const ComPtr<IXMLDOMDocument> document = MakeDocument();
     ComPtr<IXMLDOMElement> root;
     Require(document->createElement(MakeBstr(parts.root).Get(), &root), "createElement");
     Require(document->appendChild(root.Get(), nullptr), "appendChild of the root");
     for (const ElementPart& part : parts.elements) {
+        if (beforeElement) {
+            beforeElement(document.Get(), part);
+        }
         AppendElement(document.Get(), root.Get(), part);
     }
     Bstr text;
@@ -92,19 +130,65 @@ void RequireSame(const std::wstring& document, const Bstr& built) {
     }
 }
 
-void Run(const std::wstring& path) {
+/// The items of the file: what their documents are built of, and their dates.
+struct Items {
     std::vector<DocumentParts> documents;
-    for (const std::wstring& text : bench::ReadTexts(path)) {
-        documents.push_back(bench::TakeApart(text));
-        RequireSame(text, Build(documents.back()));
-    }
-    // Held over all runs: without a document the library could go from memory between two of them.
-    const ComPtr<IXMLDOMDocument> hold = MakeDocument();
-    bench::AnswerWithSeconds([&] {
-        for (const DocumentParts& parts : documents) {
+    std::vector<bench::ItemDate> dates;
+};
+
+double SecondsOfDocuments(const Items& items) {
+    return bench::SecondsOf([&] {
+        for (const DocumentParts& parts : items.documents) {
             Build(parts);
         }
     });
+}
+
+double SecondsOfSelections(const Items& items) {
+    double seconds = 0;
+    for (const DocumentParts& parts : items.documents) {
+        Build(parts, [&seconds](IXMLDOMDocument* document, const ElementPart& part) {
+            if (part.name == kExceptions || part.name == kCalendarKind) {
+                seconds += bench::SecondsOf([&] { SelectBefore(document, part); });
+            }
+        });
+    }
+    return seconds;
+}
+
+double SecondsOfDates(const Items& items) {
+    return bench::SecondsOf([&] {
+        for (const bench::ItemDate& date : items.dates) {
+            bench::TextOf(date);
+        }
+    });
+}
+
+std::string Answer(const Items& items, const std::string& line) {
+    if (line == "documents") {
+        return std::to_string(SecondsOfDocuments(items));
+    }
+    if (line == "selections") {
+        return std::to_string(SecondsOfSelections(items));
+    }
+    if (line == "dates") {
+        return std::to_string(SecondsOfDates(items));
+    }
+    throw std::invalid_argument("not a command: " + line);
+}
+
+void Run(const std::wstring& path) {
+    Items items;
+    for (const std::wstring& text : bench::ReadTexts(path)) {
+        items.documents.push_back(bench::TakeApart(text));
+        for (const bench::ItemDate& date : bench::DatesOf(items.documents.back())) {
+            items.dates.push_back(date);
+        }
+        RequireSame(text, Build(items.documents.back()));
+    }
+    // Held over all runs: without a document the library could go from memory between two of them.
+    const ComPtr<IXMLDOMDocument> hold = MakeDocument();
+    bench::AnswerLines([&](const std::string& line) { return Answer(items, line); });
 }
 
 }  // namespace

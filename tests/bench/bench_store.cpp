@@ -1,5 +1,6 @@
-// The store calls of a read and nothing else: bench_store MAPI32.DLL PROFILE contacts|calendars; each line of
-// the input is one more read of the profile's default folder.
+// The store calls of a read and nothing else: bench_store MAPI32.DLL PROFILE; each line of the input,
+// contacts or calendars, is one more read of the profile's default folder of that kind, and with "list" in
+// front of it one more read of changes where there are none.
 
 #include <mapix.h>
 
@@ -13,21 +14,22 @@ namespace {
 constexpr ULONG kContactFolder = 0x36D10102;   // PR_IPM_CONTACT_ENTRYID
 constexpr ULONG kCalendarFolder = 0x36D00102;  // PR_IPM_APPOINTMENT_ENTRYID
 
-void Run(const wchar_t* library, const std::wstring& profile, const std::wstring& kind) {
+void Run(const wchar_t* library, const std::wstring& profile) {
     const Library loaded(LoadLibraryW(library));
     if (!loaded || FillMAPIEntryPoints(loaded.Get()) == 0) {
         throw std::runtime_error("the MAPI library cannot be loaded");
     }
     MAPIINIT_0 init{MAPI_INIT_VERSION, 0};
     bench::RequireResult(pfnMAPIInitialize(&init), "MAPIInitialize");
-    const bool isContacts = kind == L"contacts";
-    const bench::StoreLoop& loop = isContacts ? bench::kContactLoop : bench::kCalendarLoop;
-    const bench::OpenedFolder opened =
-        bench::OpenDefaultFolder(profile, isContacts ? kContactFolder : kCalendarFolder);
-    bench::AnswerLines([&](const std::string& /*line*/) {
+    const bench::OpenedFolder contacts = bench::OpenDefaultFolder(profile, kContactFolder);
+    const bench::OpenedFolder calendar = bench::OpenDefaultFolder(profile, kCalendarFolder);
+    bench::AnswerLines([&](const std::string& line) {
+        const bool isContacts = line.ends_with("contacts");
+        const bench::StoreLoop& loop = isContacts ? bench::kContactLoop : bench::kCalendarLoop;
+        IMAPIFolder* const folder = isContacts ? contacts.folder.Get() : calendar.folder.Get();
+        const auto walk = line.starts_with("list ") ? &bench::ListWholeFolder : &bench::ReadWholeFolder;
         ULONG items = 0;
-        const double seconds =
-            bench::SecondsOf([&] { items = bench::ReadWholeFolder(loop, opened.folder.Get()); });
+        const double seconds = bench::SecondsOf([&] { items = walk(loop, folder); });
         return std::to_string(seconds) + ' ' + std::to_string(items);
     });
 }
@@ -36,9 +38,9 @@ void Run(const wchar_t* library, const std::wstring& profile, const std::wstring
 
 int wmain(int count, wchar_t** arguments) {
     return bench::Guarded("bench_store", [&] {
-        if (count != 4) {
-            throw std::invalid_argument("bench_store MAPI32.DLL PROFILE contacts|calendars");
+        if (count != 3) {
+            throw std::invalid_argument("bench_store MAPI32.DLL PROFILE");
         }
-        Run(arguments[1], arguments[2], arguments[3]);
+        Run(arguments[1], arguments[2]);
     });
 }

@@ -111,11 +111,16 @@ def draw_legend(kinds):
         yield text(x + 46, y + 4, KINDS[kind], anchor="start")
 
 
+def plotted_kinds(found):
+    """Those that were measured in several sizes, which alone show growth; if there are none, all."""
+    return [kind for kind in KINDS if len(found.sizes(kind, "full")) > 1] or list(KINDS)
+
+
 def lines_of(found, value_of):
     """The points of each kind that has any: pairs of a number of items and a value."""
     lines = {}
-    for kind in KINDS:
-        points = [(items, value_of(kind, items)) for items in found.sizes(kind, "agent")]
+    for kind in plotted_kinds(found):
+        points = [(items, value_of(kind, items)) for items in found.sizes(kind, "full")]
         points = [point for point in points if point[1] is not None]
         if points:
             lines[kind] = points
@@ -124,9 +129,9 @@ def lines_of(found, value_of):
 
 def plot(found):
     """The text of the SVG file."""
-    times = lines_of(found, lambda kind, items: found.per_item("agent", kind, items).median * 1000)
+    times = lines_of(found, lambda kind, items: found.median_per_item("full", kind, items) * 1000)
     memory = lines_of(found, lambda kind, items: kb_or_none(found.bytes_an_item(kind, items)))
-    sizes = sorted({items for kind in KINDS for items in found.sizes(kind, "agent")})
+    sizes = sorted({items for kind in KINDS for items in found.sizes(kind, "full")})
     shapes = [element("title", "A full read: time and memory an item, by the number of items"),
               element("style", STYLE), element("rect", width=WIDTH, height=HEIGHT, **{"class": "ground"}),
               *draw_panel(Panel("Time an item, in ms", LEFTS[0], times), sizes),

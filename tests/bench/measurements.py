@@ -1,9 +1,10 @@
 """What make bench measured, as it stands in a file of JSON lines, and what follows from it.
 
-A line is one measurement: {"what", "kind", "items", "seconds", "peak_bytes", "store_bytes"}. "seconds" has the whole time of
-each repetition. Programs that take turns may write a line each time; lines of the same measurement are put together. The bytes
-may be left out; those of the agent are what its process grows by in a full read, and what one grows by that does nothing but
-the read's store calls."""
+A line is one measurement: {"what", "kind", "items", "seconds", "turn", "peak_bytes", "store_bytes"}. "seconds" has the whole
+time of each repetition. What took turns, one repetition of each after the other, has the same word as its "turn"; without one
+nothing is known of when it ran beside the others. Programs that take turns may write a line each time; lines of the same
+measurement are put together. The bytes may be left out; those of a full read are what the agent's process grows by in the
+first one, and what one grows by that does nothing but the read's store calls."""
 
 import json
 import statistics
@@ -17,23 +18,20 @@ KINDS = {
 }
 # The parts of the least that an item can cost, measured alone.
 FLOOR = ("callbacks", "store", "documents")
-WHATS = {"agent", "changed", "folders", "comparison", "msgreader-cold", "msgreader-warm", *FLOOR}
+# Parts of what is left of the agent's time: the selections that it makes in documents, and the conversion of dates.
+OWN = ("selections", "dates")
+WHATS = {"agent", "agent-first", "full", "changed", "folders", "comparison", "store-first", "store-again", "store-changed",
+         "msgreader-cold", "msgreader-warm", *FLOOR, *OWN}
 
-# The median of what the repetitions gave, and the least and the most of it.
+# The median of what the repetitions gave, and the least and the most of it, which are None if there is but one value.
 Spread = namedtuple("Spread", "median least most")
 
 
 def spread_of(values):
     """The spread of numbers, or None if there are none."""
-    return Spread(statistics.median(values), min(values), max(values)) if values else None
-
-
-def ratios(ones, others):
-    """What one thing takes in terms of another. Repetitions that took turns are as many, and those of the same place are
-    compared: whatever else the machine did at that time slowed both. Others are compared with the median."""
-    if len(ones) != len(others):
-        others = [statistics.median(others)] * len(ones) if others else []
-    return [one / other for one, other in zip(ones, others)]
+    if not values:
+        return None
+    return Spread(statistics.median(values), *((min(values), max(values)) if len(values) > 1 else (None, None)))
 
 
 class Measurement:
@@ -41,6 +39,7 @@ class Measurement:
 
     def __init__(self):
         self.seconds = []
+        self.turn = None
         self.peak_bytes = None
         self.store_bytes = None
 
@@ -48,6 +47,10 @@ class Measurement:
         seconds = line["seconds"]
         if not seconds or any(not isinstance(number, (int, float)) or number <= 0 for number in seconds):
             raise ValueError(f"times of {line['what']} are not numbers above 0: {seconds}")
+        turn = line.get("turn")
+        if self.seconds and turn != self.turn:
+            raise ValueError(f"{line['what']} took different turns: {self.turn} and {turn}")
+        self.turn = turn
         self.seconds += seconds
         for name in ("peak_bytes", "store_bytes"):
             if line.get(name) is not None:
@@ -91,45 +94,66 @@ class Measurements:
     def seconds(self, what, kind, items):
         """The seconds of each repetition; none if it was not measured. "floor" is the sum of its parts."""
         if what == "floor":
-            return [sum(parts) for parts in zip(*(self.seconds(part, kind, items) for part in FLOOR))]
+            return self.by_turns(FLOOR, kind, items, lambda *parts: sum(parts))
         found = self.get(what, kind, items)
         return found.seconds if found else []
+
+    def took_turns(self, whats, kind, items):
+        """Whether there is one repetition of each of these in every turn."""
+        found = [self.get(what, kind, items) for what in whats]
+        return found[0].turn is not None and len({(one.turn, len(one.seconds)) for one in found}) == 1
+
+    def by_turns(self, whats, kind, items, work_out):
+        """Works something out of the seconds of several things: for each turn if they took turns, so that whatever else the
+        machine did then counts for all of them, and once of their medians otherwise. Nothing if one of them is missing."""
+        times = [self.seconds(what, kind, items) for what in whats]
+        if not all(times):
+            return []
+        if not self.took_turns(whats, kind, items):
+            times = [[statistics.median(numbers)] for numbers in times]
+        return [work_out(*numbers) for numbers in zip(*times)]
 
     def per_item(self, what, kind, items):
         """The spread of the seconds an item, or None."""
         return spread_of([number / items for number in self.seconds(what, kind, items)])
 
+    def median_per_item(self, what, kind, items):
+        """The median of the seconds an item, or None."""
+        spread = self.per_item(what, kind, items)
+        return spread.median if spread else None
+
     def ratio(self, what, other, kind, items):
         """How many times as long one thing takes as the other, or None."""
-        return spread_of(ratios(self.seconds(what, kind, items), self.seconds(other, kind, items)))
+        others = FLOOR if other == "floor" else (other,)
+        return spread_of(self.by_turns((what, *others), kind, items, lambda one, *parts: one / sum(parts)))
 
     def rest(self, kind, items):
         """The spread of the seconds an item that the agent takes beyond the floor, or None."""
-        return spread_of([(agent - floor) / items for agent, floor in
-                          zip(self.seconds("agent", kind, items), self.seconds("floor", kind, items))])
+        return spread_of(self.by_turns(("agent", *FLOOR), kind, items, lambda agent, *parts: (agent - sum(parts)) / items))
 
-    def growth(self, kind, most, least):
-        """How many times as long an item takes in a large folder as in a small one, or None."""
-        return spread_of(ratios([seconds / most for seconds in self.seconds("agent", kind, most)],
-                                [seconds / least for seconds in self.seconds("agent", kind, least)]))
+    def growth(self, kind, most, least, what="full"):
+        """How many times as long an item takes in a large folder as in a small one, or None. Two folders do not take turns."""
+        times = [self.median_per_item(what, kind, items) for items in (most, least)]
+        return times[0] / times[1] if None not in times else None
 
     def bytes_an_item(self, kind, items):
         """The memory that a full read takes for an item, without the store's own, or None."""
-        found = self.get("agent", kind, items)
+        found = self.get("full", kind, items)
         beyond = found.bytes_beyond_store() if found else None
         return None if beyond is None else beyond / items
 
-    def beyond_callback(self, kind, plain):
+    def beyond_callback(self, kind, plain, whats=("agent",)):
         """How many times as long an item takes as a plain one, without the time that its longer callback takes more; or
-        None. Each kind is taken in the largest folder for which it is known."""
-        sizes = {name: self.sizes(name, "agent", "callbacks") for name in (kind, plain)}
-        if not all(sizes.values()):
-            return None
-        items, plain_items = sizes[kind][-1], sizes[plain][-1]
-        plain_callback = self.per_item("callbacks", plain, plain_items).median
-        times = [(agent - callback) / items + plain_callback for agent, callback in
-                 zip(self.seconds("agent", kind, items), self.seconds("callbacks", kind, items))]
-        return spread_of(ratios(times, [seconds / plain_items for seconds in self.seconds("agent", plain, plain_items)]))
+        None. Each kind is taken in the largest folder for which it is known; two folders do not take turns."""
+        times = []
+        for name in (kind, plain):
+            sizes = self.sizes(name, *whats, "callbacks")
+            if not sizes:
+                return None
+            times.append([sum(self.median_per_item(what, name, sizes[-1]) for what in whats),
+                          self.median_per_item("callbacks", name, sizes[-1])])
+        (time, callback), (plain_time, plain_callback) = times
+        return (time - callback + plain_callback) / plain_time
 
 
 def load(path):

@@ -10,6 +10,7 @@ import growth_plot
 import machine
 import measurements
 import report_aims
+import report_misses
 import report_tables
 
 BEGIN = "<!-- the tables of make bench begin -->"
@@ -29,7 +30,9 @@ def content(found, machine_text, plot):
         ("Where the time of an item goes", report_tables.part_table(found)),
         ("As folders grow", f"![Time and memory an item, by the number of items]({plot})\n\n" +
          report_tables.growth_table(found)),
+        ("Memory", report_tables.memory_table(found)),
         ("The list of folders, and the comparison alone", report_tables.list_table(found)),
+        ("Where aims are missed", report_misses.miss_list(found)),
     ]
     head = f"The machine: {machine_text}. Each measurement has {repetitions_text(found)}.\n"
     return "\n".join([head, *(f"### {title}\n\n{text}" for title, text in sections)])

@@ -1,6 +1,6 @@
 """The tables of docs/performance.md, from measurements. What was not measured says so."""
 
-from measurements import FLOOR, KINDS
+from measurements import FLOOR, KINDS, OWN
 
 NOT_MEASURED = "not measured"
 SIZES = (500, 5000, 50000)
@@ -17,12 +17,22 @@ def time_text(seconds):
     return f"{number:.{digits}f} {unit}"
 
 
+def with_spread(form, spread, unit=""):
+    """A median, and the least and the most behind it if there are some."""
+    most = "" if spread.least is None else f" ({form(spread.least)} to {form(spread.most)})"
+    return form(spread.median) + unit + most
+
+
 def ratio_text(spread):
-    return f"{spread.median:.2f} ({spread.least:.2f} to {spread.most:.2f})"
+    return with_spread(lambda ratio: f"{ratio:.2f}", spread)
 
 
 def percent_text(spread):
-    return f"{100 * spread.median:.2f} % ({100 * spread.least:.2f} to {100 * spread.most:.2f})"
+    return with_spread(lambda ratio: f"{100 * ratio:.2f}", spread, " %")
+
+
+def plain_ratio_text(ratio):
+    return f"{ratio:.2f}"
 
 
 def kb_text(count):
@@ -43,63 +53,92 @@ def median_cell(spread):
     return cell(lambda found: time_text(found.median), spread)
 
 
+RATIOS = (("agent", "floor"), ("agent-first", "msgreader-cold"), ("agent", "msgreader-warm"))
+SIDE_BY_SIDE = ("agent-first", "msgreader-cold", "agent", "floor", "msgreader-warm")
+
+
 def ratio_rows(found):
-    """A row for each size at which the agent was measured beside something else."""
-    others = ("floor", "msgreader-cold", "msgreader-warm")
+    """A row for each size at which a read was measured beside something else."""
     for kind, name in KINDS.items():
-        sizes = [items for items in found.sizes(kind, "agent")
-                 if any(found.seconds(other, kind, items) for other in others)]
-        for items in sizes or found.sizes(kind, "agent")[:1] or [None]:
-            times = [median_cell(found.per_item(what, kind, items)) for what in ("agent", *others)]
-            ratios = [cell(ratio_text, found.ratio("agent", other, kind, items)) for other in others]
+        sizes = {items for one, other in RATIOS for items in found.sizes(kind, one) if found.seconds(other, kind, items)}
+        for items in sorted(sizes) or found.sizes(kind, "full")[:1] or [None]:
+            times = [median_cell(found.per_item(what, kind, items)) for what in SIDE_BY_SIDE]
+            ratios = [cell(ratio_text, found.ratio(one, other, kind, items)) for one, other in RATIOS]
             yield [name, NOT_MEASURED if items is None else f"{items:,}", *times, *ratios]
 
 
 def ratio_table(found):
-    return table(["Items", "Number", "Agent", "Floor", "Program, cold", "Program, warm", "Agent to floor",
-                  "Agent to program, cold", "Agent to program, warm"], ratio_rows(found))
+    return table(["Items", "Number", "Agent, first read", "Program, cold", "Agent, repeated read", "Floor", "Program, warm",
+                  "Repeated read to floor", "First read to program, cold", "Repeated read to program, warm"],
+                 ratio_rows(found))
 
 
 def part_rows(found):
     """A row for each size at which the agent and all of the floor were measured."""
     for kind, name in KINDS.items():
         for items in found.sizes(kind, "agent", *FLOOR):
-            agent = found.per_item("agent", kind, items).median
-            parts = [found.per_item(part, kind, items).median for part in FLOOR] + [found.rest(kind, items).median]
+            agent = found.median_per_item("agent", kind, items)
+            times = [*(found.median_per_item(part, kind, items) for part in FLOOR), found.rest(kind, items).median,
+                     *own_parts(found, kind, items)]
             yield [name, f"{items:,}", time_text(agent),
-                   *(f"{time_text(part)}, {100 * part / agent:.0f} %" for part in parts)]
+                   *(cell(lambda time: f"{time_text(time)}, {100 * time / agent:.0f} %", time) for time in times)]
+
+
+def own_parts(found, kind, items):
+    """The seconds an item, of the agent's own, that selections and dates take, and those of neither; each may be None."""
+    # Nothing is selected in a contact's document.
+    parts = [0 if (what, kind) == ("selections", "contacts") else found.median_per_item(what, kind, items) for what in OWN]
+    rest = found.rest(kind, items)
+    return [*parts, None if rest is None or None in parts else rest.median - sum(parts)]
 
 
 def part_table(found):
     rows = list(part_rows(found))
-    return table(["Items", "Number", "Agent", "Callbacks", "Store", "Documents", "The agent's own"], rows) if rows else \
-        f"{NOT_MEASURED}\n".capitalize()
+    return table(["Items", "Number", "Agent, repeated read", "Callbacks", "Store", "Documents", "The agent's own",
+                  "Of it selections", "Of it dates", "Of it neither"], rows) if rows else f"{NOT_MEASURED}\n".capitalize()
 
 
 def growth_rows(found):
     for kind, name in KINDS.items():
-        expected = SIZES if kind == "contacts" else ()
-        for items in sorted({*found.sizes(kind, "agent"), *expected}):
-            agent = found.get("agent", kind, items)
-            beyond = agent.bytes_beyond_store() if agent else None
-            full, changed = (found.per_item(what, kind, items) for what in ("agent", "changed"))
+        for items in sizes_of_growth(found, kind, "full"):
+            full, changed = (found.per_item(what, kind, items) for what in ("full", "changed"))
             yield [name, f"{items:,}",
                    cell(lambda time: time_text(time.median * items), full), median_cell(full),
-                   cell(lambda time: time_text(time.median * items), changed),
-                   cell(percent_text, found.ratio("changed", "agent", kind, items)),
-                   cell(lambda count: f"{count / KB / KB:.1f} MB", beyond),
-                   cell(kb_text, found.bytes_an_item(kind, items))]
+                   median_cell(found.per_item("store-again", kind, items)),
+                   cell(lambda time: time_text(time.median * items), changed), median_cell(changed),
+                   median_cell(found.per_item("store-changed", kind, items)),
+                   cell(percent_text, found.ratio("changed", "full", kind, items))]
 
 
 def growth_table(found):
-    return table(["Items", "Number", "Full read", "An item", "Changed read", "Changed to full",
-                  "Memory beyond the store's", "Of it an item"], growth_rows(found))
+    return table(["Items", "Number", "Full read", "An item of it", "Store's calls alone, an item of it", "Changed read",
+                  "An item of it", "Store's calls alone, an item of it", "Changed to full"], growth_rows(found))
+
+
+def sizes_of_growth(found, kind, *whats):
+    """The sizes for which any of these was measured; of contacts all that are expected."""
+    measured = (items for what in whats for items in found.sizes(kind, what))
+    return sorted({*(SIZES if kind == "contacts" else ()), *measured})
+
+
+def memory_rows(found):
+    for kind, name in KINDS.items():
+        for items in sizes_of_growth(found, kind, "full"):
+            full = found.get("full", kind, items)
+            peak, store = (full.peak_bytes, full.store_bytes) if full else (None, None)
+            yield [name, f"{items:,}", *(cell(lambda count: f"{count / KB / KB:.1f} MB", count) for count in (peak, store)),
+                   *(cell(lambda count: kb_text(count / items), count) for count in (peak, store)),
+                   cell(kb_text, found.bytes_an_item(kind, items))]
+
+
+def memory_table(found):
+    return table(["Items", "Number", "Agent's peak", "Store's calls alone", "Agent's peak, an item", "Store's, an item",
+                  "Beyond the store's, an item"], memory_rows(found))
 
 
 def list_rows(found):
     for kind, name in KINDS.items():
-        expected = SIZES if kind == "contacts" else ()
-        for items in sorted({*found.sizes(kind, "folders"), *found.sizes(kind, "comparison"), *expected}):
+        for items in sizes_of_growth(found, kind, "folders", "comparison"):
             lists, comparison = (found.per_item(what, kind, items) for what in ("folders", "comparison"))
             yield [name, f"{items:,}", cell(lambda time: time_text(time.median * items), lists),
                    cell(lambda time: time_text(time.median * items), comparison), median_cell(comparison)]

@@ -9,6 +9,8 @@ namespace bench {
 
 namespace {
 
+constexpr ULONG kLongTermId = 0x66700102;
+
 /// A restriction to the rows of which a property is exactly a value.
 SRestriction Exactly(SPropValue& value) {
     SRestriction restriction{};
@@ -78,7 +80,6 @@ void CountItems(const StoreLoop& loop, IMAPIFolder* folder) {
 
 /// The identifier by which a row names its message: the long-term one if it has that.
 const SBinary& IdOfRow(const SRow& row) {
-    constexpr ULONG kLongTermId = 0x66700102;
     return row.lpProps[row.lpProps[1].ulPropTag == kLongTermId ? 1 : 0].Value.bin;
 }
 
@@ -154,6 +155,16 @@ ULONG ReadWholeFolder(const StoreLoop& loop, IMAPIFolder* folder) {
             Open<IMessage>(folder, IdOfRow(contents.rows->aRow[i]), MAPI_BEST_ACCESS | MAPI_MODIFY);
         loop.readMessage(message.Get());
     }
+    return contents.rows->cRows;
+}
+
+ULONG ListWholeFolder(const StoreLoop& loop, IMAPIFolder* folder) {
+    static constexpr SizedSPropTagArray(3, kColumns) = {3,
+                                                        {PR_ENTRYID, kLongTermId, PR_LAST_MODIFICATION_TIME}};
+    CountItems(loop, folder);
+    const MapiBuffer<SPropValue> identity = IdentityOf(folder);
+    const Contents contents = QueryContents(loop, folder, reinterpret_cast<const SPropTagArray*>(&kColumns),
+                                            identity.Get()[1].Value.bin);
     return contents.rows->cRows;
 }
 

@@ -41,6 +41,10 @@ struct StoreLoop {
 /// Counts the items of a folder and reads them all. Returns their number.
 ULONG ReadWholeFolder(const StoreLoop& loop, IMAPIFolder* folder);
 
+/// Counts the items of a folder and lists them, as a read of changes does that finds none. Returns their
+/// number.
+ULONG ListWholeFolder(const StoreLoop& loop, IMAPIFolder* folder);
+
 extern const StoreLoop kContactLoop;
 extern const StoreLoop kCalendarLoop;
 

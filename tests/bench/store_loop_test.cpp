@@ -22,10 +22,12 @@ class StoreLoop : public StoreTest {
         recorder::ClearCalls();
         return lines;
     }
+    using Walk = ULONG (*)(const bench::StoreLoop& loop, IMAPIFolder* folder);
     /// The loop's calls on the folder that the agent has chosen.
-    static std::vector<std::string> CallsOfLoop(const bench::StoreLoop& loop, IMAPIFolder* folder) {
+    static std::vector<std::string> CallsOfLoop(const bench::StoreLoop& loop, IMAPIFolder* folder,
+                                                Walk walk = &bench::ReadWholeFolder) {
         recorder::ClearCalls();
-        bench::ReadWholeFolder(loop, folder);
+        walk(loop, folder);
         return TakeCalls();
     }
     static void ExpectSameCalls(const bench::StoreLoop& loop, IMAPIFolder* folder, std::size_t items) {
@@ -80,6 +82,33 @@ TEST_F(StoreLoop, MakesTheCallsOfAReadOfContacts) {
         FolderWriter::Save(message.Get());
     }
     ReadContacts(2);
+}
+
+TEST_F(StoreLoop, MakesTheCallsOfAReadOfChangesThatFindsNone) {
+    recorder::SetRoot(m_root);
+    FolderWriter(L"Work", L"Contacts").AddContact(PropertyValues().Text(PR_GIVEN_NAME_W, L"Ada"));
+    FolderWriter calendar(L"Work", L"Calendar");
+    NewAppointment(calendar, L"Review").Save();
+    LogOn();
+    const std::wstring contactMap = m_root + L"\\contacts.map";
+    const std::wstring calendarMap = m_root + L"\\calendar.map";
+    const auto expectSameCalls = [](const bench::StoreLoop& loop, IMAPIFolder* folder) {
+        const std::vector<std::string> ofAgent = TakeCalls();
+        EXPECT_FALSE(ofAgent.empty());
+        EXPECT_EQ(ofAgent, CallsOfLoop(loop, folder, &bench::ListWholeFolder));
+    };
+    ASSERT_EQ(g_MAPIObject.ReadContacts(contactMap.c_str()), 0);
+    EXPECT_EQ(TakeSent().size(), 1U);
+    TakeCalls();
+    ASSERT_EQ(g_MAPIObject.ReadContacts(contactMap.c_str()), 0);
+    EXPECT_EQ(TakeSent().size(), 0U);
+    expectSameCalls(bench::kContactLoop, g_MAPIObject.m_lpContactFolder.Get());
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(calendarMap.c_str()), 0);
+    EXPECT_EQ(TakeSentCalendars().size(), 1U);
+    TakeCalls();
+    ASSERT_EQ(g_MAPIObject.ReadCalendars(calendarMap.c_str()), 0);
+    EXPECT_EQ(TakeSentCalendars().size(), 0U);
+    expectSameCalls(bench::kCalendarLoop, g_MAPIObject.m_lpEventFolder.Get());
 }
 
 TEST_F(StoreLoop, MakesTheCallsOfAReadOfAppointments) {

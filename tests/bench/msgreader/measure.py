@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Times print_messages.js over a folder and appends what it found to a file of JSON lines: measure.py FOLDER KIND REPETITIONS
-OUTFILE. NODE_PATH names the folder of the package."""
+"""Times print_messages.js over a folder and appends what it found to a file of JSON lines: measure.py FOLDER KIND cold|warm
+REPETITIONS OUTFILE TURN. Cold is a process a repetition; TURN is the word for what those take turns with. NODE_PATH names the
+folder of the package."""
 
 import json
 import os
@@ -36,26 +37,26 @@ def measure_cold(folder, kind, repetitions, place):
     return [seconds for seconds, _, _ in runs], max(peak for _, peak, _ in runs), runs[0][2]
 
 
-def measure_warm(folder, kind, repetitions, place, items):
+def measure_warm(folder, kind, repetitions, place):
     """One process, which times each reading of the folder behind a first one itself."""
     times = place / "times"
     _, peak, lines = run([folder, kind, place, repetitions, times], place / "lines")
-    if lines != items * (1 + repetitions):
-        sys.exit(f"measure: {lines} {kind} printed, not {1 + repetitions} times {items}")
-    return [float(line) for line in times.read_text(encoding="ascii").split()], peak
+    items, rest = divmod(lines, 1 + repetitions)
+    if items == 0 or rest != 0:
+        sys.exit(f"measure: {lines} {kind} printed, which is not {1 + repetitions} times the same number")
+    return [float(line) for line in times.read_text(encoding="ascii").split()], peak, items
 
 
-def main(folder, kind, repetitions, outfile):
+def main(folder, kind, how, repetitions, outfile, turn):
     messages = "contacts" if kind == "contacts" else "appointments"
-    repetitions = int(repetitions)
+    measure = {"cold": measure_cold, "warm": measure_warm}[how]
     with tempfile.TemporaryDirectory() as place:
-        place = pathlib.Path(place)
-        cold, cold_peak, items = measure_cold(folder, messages, repetitions, place)
-        warm, warm_peak = measure_warm(folder, messages, repetitions, place, items)
+        seconds, peak, items = measure(folder, messages, int(repetitions), pathlib.Path(place))
+    line = {"what": f"msgreader-{how}", "kind": kind, "items": items, "seconds": seconds, "peak_bytes": peak}
+    if how == "cold":
+        line["turn"] = turn
     with open(outfile, "a", encoding="utf-8") as file:
-        for what, seconds, peak in (("msgreader-cold", cold, cold_peak), ("msgreader-warm", warm, warm_peak)):
-            line = {"what": what, "kind": kind, "items": items, "seconds": seconds, "peak_bytes": peak}
-            file.write(json.dumps(line) + "\n")
+        file.write(json.dumps(line) + "\n")
 
 
 main(*sys.argv[1:])

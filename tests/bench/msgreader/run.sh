@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Measures how long an independent program takes to read a folder of .msg files and to print the fields that the agent's
-# documents have: run.sh FOLDER contacts|appointments|recurring|exceptions REPETITIONS OUTFILE. Appends a line of JSON for
-# processes that are started anew and one for a process that has read the folder before. What it needs is installed when it
-# is not there: node, npm, and the package into build/bench. Where that cannot be had it says so, appends nothing and ends with 0.
+# documents have: run.sh FOLDER contacts|appointments|recurring|exceptions cold|warm REPETITIONS OUTFILE TURN. Appends a line
+# of JSON: for processes that are started anew, which take the turns of that name with something else, or for one that has read
+# the folder before. What it needs is installed when it is not there: node, npm, and the package into build/bench. Where that
+# cannot be had it says so, appends nothing and ends with 0.
 set -euo pipefail
-[ $# -eq 4 ] || { printf 'usage: run.sh FOLDER KIND REPETITIONS OUTFILE\n' >&2; exit 2; }
-folder=$(realpath "$1") kind=$2 repetitions=$3 outfile=$(realpath "$4")
+[ $# -eq 6 ] || { printf 'usage: run.sh FOLDER KIND cold|warm REPETITIONS OUTFILE TURN\n' >&2; exit 2; }
+folder=$(realpath "$1") kind=$2 how=$3 repetitions=$4 outfile=$(realpath "$5") turn=$6
 here=$(cd "$(dirname "$0")" && pwd)
 cd "$here/../../.."
 source tools/packages.sh
@@ -41,4 +42,4 @@ have_node || (install_node) || true
 have_node || not_measured "node and npm are not on this machine and could not be installed"
 have_package || install_package || not_measured "the package could not be fetched"
 
-NODE_PATH=$place/node_modules exec python3 "$here/measure.py" "$folder" "$kind" "$repetitions" "$outfile"
+NODE_PATH=$place/node_modules exec python3 "$here/measure.py" "$folder" "$kind" "$how" "$repetitions" "$outfile" "$turn"

@@ -1,0 +1,97 @@
+"""Where aims are missed: for each one by how much, and where the time goes, out of the measurements alone."""
+
+from measurements import FLOOR, KINDS
+from report_aims import aims, is_missed, values_text, verdict
+from report_tables import NOT_MEASURED, SIZES, cell, own_parts, time_text
+
+
+def time_cell(seconds):
+    return cell(time_text, seconds)
+
+
+def own_text(found, kind, items):
+    """What the agent's own time consists of, as far as it was measured."""
+    rest = found.rest(kind, items)
+    if rest is None:
+        return f"What the agent's own time is was {NOT_MEASURED}."
+    selections, dates, neither = own_parts(found, kind, items)
+    return (f"{time_text(rest.median)} an item are the agent's own: {time_cell(selections)} in selections in the document, "
+            f"{time_cell(dates)} in the conversion of dates, and {time_cell(neither)} not taken apart.")
+
+
+def beyond_floor(kind):
+    def explain(found, _):
+        return " ".join(own_text(found, kind, items) for items in found.sizes(kind, "agent", *FLOOR)[-1:])
+    return explain
+
+
+def explain_exceptions(found, _):
+    floor = found.beyond_callback("exceptions", "recurring", FLOOR)
+    documents = [found.median_per_item("documents", kind, items) for kind in ("exceptions", "recurring")
+                 for items in found.sizes(kind, "documents")[-1:]]
+    if floor is None or len(documents) != 2:
+        return ""
+    return (f"Its floor alone, the longer callback taken off, is {floor:.2f} times that of a plain one: the XML service takes "
+            f"{time_text(documents[0])} for its document and {time_text(documents[1])} for a plain one's. " +
+            beyond_floor("exceptions")(found, _))
+
+
+def explain_growth(found, aim):
+    words = []
+    for kind, name in KINDS.items():
+        value = aim.values.get(name)
+        if value is not None and is_missed(aim, value):
+            times = [found.median_per_item(what, kind, items) for what in ("full", "store-again")
+                     for items in (SIZES[-1], SIZES[0])]
+            words.append(f"Of {name} one takes {time_cell(times[0])} instead of {time_cell(times[1])}, and the store's calls "
+                         f"alone {time_cell(times[2])} instead of {time_cell(times[3])}.")
+    return " ".join(words)
+
+
+def kinds_that_miss(aim):
+    return [kind for kind, name in KINDS.items()
+            if any(value is not None and is_missed(aim, value) for of, value in aim.values.items() if of.split(",")[0] == name)]
+
+
+def explain_changed(found, aim):
+    words = []
+    for kind in kinds_that_miss(aim):
+        items = found.sizes(kind, "full", "changed")[-1]
+        changed, *parts = (found.median_per_item(what, kind, items) for what in ("changed", "store-changed", "comparison"))
+        own = None if None in parts else changed - sum(parts)
+        words.append(f"Of {items:,} {KINDS[kind]} an unchanged one takes {time_text(changed)}: {time_cell(parts[0])} in the "
+                     f"store's calls alone, {time_cell(parts[1])} in the comparison with the map, and {time_cell(own)} in the "
+                     "agent.")
+    return " ".join(words)
+
+
+def explain_program(found, aim):
+    words = []
+    for kind in kinds_that_miss(aim):
+        items = found.sizes(kind, "agent-first", "msgreader-cold")[-1]
+        first, again, store, cold, warm = (found.median_per_item(what, kind, items) for what in (
+            "agent-first", "agent", "store-first", "msgreader-cold", "msgreader-warm"))
+        words.append(f"One of {items:,} {KINDS[kind]} takes {time_text(first)} in the first read and {time_cell(again)} in a "
+                     f"repeated one. The store's calls alone take {time_cell(store)} of the first read, in a new process too. "
+                     f"The program takes {time_text(cold)} cold and {time_cell(warm)} warm.")
+    return " ".join(words)
+
+
+EXPLANATIONS = {
+    "contact": beyond_floor("contacts"),
+    "appointment": beyond_floor("appointments"),
+    "exceptions": explain_exceptions,
+    "growth": explain_growth,
+    "changed": explain_changed,
+    "program": explain_program,
+}
+
+
+def miss_text(found, aim):
+    explain = EXPLANATIONS.get(aim.name, lambda *_: "")
+    return f"- **{aim.text}**: {verdict(aim)} ({values_text(aim)}). {explain(found, aim)}".rstrip() + "\n"
+
+
+def miss_list(found):
+    missed = [aim for aim in aims(found) if any(value is not None and is_missed(aim, value) for value in aim.values.values())]
+    return "".join(miss_text(found, aim) for aim in missed) or "None of those that were measured.\n"
