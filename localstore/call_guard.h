@@ -42,7 +42,7 @@ class CallRecord {
     void Describe(const char* interfaceName, const char* method, std::string object, std::string arguments);
     /// The result with which this call is to end instead of running; none to run.
     [[nodiscard]] std::optional<HRESULT> Failure() const { return m_failure; }
-    HRESULT Finish(HRESULT result);
+    HRESULT Finish(HRESULT result) const;
 
   private:
     bool m_outermost;

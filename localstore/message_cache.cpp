@@ -80,7 +80,7 @@ void MessageCache::Trim() {
     // Folders are read from end to end, again and again. What was used last is what such a reader needs last.
     // Were the least recently used to go, it would find nothing of a folder for which there is no room.
     while (m_bytes > m_mostBytes && m_entries.size() > 1) {
-        const Place second = std::next(m_entries.begin());
+        const auto second = std::next(m_entries.begin());
         m_bytes -= second->Weight();
         m_places.erase(second->path);
         m_entries.erase(second);

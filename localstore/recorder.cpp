@@ -116,7 +116,7 @@ void CallRecord::Describe(const char* interfaceName, const char* method, std::st
     }
 }
 
-HRESULT CallRecord::Finish(HRESULT result) {
+HRESULT CallRecord::Finish(HRESULT result) const {
     if (m_outermost && m_index != 0 && m_index <= State().calls.size()) {
         State().calls[m_index - 1].result = result;
     }

@@ -149,15 +149,23 @@ class ListCondition final : public Condition {
     std::vector<std::unique_ptr<const Condition>> m_parts;
 };
 
+/// What a restriction points to; ends the operation if that is nothing.
+template<class Part>
+const Part& Given(const Part* part) {
+    if (part == nullptr) {
+        throw StoreError(MAPI_E_INVALID_PARAMETER);
+    }
+    return *part;
+}
+
 Property ValueOf(const SPropValue* value) {
-    Require(value != nullptr, MAPI_E_INVALID_PARAMETER);
     HRESULT problem = S_OK;
-    std::optional<Property> property = PropertyOfValue(*value, problem);
+    std::optional<Property> property = PropertyOfValue(Given(value), problem);
     Require(property.has_value(), MAPI_E_TOO_COMPLEX);
     return std::move(*property);
 }
 
-std::unique_ptr<const Condition> Take(const SRestriction* restriction, int depth);
+std::unique_ptr<const Condition> Take(const SRestriction* pointer, int depth);
 
 std::unique_ptr<const Condition> TakeList(bool isAnd, ULONG count, const SRestriction* list, int depth) {
     Require(count == 0 || list != nullptr, MAPI_E_INVALID_PARAMETER);
@@ -168,29 +176,29 @@ std::unique_ptr<const Condition> TakeList(bool isAnd, ULONG count, const SRestri
     return std::make_unique<ListCondition>(isAnd, std::move(parts));
 }
 
-std::unique_ptr<const Condition> Take(const SRestriction* restriction, int depth) {
-    Require(restriction != nullptr, MAPI_E_INVALID_PARAMETER);
+std::unique_ptr<const Condition> Take(const SRestriction* pointer, int depth) {
+    const SRestriction& restriction = Given(pointer);
     Require(depth < kDeepestRestriction, MAPI_E_TOO_COMPLEX);
-    switch (restriction->rt) {
+    switch (restriction.rt) {
         case RES_AND:
-            return TakeList(true, restriction->res.resAnd.cRes, restriction->res.resAnd.lpRes, depth);
+            return TakeList(true, restriction.res.resAnd.cRes, restriction.res.resAnd.lpRes, depth);
         case RES_OR:
-            return TakeList(false, restriction->res.resOr.cRes, restriction->res.resOr.lpRes, depth);
+            return TakeList(false, restriction.res.resOr.cRes, restriction.res.resOr.lpRes, depth);
         case RES_NOT:
-            return std::make_unique<NotCondition>(Take(restriction->res.resNot.lpRes, depth + 1));
+            return std::make_unique<NotCondition>(Take(restriction.res.resNot.lpRes, depth + 1));
         case RES_PROPERTY: {
-            const SPropertyRestriction& one = restriction->res.resProperty;
+            const SPropertyRestriction& one = restriction.res.resProperty;
             Require(one.relop <= RELOP_NE, MAPI_E_TOO_COMPLEX);
             return std::make_unique<PropertyCondition>(one.relop, IdOf(one.ulPropTag), ValueOf(one.lpProp));
         }
         case RES_CONTENT: {
-            const SContentRestriction& one = restriction->res.resContent;
+            const SContentRestriction& one = restriction.res.resContent;
             Require((one.ulFuzzyLevel & 0xFFFFU) <= FL_PREFIX, MAPI_E_TOO_COMPLEX);
             return std::make_unique<ContentCondition>(one.ulFuzzyLevel, IdOf(one.ulPropTag),
                                                       ValueOf(one.lpProp));
         }
         case RES_EXIST:
-            return std::make_unique<ExistCondition>(IdOf(restriction->res.resExist.ulPropTag));
+            return std::make_unique<ExistCondition>(IdOf(restriction.res.resExist.ulPropTag));
         default:
             throw StoreError(MAPI_E_TOO_COMPLEX);
     }

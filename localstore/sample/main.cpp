@@ -19,10 +19,9 @@ namespace {
 constexpr unsigned kMostFurtherContacts = 1'000'000;
 
 /// The default contact folder's own name leads to it, any other to a folder in it.
-ComPtr<IMAPIFolder> OpenFolderOf(sample::SampleSession& session, IMAPIFolder* contacts,
-                                 const std::wstring& name) {
+ComPtr<IMAPIFolder> OpenFolderOf(IMAPIFolder* contacts, const std::wstring& name) {
     return name == sample::kContactsFolder ? ComPtr<IMAPIFolder>(contacts)
-                                           : session.OpenSubFolder(contacts, name);
+                                           : sample::OpenSubFolder(contacts, name);
 }
 
 unsigned WriteSampleItems() {
@@ -31,7 +30,7 @@ unsigned WriteSampleItems() {
     const ComPtr<IMAPIFolder> contacts = session.OpenContacts();
     unsigned written = 0;
     for (const sample::SampleItem& item : sample::SampleItems()) {
-        sample::WriteItem(OpenFolderOf(session, contacts.Get(), item.folder).Get(), item, tags);
+        sample::WriteItem(OpenFolderOf(contacts.Get(), item.folder).Get(), item, tags);
         ++written;
     }
     const ComPtr<IMAPIFolder> calendar = session.OpenCalendar();
@@ -75,17 +74,17 @@ bool ParseCount(const wchar_t* text, unsigned& count) {
 int wmain(int count, wchar_t** arguments) {
     unsigned furtherContacts = 0;
     if (count < 2 || count > 3 || (count == 3 && !ParseCount(arguments[2], furtherContacts))) {
-        std::fputs("usage: zebsample ROOT [COUNT]\n", stderr);
+        (void)std::fputs("usage: zebsample ROOT [COUNT]\n", stderr);
         return 2;
     }
     try {
         MakeSample(arguments[1], furtherContacts);
         return 0;
     } catch (const sample::SampleError& error) {
-        std::fprintf(stderr, "zebsample: could not %ls (0x%08lX)\n", error.doing.c_str(),
-                     static_cast<unsigned long>(error.result));
+        (void)std::fprintf(stderr, "zebsample: could not %ls (0x%08lX)\n", error.doing.c_str(),
+                           static_cast<unsigned long>(error.result));
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "zebsample: %s\n", error.what());
+        (void)std::fprintf(stderr, "zebsample: %s\n", error.what());
     }
     return 1;
 }

@@ -105,7 +105,7 @@ ComPtr<IMAPIFolder> SampleSession::OpenDefaultFolder(ULONG tag, const wchar_t* d
     return OpenFolder(m_store.Get(), folder->Value.bin, doing);
 }
 
-ComPtr<IMAPIFolder> SampleSession::OpenSubFolder(IMAPIFolder* parent, const std::wstring& name) {
+ComPtr<IMAPIFolder> OpenSubFolder(IMAPIFolder* parent, const std::wstring& name) {
     ComPtr<IMAPITable> folders;
     Require(parent->GetHierarchyTable(MAPI_UNICODE, folders.GetAddressOf()), L"list the folders");
     std::wstring text = name;

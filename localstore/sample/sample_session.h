@@ -22,8 +22,6 @@ class SampleSession {
     /// The store's default contact folder and its default calendar folder.
     ComPtr<IMAPIFolder> OpenContacts();
     ComPtr<IMAPIFolder> OpenCalendar();
-    /// The folder of a name in another one.
-    ComPtr<IMAPIFolder> OpenSubFolder(IMAPIFolder* parent, const std::wstring& name);
 
   private:
     void OpenDefaultStore();
@@ -32,5 +30,8 @@ class SampleSession {
     ComPtr<IMAPISession> m_session;
     ComPtr<IMsgStore> m_store;
 };
+
+/// The folder of a name in another one.
+ComPtr<IMAPIFolder> OpenSubFolder(IMAPIFolder* parent, const std::wstring& name);
 
 }  // namespace sample

@@ -63,6 +63,12 @@ std::string LogOn(std::wstring profile) {
     return std::to_string(status);
 }
 
+void RequireDone(long status, const std::string& what) {
+    if (status != 0) {
+        throw std::runtime_error(what + " gives " + std::to_string(status));
+    }
+}
+
 std::string Read(void (*procedure)(wchar_t*, wchar_t*, long*), std::wstring map) {
     g_reception.documents = 0;
     g_reception.units = 0;
@@ -71,9 +77,7 @@ std::string Read(void (*procedure)(wchar_t*, wchar_t*, long*), std::wstring map)
     wchar_t* const texts[] = {nothing, map.data()};
     const double seconds = bench::SecondsOf(
         [&] { GuardedRpc([procedure, &texts, &status] { procedure(texts[0], texts[1], &status); }); });
-    if (status != 0) {
-        throw std::runtime_error("a read gives " + std::to_string(status));
-    }
+    RequireDone(status, "a read");
     if (!g_reception.keepIn.empty()) {
         bench::WriteTexts(g_reception.keepIn, g_reception.kept);
         g_reception.keepIn.clear();
@@ -89,9 +93,7 @@ std::string ListFolders() {
     wchar_t* const text = nothing;
     const double seconds =
         bench::SecondsOf([&] { GuardedRpc([text, &status] { GetAppFolder(text, &status); }); });
-    if (status != 0) {
-        throw std::runtime_error("the folder document gives " + std::to_string(status));
-    }
+    RequireDone(status, "the folder document");
     return std::to_string(seconds);
 }
 

@@ -19,7 +19,7 @@ LogItems MakeItems(unsigned long count) {
     for (unsigned long i = 0; i < count; ++i) {
         tagLogItem item;
         // What differs between the identifiers of a folder stands at their end.
-        const CString number = CString::Format(L"%08X", i);
+        const CString number = CString::Format(L"%08lX", i);
         item.m_strId.assign(kIdDigits - number.size(), L'A');
         item.m_strId += number;
         item.m_dtModified.m_dt = 40000.0 + i * 0.01;

@@ -76,7 +76,7 @@ void HandOn(HANDLE pipe) {
     bool pressed = false;
     for (DWORD size = 0;
          ReadFile(pipe, piece.data(), static_cast<DWORD>(piece.size()), &size, nullptr) != 0;) {
-        std::fwrite(piece.data(), 1, size, stdout);
+        Require(std::fwrite(piece.data(), 1, size, stdout) == size, "fwrite");
         if (!std::exchange(pressed, true)) {
             PressInterrupt();
         }

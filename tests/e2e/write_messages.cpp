@@ -36,7 +36,7 @@ constexpr int kRepeats = 4'000;
 void Require(HRESULT result, const char* what) {
     if (result != S_OK) {
         char text[128];
-        std::snprintf(text, sizeof(text), "%s gives %08lX", what, static_cast<unsigned long>(result));
+        (void)std::snprintf(text, sizeof(text), "%s gives %08lX", what, static_cast<unsigned long>(result));
         throw std::runtime_error(text);
     }
 }
@@ -240,7 +240,7 @@ void Touch() {
     for (bool isFirst = true;; isFirst = false) {
         ++number;
         wchar_t digits[16];
-        std::swprintf(digits, std::size(digits), L"%08ld", static_cast<long>(number));
+        (void)std::swprintf(digits, std::size(digits), L"%08ld", static_cast<long>(number));
         std::wstring body;
         for (int i = 0; i < kRepeats; ++i) {
             body += digits;
@@ -250,7 +250,7 @@ void Touch() {
         Require(message->SaveChanges(0), "SaveChanges");
         if (isFirst) {
             std::puts("ready");
-            std::fflush(stdout);
+            (void)std::fflush(stdout);
         }
     }
 }
@@ -273,7 +273,7 @@ void Add(const std::wstring& name) {
         throw std::runtime_error("the file cannot be opened");
     }
     std::puts("ready");
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
     for (;;) {
         Sleep(INFINITE);
     }
@@ -309,7 +309,7 @@ int wmain(int count, wchar_t** arguments) {
         return count == 3 || count == 4 ? Run(arguments[1], arguments[2], count == 4 ? arguments[3] : L"")
                                         : 2;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
+        (void)std::fprintf(stderr, "%s\n", error.what());
         return 1;
     }
 }

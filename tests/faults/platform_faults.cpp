@@ -94,19 +94,20 @@ using OfCom = Counted<Function, g_comFaults, kNothing, Signature>;
 class CountedFileQuery {
   public:
     static bool Install() {
-        s_original = reinterpret_cast<decltype(&NtQueryInformationFile)>(
+        s_original = reinterpret_cast<Original>(
             ReplaceImport("NtQueryInformationFile", reinterpret_cast<void*>(&Call)));
         return s_original != nullptr;
     }
 
   private:
+    using Original = decltype(&NtQueryInformationFile);
     static constexpr auto kAccessDenied = static_cast<NTSTATUS>(0xC0000022);
 
     static NTSTATUS NTAPI Call(HANDLE file, IO_STATUS_BLOCK* status, void* information, ULONG length,
                                FILE_INFORMATION_CLASS kind) {
         return g_fileFaults.Fails() ? kAccessDenied : s_original(file, status, information, length, kind);
     }
-    static inline decltype(&NtQueryInformationFile) s_original = nullptr;
+    static inline Original s_original = nullptr;
 };
 
 using Installer = bool (*)();

@@ -105,7 +105,7 @@ void PrintFigures(unsigned long round) {
     const Figures figures = QueryFigures();
     std::printf("round %lu handles %lu bytes %llu documents %lu\n", round, figures.handles, figures.bytes,
                 g_documents.load());
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
 }
 
 // The remote procedures. Each returns its status; a call that fails throws.
@@ -444,9 +444,9 @@ int wmain(int count, wchar_t** arguments) {
         Run({arguments + 1, arguments + count});
         return 0;
     } catch (const RpcFailure& failure) {
-        std::fprintf(stderr, "stress_client: a remote call failed, status %lu\n", failure.Status());
+        (void)std::fprintf(stderr, "stress_client: a remote call failed, status %lu\n", failure.Status());
     } catch (const std::exception& failure) {
-        std::fprintf(stderr, "stress_client: %s\n", failure.what());
+        (void)std::fprintf(stderr, "stress_client: %s\n", failure.what());
     }
     return 1;
 }

@@ -26,7 +26,6 @@ constexpr RPC_STATUS kFailure = 1740;  // RPC_S_DUPLICATE_ENDPOINT
 constexpr const wchar_t* kBegin = L"Begin  Rpc Intliaize-----------------------------------";
 constexpr const wchar_t* kFinish = L"finish Rpc Intliaize-----------------------------------";
 constexpr const wchar_t* kTableBegin = L"#### Load tarnlib32.dll function enter ####";
-constexpr const wchar_t* kTableEnd = L"#### Load tarnlib32.dll function return TRUE ####";
 
 std::vector<std::string> g_calls;
 
@@ -167,7 +166,7 @@ TEST_F(StartUp, FailedListenEndsTheProcess) {
 TEST_F(StartUp, FailedClassLibraryStartUpReturnsOneAndLogsNothing) {
     ::testing::internal::CaptureStdout();
     EXPECT_EQ(RunAgent(nullptr), 1);
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Fatal Error: MFC initialization failed\n");
     EXPECT_TRUE(g_calls.empty());
     EXPECT_TRUE(TakeLog().empty());

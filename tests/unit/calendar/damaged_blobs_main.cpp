@@ -9,7 +9,7 @@
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fputs("usage: damaged_blobs COUNT [SEED]\n", stderr);
+        (void)std::fputs("usage: damaged_blobs COUNT [SEED]\n", stderr);
         return 2;
     }
     const unsigned long long count = std::strtoull(argv[1], nullptr, 10);

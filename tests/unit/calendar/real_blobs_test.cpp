@@ -98,6 +98,10 @@ void ExpectText(const RealBlob& blob, const std::string& name, const CString& va
     EXPECT_EQ(value, CString(WideString(text.begin(), text.end()))) << blob.name << " " << path;
 }
 
+std::string NameOfDeletedDate(std::uint32_t number) {
+    return "RecurrencePattern.DeletedInstanceDates." + std::to_string(number) + ".minutes";
+}
+
 void ExpectPattern(const RealBlob& blob, const tagRecurrencePattern& pattern) {
     const std::string part = "RecurrencePattern.";
     ExpectField(blob, part + "ReaderVersion", pattern.ReaderVersion);
@@ -117,9 +121,7 @@ void ExpectPattern(const RealBlob& blob, const tagRecurrencePattern& pattern) {
     ExpectField(blob, part + "StartDate.minutes", pattern.StartDate);
     ExpectField(blob, part + "EndDate.minutes", pattern.EndDate);
     for (std::uint32_t i = 0; i < pattern.DeletedInstanceCount; ++i) {
-        const std::string index = std::to_string(i);
-        ExpectField(blob, part + "DeletedInstanceDates." + index + ".minutes",
-                    pattern.DeletedInstanceDates[i]);
+        ExpectField(blob, NameOfDeletedDate(i), pattern.DeletedInstanceDates[i]);
     }
     ExpectField(blob, "ReaderVersion2", pattern.ReaderVersion2);
     ExpectField(blob, "WriterVersion2", pattern.WriterVersion2);

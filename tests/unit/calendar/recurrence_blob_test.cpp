@@ -270,7 +270,7 @@ TEST(RecurrenceBlob, DatesThatAreNotThereAreZeroInTheArray) {
 
 TEST(RecurrenceBlob, TheMostDeletedDatesHaveAnArrayAndOneMoreHasNone) {
     const BlobBytes head = HeadBytes(OfKind(0, 0)).U32(0).U32(0).U32(0);
-    const auto most = ReadExactly(BlobBytes(head).U32(1'048'576).Fill(4 * 1'048'576, 'x'));
+    const auto most = ReadExactly(BlobBytes(head).U32(1'048'576).Fill(4 * std::size_t{1'048'576}, 'x'));
     EXPECT_EQ(most.pattern.DeletedInstanceCount, 1'048'576U);
     ASSERT_NE(most.pattern.DeletedInstanceDates, nullptr);
     EXPECT_EQ(most.pattern.DeletedInstanceDates[1'048'575], 0x78787878U);
@@ -299,11 +299,11 @@ TEST(RecurrenceBlob, OfMoreMissingDatesThan4096ThereIsNoArray) {
 
 TEST(RecurrenceBlob, AListOfManyDatesThatWasCutKeepsThoseInFrontOfTheCut) {
     const BlobBytes head = HeadBytes(OfKind(0, 0)).U32(0).U32(0).U32(0);
-    const auto read = ReadExactly(BlobBytes(head).U32(1'000 + 4096).Fill(4 * 1'000, 'x'));
+    const auto read = ReadExactly(BlobBytes(head).U32(1'000 + 4096).Fill(4'000, 'x'));
     ASSERT_NE(read.pattern.DeletedInstanceDates, nullptr);
     EXPECT_EQ(read.pattern.DeletedInstanceDates[999], 0x78787878U);
     EXPECT_EQ(read.pattern.DeletedInstanceDates[1'000 + 4095], 0U);
-    EXPECT_EQ(read.result, head.Size() + 4 + 4 * 1'000);
+    EXPECT_EQ(read.result, head.Size() + 4 + 4'000);
 }
 
 TEST(RecurrenceBlob, SizeOfTheLastBlockCountsModulo32Bits) {

@@ -328,12 +328,13 @@ TEST(RecurrenceExceptions, TheMostHaveAnArrayAndOneMoreHasNone) {
                                .U32(0)   // OccurrenceCount
                                .U32(0)   // FirstDOW
                                .U32(0);  // DeletedInstanceCount
-    const ReadRecurrence most = ReadExactly(BlobBytes(head).U32(kMost).Fill(4 * kMost, 'x'));
+    const ReadRecurrence most = ReadExactly(BlobBytes(head).U32(kMost).Fill(4 * std::size_t{kMost}, 'x'));
     EXPECT_EQ(most.pattern.ModifiedInstanceCount, kMost);
     ASSERT_NE(most.pattern.Exceptions, nullptr);
     EXPECT_EQ(most.pattern.Exceptions[kMost - 1].OriginalDate, 0x78787878U);
 
-    const ReadRecurrence more = ReadExactly(BlobBytes(head).U32(kMost + 1).Fill(4 * (kMost + 1), 'x'));
+    const ReadRecurrence more =
+        ReadExactly(BlobBytes(head).U32(kMost + 1).Fill(4 * std::size_t{kMost + 1}, 'x'));
     EXPECT_EQ(more.pattern.ModifiedInstanceCount, kMost + 1);
     EXPECT_EQ(more.pattern.Exceptions, nullptr);
 }

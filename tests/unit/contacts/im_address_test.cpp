@@ -7,7 +7,7 @@
 namespace {
 
 struct Split {
-    std::int32_t fieldId;
+    std::int32_t fieldId = 0;
     CString rest;
 };
 

@@ -44,7 +44,7 @@ TEST(Sections, OfOtherKindsAndDomainsDoNotCount) {
 
 std::string ChecksumOf(std::string_view text) {
     char digits[17] = {};
-    std::snprintf(digits, sizeof(digits), "%016llX", static_cast<unsigned long long>(Fnv1a(text)));
+    (void)std::snprintf(digits, sizeof(digits), "%016llX", static_cast<unsigned long long>(Fnv1a(text)));
     return digits;
 }
 

@@ -18,7 +18,7 @@ TEST(SingleInstance, ASecondOneIsBusyUntilTheFirstIsGone) {
         EXPECT_EQ(static_cast<int>(failure.Code()), 7);
     }
     first.reset();
-    EXPECT_NO_THROW(SingleInstance());
+    EXPECT_NO_THROW(first.emplace());
 }
 
 }  // namespace

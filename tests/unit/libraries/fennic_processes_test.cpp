@@ -95,6 +95,7 @@ TEST(FennicProcesses, ShareAFileThatIsMovedAside) {
     const CString race = CString::Format(L"ZebFennic%lu", GetCurrentProcessId());
     const StartingLine start(race);
     std::vector<Handle> children;
+    children.reserve(kProcesses);
     for (int i = 0; i < kProcesses; ++i) {
         children.push_back(StartChild(CString(std::wstring(1, static_cast<wchar_t>(L'a' + i))) + race));
     }

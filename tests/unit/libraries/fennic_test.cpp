@@ -110,7 +110,7 @@ TEST(LogWriter, KeepsThreeFiles) {
 }
 
 TEST(LogWriter, MovesAFileAsideAt10MegabytesAndBreaksNoLine) {
-    constexpr std::size_t kLimit = 10 * 1024 * 1024;
+    constexpr std::size_t kLimit = std::size_t{10} * 1024 * 1024;
     const TemporaryFolder folder;
     LogWriter writer(SettingsFor(folder));
     writer.Write(L"M", 3, std::wstring(kLimit - 1, L'1').c_str());
@@ -163,6 +163,7 @@ TEST(LogWriter, KeepsLinesOfManyThreadsWhole) {
     const TemporaryFolder folder;
     LogWriter writer(SettingsFor(folder));
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&writer, thread] {
             const CString line = CString(std::wstring(100, static_cast<wchar_t>(L'a' + thread))) + L"\n";

@@ -10,7 +10,7 @@ namespace {
 
 std::atomic<std::size_t> g_failIn = 0;  ///< allocations until one fails, 0 for never
 std::atomic<bool> g_forever = false;    ///< the ones behind it fail too
-std::atomic<bool> g_hasFailed = false;  ///< one has failed
+std::atomic<std::size_t> g_failed = 0;  ///< allocations that have failed
 std::atomic<std::size_t> g_live = 0;    ///< allocations that have not been freed
 
 bool IsRefused() noexcept {
@@ -18,7 +18,7 @@ bool IsRefused() noexcept {
         return false;
     }
     g_failIn = g_forever ? 1 : 0;
-    g_hasFailed = true;
+    ++g_failed;
     return true;
 }
 
@@ -35,8 +35,7 @@ void Free(void* memory) noexcept {
 
 }  // namespace
 
-ScarceMemory::ScarceMemory(std::size_t n, bool forever) noexcept {
-    g_hasFailed = false;
+ScarceMemory::ScarceMemory(std::size_t n, bool forever) noexcept : m_failedBefore(g_failed) {
     g_forever = forever;
     g_failIn = n;
 }
@@ -46,7 +45,7 @@ ScarceMemory::~ScarceMemory() {
 }
 
 bool ScarceMemory::HasFailed() const noexcept {
-    return g_hasFailed;
+    return g_failed != m_failedBefore;
 }
 
 std::size_t LiveAllocations() noexcept {

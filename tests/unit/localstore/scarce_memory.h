@@ -14,8 +14,11 @@ class ScarceMemory {
     ScarceMemory& operator=(const ScarceMemory&) = delete;
     ~ScarceMemory();
 
-    /// True once an allocation has failed.
+    /// True once an allocation has failed in this object's life.
     [[nodiscard]] bool HasFailed() const noexcept;
+
+  private:
+    std::size_t m_failedBefore;
 };
 
 /// Allocations of this program through operator new that have not been freed.

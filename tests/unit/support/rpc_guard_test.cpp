@@ -58,9 +58,10 @@ TEST(RpcGuard, WorksInsideItself) {
 }
 
 TEST(RpcGuardDeathTest, LeavesAFaultOfTheProgramAlone) {
-    // Not null, which a build that checks itself would see before the processor does.
-    auto* const nowhere = reinterpret_cast<volatile int*>(sizeof(int));
-    EXPECT_DEATH(StatusOf([&] { *nowhere = 1; }), "");
+    // The program's own header, which cannot be written to. Not null, which a build that checks itself would
+    // see before the processor does.
+    auto* const fixed = reinterpret_cast<volatile int*>(GetModuleHandleW(nullptr));
+    EXPECT_DEATH(StatusOf([&] { *fixed = 1; }), "");
 }
 
 }  // namespace
