@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <iterator>
 #include <ostream>
-#include <set>
 
-#include "support/xml_parser.h"
+#include "support/settings.h"
+#include "tests/faults/list_checks.h"
 #include "tests/faults/preparations.h"
-#include "tests/unit/text_printer.h"
+#include "tests/faults/read_checks.h"
 
 namespace {
 
@@ -27,6 +27,12 @@ void LogOff(StoreState& /*state*/) {
 void PrepareProfiles(StoreState& state) {
     LogOn(state);
     g_MAPIObject.m_lpProfAdmin.Reset();
+    WriteOldList(g_strProfileXml);
+}
+
+void PrepareFolders(StoreState& state) {
+    LogOn(state);
+    WriteOldList(g_strOutlookXml);
 }
 
 void ExpectStoreUntouched(StoreState& state, const Outcome& outcome) {
@@ -67,70 +73,6 @@ void ExpectContactFolder(StoreState& state, const Outcome& outcome) {
 
 void ExpectEventFolder(StoreState& state, const Outcome& outcome) {
     ExpectFolders(state, outcome, false);
-}
-
-void ExpectCount(StoreState& state, const Outcome& outcome) {
-    EXPECT_GE(outcome.result, 0);
-    EXPECT_LE(outcome.result, StoreState::kItems);
-    EXPECT_TRUE(state.IsAsInTheBeginning());
-}
-
-/// Expects documents that can be parsed, each of an item of its own; all of them if nothing failed. For the
-/// map one item is new, one changed and one deleted, which are as many as there are. Where memory or the
-/// document service fails a document may lack elements, the root too.
-void ExpectDocuments(const std::vector<CString>& documents, const wchar_t* rootPath, const wchar_t* idPath,
-                     const Outcome& outcome) {
-    std::set<CString> ids;
-    for (const CString& document : documents) {
-        CXMLParser parser;
-        EXPECT_TRUE(parser.InitDocument());
-        parser.LoadText(document.View());
-        EXPECT_TRUE(outcome.documentsFailed || parser.SelectSingleNode(rootPath))
-            << testing::PrintToString(document);
-        const ComPtr<IXMLDOMNode> id = parser.SelectSingleNode(idPath);
-        // What arrives with an identifier arrives once.
-        if (id) {
-            EXPECT_TRUE(ids.insert(parser.GetNodeText(id.Get())).second);
-        }
-    }
-    EXPECT_LE(documents.size(), kAllItems);
-    if (outcome.complete) {
-        EXPECT_EQ(ids.size(), kAllItems);
-    }
-}
-
-void ExpectContactsRead(StoreState& state, const Outcome& outcome) {
-    ExpectDocuments(TakeSent(), L"/Contact", L"/Contact/PIMID", outcome);
-    ExpectStoreUntouched(state, outcome);
-}
-
-void ExpectCalendarsRead(StoreState& state, const Outcome& outcome) {
-    ExpectDocuments(TakeSentCalendars(), L"/Calendar", L"/Calendar/PIMID", outcome);
-    ExpectStoreUntouched(state, outcome);
-}
-
-/// Expects the old map, or a whole new one. By design that is written in front of the documents, and a marked
-/// message that does not open then is passed over; the deletion, which needs no call, arrives unless the read
-/// was stopped.
-void ExpectMap(const StoreState& state, const CString& map, std::size_t documents, const Outcome& outcome) {
-    EXPECT_TRUE(state.MapIsWhole(map));
-    if (outcome.result == kSucceeded && !outcome.documentsFailed && !state.IsAsInTheBeginning()) {
-        EXPECT_GE(documents, 1U);
-    }
-}
-
-void ExpectContactChangesRead(StoreState& state, const Outcome& outcome) {
-    const std::vector<CString> documents = TakeSent();
-    ExpectDocuments(documents, L"/Contact", L"/Contact/PIMID", outcome);
-    ExpectMap(state, state.contactMap, documents.size(), outcome);
-    EXPECT_TRUE(outcome.result == 0 || outcome.result == 1);
-}
-
-void ExpectCalendarChangesRead(StoreState& state, const Outcome& outcome) {
-    const std::vector<CString> documents = TakeSentCalendars();
-    ExpectDocuments(documents, L"/Calendar", L"/Calendar/PIMID", outcome);
-    ExpectMap(state, state.calendarMap, documents.size(), outcome);
-    EXPECT_TRUE(outcome.result == 0 || outcome.result == 1);
 }
 
 std::vector<Operation> SessionOperations() {
@@ -188,7 +130,7 @@ std::vector<Operation> SessionOperations() {
          .failureLine = L"GetAppProfile : Finish(1)",
          .prepare = PrepareProfiles,
          .run = [](StoreState& state) { return g_MAPIObject.GetAppProfile(state.document); },
-         .check = ExpectStoreUntouched,
+         .check = ExpectProfileList,
          .mostBuffersLeft = 2,
          .mostObjectsLeft = 1},
         {.name = "Folders",
@@ -196,9 +138,9 @@ std::vector<Operation> SessionOperations() {
          .lastLine = L"GetAppFolder : Finish",
          .successLine = L"GetAppFolder : Finish(0)",
          .failureLine = L"GetAppFolder : Finish(1)",
-         .prepare = LogOn,
+         .prepare = PrepareFolders,
          .run = [](StoreState& state) { return g_MAPIObject.GetAppFolder(state.document); },
-         .check = ExpectStoreUntouched},
+         .check = ExpectFolderList},
         {.name = "ChooseContacts",
          .firstLine = L"SetContactFolder - Begin",
          .lastLine = L"SetContactFolder - Finish",
@@ -245,14 +187,14 @@ std::vector<Operation> ReadOperations() {
          .lastLine = L"GetContactCount - Finish",
          .prepare = PrepareItems,
          .run = [](StoreState&) { return static_cast<int>(g_MAPIObject.GetContactCount()); },
-         .check = ExpectCount,
+         .check = ExpectContactCount,
          .complete = StoreState::kItems},
         {.name = "CountCalendars",
          .firstLine = L"GetCalendarCount - Begin",
          .lastLine = L"GetCalendarCount - Finish",
          .prepare = PrepareItems,
          .run = [](StoreState&) { return static_cast<int>(g_MAPIObject.GetCalendarCount()); },
-         .check = ExpectCount,
+         .check = ExpectCalendarCount,
          .complete = StoreState::kItems},
         {.name = "ReadContacts",
          .firstLine = L"ReadContacts - Begin",

@@ -7,18 +7,28 @@
 #include <vector>
 
 #include "tests/faults/store_state.h"
+#include "tests/unit/recorded_log.h"
 
 /// What one run of an operation left.
 struct Outcome {
     int result = 0;
     /// A call said that it was made and did nothing, so what is in the store says nothing of the agent.
     bool storeLied = false;
+    /// A call of the store failed, one that lied among it.
+    bool storeFailed = false;
     /// Memory or the document service failed, so documents may lack something.
     bool documentsFailed = false;
+    /// Memory failed, so that the log may lack lines.
+    bool memoryFailed = false;
+    /// The document service or another part of COM said that a call was made, and did nothing.
+    bool serviceLied = false;
+    /// Every call behind the first one that failed did so too.
+    bool forever = false;
     /// Another client logged on or chose a folder before the outcome is looked at.
     bool foldersReplaced = false;
     /// Nothing failed, so that all of it has to be done.
     bool complete = false;
+    LogLines log;
 };
 
 struct Operation {

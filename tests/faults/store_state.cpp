@@ -22,16 +22,6 @@ constexpr const wchar_t* kMail = L"\\Work\\Mail";
 /// What the names of files begin with that the store is still writing.
 constexpr const wchar_t* kTemporaryPrefix = L"~localstore-";
 
-std::string BytesOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void WriteBytes(const fs::path& path, const std::string& bytes) {
-    std::ofstream file(path, std::ios::binary);
-    file << bytes;
-}
-
 void AddContacts() {
     FolderWriter writer(L"Work", L"Contacts");
     const ComPtr<IMessage> message = writer.NewMessage(
@@ -78,6 +68,16 @@ CString IdOfOldItem(const std::vector<CString>& documents) {
 
 }  // namespace
 
+std::string BytesOf(const std::wstring& path) {
+    std::ifstream file(fs::path(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteBytes(const std::wstring& path, const std::string& bytes) {
+    std::ofstream file(fs::path(path), std::ios::binary);
+    file << bytes;
+}
+
 StoreState::StoreState(const std::wstring& root) : m_store(root + kMail), m_beside(root + L"-beside") {
     fs::create_directories(m_beside);
     g_strDataFolder = CString(m_beside.c_str());
@@ -117,7 +117,7 @@ void StoreState::MakeMap(const CString& map, bool ofContacts) const {
     ASSERT_EQ(known.sections.size(), 1U);
     std::vector<KnownItem>& items = known.sections[0].items;
     ASSERT_EQ(items.size(), static_cast<std::size_t>(kItems));
-    items[0].id = L"00000000";
+    items[0].id = kGoneId;
     items[1].modified.seconds -= 1000;
     WriteBytes(map.c_str(), WriteMap(known));
 }
@@ -126,7 +126,7 @@ StoreState::Files StoreState::Content() const {
     Files files;
     for (const auto& entry : fs::recursive_directory_iterator(m_store)) {
         if (entry.path().extension() == L".msg") {
-            files[entry.path().wstring()] = BytesOf(entry.path());
+            files[entry.path().wstring()] = BytesOf(entry.path().wstring());
         }
     }
     for (const CString& map : {contactMap, calendarMap}) {
@@ -196,10 +196,23 @@ void StoreState::RememberFolders() {
     eventFolder = g_MAPIObject.m_lpEventFolder.Get();
 }
 
+bool StoreState::MapIsOld(const CString& map) const {
+    return BytesOf(map.c_str()) == m_beginning.at(map.c_str());
+}
+
 bool StoreState::MapIsWhole(const CString& map) const {
-    const std::string bytes = BytesOf(map.c_str());
     ChangeMap known;
-    return bytes == m_beginning.at(map.c_str()) ||
-           (ReadMap(bytes, known) == MapState::kGood && known.sections.size() == 1 &&
-            known.sections[0].items.size() == static_cast<std::size_t>(kItems));
+    return MapIsOld(map) ||
+           (ReadMap(BytesOf(map.c_str()), known) == MapState::kGood && known.sections.size() == 1 &&
+            known.sections[0].items.size() == static_cast<std::size_t>(kItems) &&
+            std::ranges::none_of(known.sections[0].items,
+                                 [](const KnownItem& item) { return item.id == kGoneId; }));
+}
+
+bool StoreState::KeepsMessages() const {
+    Files now = Content();
+    for (const CString& map : {contactMap, calendarMap}) {
+        now[map.c_str()] = m_beginning.at(map.c_str());
+    }
+    return now == m_beginning;
 }

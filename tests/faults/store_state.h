@@ -15,10 +15,18 @@
 constexpr const wchar_t* kOldName = L"an old name of some length";
 constexpr const wchar_t* kNewName = L"a new name of some length";
 
+/// The identifier of the item that the maps know and the store does not hold.
+constexpr const wchar_t* kGoneId = L"00000000";
+
+/// The bytes of a file, none if it is not there; and puts them there.
+std::string BytesOf(const std::wstring& path);
+void WriteBytes(const std::wstring& path, const std::string& bytes);
+
 class StoreState {
   public:
-    /// Contacts, and appointments, with those of the sub-folder.
+    /// Contacts, and appointments, with those of the sub-folder and without.
     static constexpr int kItems = 3;
+    static constexpr int kItemsOnTop = 2;
 
     /// Makes the store below a root that holds its folders, and remembers it. The agent must be logged on.
     explicit StoreState(const std::wstring& root);
@@ -39,8 +47,12 @@ class StoreState {
 
     void RememberFolders();
 
-    /// True if the map of a kind is the one of the beginning, or one that knows all items.
+    /// True if the map of a kind is the one of the beginning.
+    [[nodiscard]] bool MapIsOld(const CString& map) const;
+    /// True if it is, or knows all items that there are and none besides.
     [[nodiscard]] bool MapIsWhole(const CString& map) const;
+    /// True if the messages are what they were in the beginning, whatever the maps are.
+    [[nodiscard]] bool KeepsMessages() const;
 
     CString incoming;            ///< the document of a write
     std::int32_t flag = 0;       ///< what it asks for
@@ -57,6 +69,7 @@ class StoreState {
     CString contactMap;
     CString calendarMap;
     wchar_t document[1] = {};
+    std::string wholeList;  ///< the file of a list as the first run without a failure left it
     /// The chosen folders before an operation, for comparison alone.
     const void* contactFolder = nullptr;
     const void* eventFolder = nullptr;

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <optional>
 #include <sstream>
+#include <utility>
 
 #include "localstore/recorder.h"
 #include "tests/faults/fault_fixture.h"
@@ -118,12 +119,14 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         Outcome outcome;
         outcome.result = Op().run(State());
         const bool failed = Kind().disarm();
-        const LogLines log = TakeLog();
+        outcome.log = TakeLog();
         outcome.complete = !failed;
-        outcome.documentsFailed = failed && Kind().reachesDocuments;
-        outcome.storeLied = failed && code == static_cast<std::uint32_t>(S_OK) && Kind().arm == ArmStore;
+        outcome.forever = forever;
+        if (failed) {
+            Classify(outcome, code);
+        }
         m_losses += Count([&] { Op().check(State(), outcome); });
-        ExpectLog(log, outcome.result, failed && Kind().arm == ArmMemory);
+        ExpectLog(outcome.log, outcome.result, outcome.memoryFailed);
         if (!Op().changesSession) {
             m_leaks += Count([&] {
                 EXPECT_GE(recorder::LiveObjects(), objects);
@@ -132,6 +135,15 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
             });
         }
         return failed;
+    }
+    /// Says what it was that failed.
+    static void Classify(Outcome& outcome, std::uint32_t code) {
+        const bool lied = code == static_cast<std::uint32_t>(S_OK);
+        outcome.documentsFailed = Kind().reachesDocuments;
+        outcome.storeFailed = Kind().arm == ArmStore;
+        outcome.storeLied = outcome.storeFailed && lied;
+        outcome.memoryFailed = Kind().arm == ArmMemory;
+        outcome.serviceLied = outcome.documentsFailed && !outcome.memoryFailed && lied;
     }
     /// Runs expectations; 1 if one of them was not met.
     template<class Expectations>
@@ -148,13 +160,13 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         Outcome outcome;
         outcome.result = Op().run(State());
         outcome.complete = true;
-        LogLines log = TakeLog();
+        outcome.log = TakeLog();
         EXPECT_EQ(outcome.result, Op().complete);
         m_losses += Count([&] { Op().check(State(), outcome); });
         if (!Op().changesSession) {
             CountBuffersLeft(recorder::LiveBuffers() - buffers);
         }
-        return log;
+        return std::move(outcome.log);
     }
     void CountBuffersLeft(long left) {
         EXPECT_GE(left, 0);
