@@ -7,6 +7,8 @@ import pathlib
 import re
 import sys
 
+from marked_text import write_between
+
 BEGIN = "<!-- the table of make coverage begins -->"
 END = "<!-- the table of make coverage ends -->"
 HEADINGS = "| Room | Lines | Reached | |\n|---|---:|---:|---:|\n"
@@ -79,21 +81,17 @@ def print_missed(files):
             print(f"not reached: {name}:{number}: {source[number - 1].strip()}")
 
 
-def main():
-    build = pathlib.Path(sys.argv[1]).resolve()
-    document = pathlib.Path(sys.argv[2])
+def main(arguments):
+    build = pathlib.Path(arguments[0]).resolve()
     files = {name: lines for name, lines in reached_lines(build).items() if lines}
     unlinked = unlinked_sources(build, files)
     if unlinked or not files:
         sys.exit(f"coverage_table: linked into no test: {', '.join(unlinked) or 'everything'}")
-    text = document.read_text(encoding="utf-8")
-    pattern = re.escape(BEGIN) + ".*?" + re.escape(END)
-    if not re.search(pattern, text, re.DOTALL):
-        sys.exit(f"coverage_table: {document} has no place for the table")
     print_missed(files)
     table = HEADINGS + "\n".join(rows(files)) + "\n"
     print(table, end="")
-    document.write_text(re.sub(pattern, lambda _: BEGIN + "\n" + table + END, text, flags=re.DOTALL), encoding="utf-8")
+    write_between(arguments[1], BEGIN, END, table)
 
 
-main()
+if __name__ == "__main__":
+    main(sys.argv[1:])

@@ -6,13 +6,15 @@ cd "$(dirname "$0")/.."
 source tools/wine-server.sh
 
 filter=--gtest_filter=${1:-*}
+# Several times what a lane takes on a slow machine: one in which a call never returns ends as one that crashed.
+readonly MOST_SECONDS=7200
 lanes=('' "${ZEB_LANES[@]}")
 
 # The tests of one lane, which has its own part of them, and its own log: sweep NUMBER.
 sweep() {
   local log=$PWD/build/faults-$1.log status=0
   ZEB_LANE=${lanes[$1]} ZEB_FAULTS=full GTEST_TOTAL_SHARDS=${#lanes[@]} GTEST_SHARD_INDEX=$1 \
-    tools/run-wine.sh build/release/tests/faults_tests.exe "$filter" 2>&1 |
+    timeout --foreground --kill-after=10 "$MOST_SECONDS" tools/run-wine.sh build/release/tests/faults_tests.exe "$filter" 2>&1 |
     tee "$log" | tr -d '\r' | { grep --line-buffered -E '^FAULTS: |FAILED' || [ "$?" -eq 1 ]; } || status=$?
   # A program that crashed has no line of its end. What it ran last may be any of its tests.
   grep -qE '^\[==========\] .* ran\.' "$log" || {

@@ -5,8 +5,9 @@ The list is that of all tests, in whose order the rows come; each log is that of
 """
 
 import pathlib
-import re
 import sys
+
+from marked_text import write_between
 
 BEGIN = "<!-- the table of make faults begins -->"
 END = "<!-- the table of make faults ends -->"
@@ -18,14 +19,14 @@ def read(path):
 
 
 def rows(log):
-    """The rows of the sweeps that came to their end, by the names of their tests; a log that ends in the middle of a test
-    gives no table."""
+    """The tests that came to their end, each by its name, with the row of its sweep or without one; a log that ends in the
+    middle of a test gives no table."""
     running = row = None
     for line in log.splitlines():
         if line.startswith("[ RUN      ]"):
-            running, row = line[len("[ RUN      ]"):].strip(), None
+            running, row = line[len("[ RUN      ]"):].strip(), ""
         elif line.startswith(("[       OK ]", "[  FAILED  ]", "[  SKIPPED ]")):
-            if running is not None and row is not None:
+            if running is not None:
                 yield running, row
             running = None
         elif line.startswith("FAULTS: "):
@@ -34,9 +35,15 @@ def rows(log):
             )
             # What a kind never meets in an operation cannot fail there.
             if points != "0":
-                row = f"| {operation} | {kind} | {points} | {runs} | 0 | {leaks} | {losses} |"
+                row = f"| {operation} | {kind} | {points} | {runs} | 0 | {leaks} | {losses} |\n"
     if running is not None:
         sys.exit(f"faults_table: the program ended in {running}")
+
+
+def total(table):
+    """The row with the sums of all rows."""
+    cells = [row.strip().strip("|").split("|")[2:] for row in table]
+    return "| all | | " + " | ".join(str(sum(map(int, column))) for column in zip(*cells)) + " |\n"
 
 
 def names(listed):
@@ -50,15 +57,16 @@ def names(listed):
             suite = name
 
 
-def main():
-    document = pathlib.Path(sys.argv[1])
-    found = {name: row for path in sys.argv[3:] for name, row in rows(read(path))}
-    table = HEADINGS + "".join(found[name] + "\n" for name in names(read(sys.argv[2])) if name in found)
-    text = document.read_text(encoding="utf-8")
-    pattern = re.escape(BEGIN) + ".*?" + re.escape(END)
-    if not re.search(pattern, text, re.DOTALL):
-        sys.exit(f"faults_table: {document} has no place for the table")
-    document.write_text(re.sub(pattern, lambda _: BEGIN + "\n" + table + END, text, flags=re.DOTALL), encoding="utf-8")
+def main(arguments):
+    document, listed, *logs = arguments
+    found = {name: row for path in logs for name, row in rows(read(path))}
+    wanted = list(names(read(listed)))
+    lacking = [name for name in wanted if name not in found]
+    if lacking:
+        sys.exit(f"faults_table: no log tells of {lacking[0]}, one of {len(lacking)}")
+    table = [found[name] for name in wanted if found[name]]
+    write_between(document, BEGIN, END, HEADINGS + "".join(table) + total(table))
 
 
-main()
+if __name__ == "__main__":
+    main(sys.argv[1:])

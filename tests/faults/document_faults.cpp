@@ -26,6 +26,20 @@ constexpr IID kElementInterface = {
 struct Document {};
 struct Element {};
 
+/// Puts a function in a slot of a table of methods and returns what stood there; null if the table cannot be
+/// written to.
+void* Replace(void** slot, void* function) {
+    DWORD protection = 0;
+    return VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection) == FALSE
+               ? nullptr
+               : std::exchange(*slot, function);
+}
+
+/// The table of methods of an object.
+void** MethodsOf(IUnknown* object) {
+    return *reinterpret_cast<void***>(object);
+}
+
 /// A method that counts its calls and passes them on. It stands in the table of methods of all objects of a
 /// kind.
 template<class Kind, auto Method>
@@ -36,13 +50,9 @@ template<class Kind, class Interface, class... Arguments,
 class CountedMethod<Kind, Method> {
   public:
     static bool Install(IUnknown* object) {
-        void** const slot = *reinterpret_cast<void***>(object) + Index();
-        DWORD protection = 0;
-        if (VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection) == FALSE) {
-            return false;
-        }
-        s_original = reinterpret_cast<Original>(std::exchange(*slot, reinterpret_cast<void*>(&Call)));
-        return true;
+        s_original =
+            reinterpret_cast<Original>(Replace(MethodsOf(object) + Index(), reinterpret_cast<void*>(&Call)));
+        return s_original != nullptr;
     }
 
   private:
@@ -68,13 +78,8 @@ class CountedMethod<Kind, Method> {
 class CountedQuery {
   public:
     static bool Install(IUnknown* object) {
-        void** const slot = *reinterpret_cast<void***>(object);
-        DWORD protection = 0;
-        if (VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection) == FALSE) {
-            return false;
-        }
-        s_original = reinterpret_cast<Original>(std::exchange(*slot, reinterpret_cast<void*>(&Call)));
-        return true;
+        s_original = reinterpret_cast<Original>(Replace(MethodsOf(object), reinterpret_cast<void*>(&Call)));
+        return s_original != nullptr;
     }
 
   private:

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "desktop/recurrence_words.h"
@@ -122,23 +123,24 @@ std::string Exceptions(const CString& text) {
     return words;
 }
 
+/// What words a series begins with: the first that is true.
+std::string Beginning(const RecurrenceFields& fields) {
+    const std::pair<bool, std::string> cases[] = {
+        {fields.type.empty(), ""},
+        {fields.isOtherCalendar, "a series of another calendar"},
+        {fields.interval.empty(), "a series"},
+        {true, Kind(fields)},
+    };
+    return std::ranges::find(cases, true, &std::pair<bool, std::string>::first)->second;
+}
+
 CString Expected(const RecurrenceFields& fields) {
-    if (fields.type.empty()) {
-        return {};
-    }
-    if (fields.isOtherCalendar) {
-        return WIDE("a series of another calendar");
-    }
-    if (fields.interval.empty()) {
-        return WIDE("a series");
-    }
-    CString words = TextOfAscii(Kind(fields));
-    if (!fields.end.empty()) {
-        words += WIDE(" until ");
-        words += fields.end;
-    }
+    const bool isTold = !fields.type.empty() && !fields.isOtherCalendar && !fields.interval.empty();
     const std::string exceptions = Exceptions(fields.exceptions);
-    return words + TextOfAscii(exceptions.empty() ? "" : ", " + exceptions);
+    CString words = TextOfAscii(Beginning(fields));
+    words += isTold && !fields.end.empty() ? WIDE(" until ") + fields.end : CString();
+    words += TextOfAscii(isTold && !exceptions.empty() ? ", " + exceptions : "");
+    return words;
 }
 
 }  // namespace
