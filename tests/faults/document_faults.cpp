@@ -54,13 +54,19 @@ class CountedMethod<Kind, Method> {
             reinterpret_cast<Original>(Replace(MethodsOf(object) + Index(), reinterpret_cast<void*>(&Call)));
         return s_original != nullptr;
     }
+    /// How many calls the service has done.
+    static long Done() { return s_done; }
 
   private:
     using Original = HRESULT(STDMETHODCALLTYPE*)(Interface*, Arguments...);
 
     static HRESULT STDMETHODCALLTYPE Call(Interface* object, Arguments... arguments) {
-        return g_comFaults.Fails() ? static_cast<HRESULT>(g_comFaults.Code())
-                                   : s_original(object, arguments...);
+        if (g_comFaults.Fails()) {
+            return static_cast<HRESULT>(g_comFaults.Code());
+        }
+        const HRESULT result = s_original(object, arguments...);
+        s_done += result == S_OK ? 1 : 0;
+        return result;
     }
     /// The method's place in the table: the compiler keeps a pointer to a virtual method as its distance in
     /// bytes and one.
@@ -71,6 +77,7 @@ class CountedMethod<Kind, Method> {
         return (distance - 1) / sizeof(void*);
     }
     static inline Original s_original = nullptr;
+    static inline long s_done = 0;
 };
 
 /// The one interface that the agent asks an element for. What the service asks its own objects for is not
@@ -133,18 +140,37 @@ bool InstallAll(const Installer (&methods)[Count], IUnknown* object) {
     return all;
 }
 
+ComPtr<IXMLDOMDocument> MakeDocument() {
+    ComPtr<IXMLDOMDocument> document;
+    CoCreateInstance(kDocumentClass, nullptr, CLSCTX_INPROC_SERVER, kDocumentInterface,
+                     reinterpret_cast<void**>(document.GetAddressOf()));
+    return document;
+}
+
 }  // namespace
 
 int InstallDocumentFaults() {
-    ComPtr<IXMLDOMDocument> document;
+    const ComPtr<IXMLDOMDocument> document = MakeDocument();
     ComPtr<IXMLDOMElement> element;
     const Bstr name(SysAllocString(L"Contact"));
-    if (FAILED(CoCreateInstance(kDocumentClass, nullptr, CLSCTX_INPROC_SERVER, kDocumentInterface,
-                                reinterpret_cast<void**>(document.GetAddressOf()))) ||
-        FAILED(document->createElement(name.Get(), &element))) {
+    if (!document || FAILED(document->createElement(name.Get(), &element))) {
         return 0;
     }
     const bool all =
         InstallAll(kDocumentMethods, document.Get()) && InstallAll(kElementMethods, element.Get());
     return all ? static_cast<int>(std::size(kDocumentMethods) + std::size(kElementMethods)) : 0;
+}
+
+long HeadersMade() {
+    return OfDocument<&IXMLDOMDocument::createProcessingInstruction>::Done();
+}
+
+void MakeHeader() {
+    const ComPtr<IXMLDOMDocument> document = MakeDocument();
+    const Bstr target(SysAllocString(L"xml"));
+    const Bstr data(SysAllocString(L"version='1.0' encoding='utf-8'"));
+    ComPtr<IXMLDOMProcessingInstruction> header;
+    if (document && document->createProcessingInstruction(target.Get(), data.Get(), &header) == S_OK) {
+        document->appendChild(header.Get(), nullptr);
+    }
 }

@@ -52,6 +52,8 @@ struct Operation {
     long mostBuffersLeft = 0;
     long mostObjectsLeft = 0;
     long mostHandlesLeft = 0;
+    /// It saves a document. Wine's service then loses all of it by itself, so that blocks cannot be compared.
+    bool savesDocument = false;
     /// The walk through folders that Stop ends; null for an operation that goes on to its end.
     const wchar_t* stoppedWalk = nullptr;
     bool changesSession = false;  ///< begins or ends a session, which takes objects of its own
