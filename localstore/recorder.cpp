@@ -1,6 +1,5 @@
 #include "localstore/recorder.h"
 
-#include <condition_variable>
 #include <mutex>
 
 #include "localstore/buffers.h"
@@ -33,21 +32,6 @@ struct RecorderState {
     std::vector<MethodFailure> methods;
 };
 
-/// The call that is held. It waits outside the store's lock, so that others get through.
-struct HoldState {
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::size_t holdIn = 0;
-    bool holding = false;
-};
-
-HoldState& Hold() {
-    static HoldState hold;
-    return hold;
-}
-
-thread_local int t_callDepth = 0;  ///< calls of this thread that have not returned
-
 RecorderState& State() {
     static RecorderState state;
     return state;
@@ -67,23 +51,6 @@ std::optional<HRESULT> CountedFailure(RecorderState& state) {
 }
 
 }  // namespace
-
-CallHold::CallHold() {
-    if (t_callDepth++ > 0) {
-        return;
-    }
-    HoldState& hold = Hold();
-    std::unique_lock lock(hold.mutex);
-    if (hold.holdIn == 0 || --hold.holdIn != 0) {
-        return;
-    }
-    hold.holding = true;
-    hold.changed.wait(lock, [&] { return !hold.holding; });
-}
-
-CallHold::~CallHold() {
-    --t_callDepth;
-}
 
 CallRecord::CallRecord() : m_outermost(State().depth++ == 0) {
     if (m_outermost) {
@@ -181,23 +148,6 @@ void FailCall(std::size_t n, bool forever, HRESULT result) {
 void FailMethod(const std::string& method, const std::string& object, HRESULT result) {
     const std::lock_guard lock(StoreMutex());
     State().methods.push_back({method, object, result});
-}
-
-void HoldCall(std::size_t n) {
-    const std::lock_guard lock(Hold().mutex);
-    Hold().holdIn = n;
-}
-
-bool IsHolding() {
-    const std::lock_guard lock(Hold().mutex);
-    return Hold().holding;
-}
-
-void ReleaseCall() {
-    const std::lock_guard lock(Hold().mutex);
-    Hold().holdIn = 0;
-    Hold().holding = false;
-    Hold().changed.notify_all();
 }
 
 void ClearFailures() {

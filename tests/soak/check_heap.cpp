@@ -7,10 +7,11 @@
 #include <tlhelp32.h>
 
 #include <cstdio>
-#include <cwchar>
+#include <stdexcept>
 #include <string_view>
 
 #include "support/owners.h"
+#include "tests/soak/remote_library.h"
 
 namespace {
 
@@ -30,31 +31,18 @@ DWORD ProcessOf(std::wstring_view program) {
     return 0;
 }
 
-/// Loads a library into a process, which keeps it. The system's libraries lie at the same place in all.
-Result Load(HANDLE process, const wchar_t* library) {
-    const SIZE_T size = (std::wcslen(library) + 1) * sizeof(wchar_t);
-    void* const path = VirtualAllocEx(process, nullptr, size, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
-    if (path == nullptr || WriteProcessMemory(process, path, library, size, nullptr) == FALSE) {
-        return kNotAsked;
-    }
-    const auto load = reinterpret_cast<LPTHREAD_START_ROUTINE>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "LoadLibraryW")));
-    const Handle thread(CreateRemoteThread(process, nullptr, 0, load, path, 0, nullptr));
-    DWORD loaded = 0;
-    if (!thread || WaitForSingleObject(thread.Get(), INFINITE) != WAIT_OBJECT_0 ||
-        GetExitCodeThread(thread.Get(), &loaded) == FALSE) {
-        return kNotAsked;
-    }
-    return loaded != 0 ? kWhole : kDamaged;
-}
-
 }  // namespace
 
 int wmain(int count, wchar_t** words) {
     const Handle process(count == 3 ? OpenProcess(PROCESS_ALL_ACCESS, FALSE, ProcessOf(words[1])) : nullptr);
     if (!process) {
-        std::fputs("usage: check_heap PROGRAM VALIDATOR, with a program that runs\n", stderr);
+        (void)std::fputs("usage: check_heap PROGRAM VALIDATOR, with a program that runs\n", stderr);
         return kNotAsked;
     }
-    return Load(process.Get(), words[2]);
+    try {
+        return LoadInto(process.Get(), words[2]) ? kWhole : kDamaged;
+    } catch (const std::runtime_error& failure) {
+        (void)std::fprintf(stderr, "check_heap: %s\n", failure.what());
+        return kNotAsked;
+    }
 }

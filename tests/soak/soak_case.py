@@ -10,6 +10,7 @@ import harness  # noqa: E402
 from contact_fields import tag_line  # noqa: E402
 from appointments import appointment  # noqa: E402
 
+HOLLOW_AGENT = "hollow_agent.exe"
 FULL = os.environ.get("ZEB_SOAK") == "full"
 SEED = int(os.environ.get("ZEB_SEED", "20111"))
 
@@ -23,6 +24,17 @@ class SoakCase(harness.Case):
         self.place.folder("Work/Mail/Calendar")
         self.place.make_contacts([[tag_line("3A06001F", f"Ada {number}")] for number in range(self.ITEMS)])
         self.place.make_items(appointment(f"Review {number}") for number in range(self.ITEMS))
+
+    def start_hollow_agent(self, kept=0):
+        """Starts what the agent stands on without the agent, which serves as many items. For each document it keeps some bytes."""
+        program = self.place.start(harness.TEST_BIN / HOLLOW_AGENT, str(self.ITEMS), str(kept))
+        harness.wait_until(lambda: program.streams[0].read_bytes() or program.poll() is not None, "the calls are served")
+        return program
+
+    def end(self, process):
+        """Ends a process that serves calls."""
+        process.kill()
+        process.wait(harness.PATIENCE)
 
     def start_stress(self, *words):
         """Starts the stress client."""

@@ -1,18 +1,12 @@
 // A desktop program for tests that wears the agent out: many rounds of everything, everything at once, and
 // Stop at any moment of a read. It prints what it saw; who runs it decides whether that is well.
 
-#define WIN32_NO_STATUS
 #include <windows.h>
-#undef WIN32_NO_STATUS
 
-#include <ntstatus.h>
 #include <rpc.h>
-#include <winternl.h>
 
 #include <atomic>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <cwchar>
 #include <map>
 #include <mutex>
@@ -25,86 +19,30 @@
 
 #include "callback.h"
 #include "command.h"
-#include "support/owners.h"
 #include "support/rpc_guard.h"
 #include "tests/desktop_side.h"
+#include "tests/soak/process_figures.h"
 
 namespace {
 
-constexpr const wchar_t* kAgent = L"ZebAgentForOutlook64.exe";
 constexpr std::size_t kIdUnits = 400;
 constexpr std::size_t kTimeUnits = 40;
 
 constexpr const char* kUsage =
-    "stress_client MAP-PREFIX soak ROUNDS ITEMS    whole days, each writes ITEMS of each kind three times\n"
-    "stress_client MAP-PREFIX logon ROUNDS         logons and logoffs alone\n"
-    "stress_client MAP-PREFIX stop ROUNDS SEED     Stop at any moment of a read of each kind\n"
-    "stress_client MAP-PREFIX overlap SECONDS CLIENTS SEED [LETTERS]   everything at once, or some calls\n";
+    "stress_client MAP-PREFIX soak PROGRAM ROUNDS ITEMS   whole days, each writes ITEMS of each kind three "
+    "times\n"
+    "stress_client MAP-PREFIX logon PROGRAM ROUNDS        logons and logoffs alone\n"
+    "stress_client MAP-PREFIX stop ROUNDS SEED            Stop at any moment of a read of each kind\n"
+    "stress_client MAP-PREFIX overlap SECONDS CLIENTS SEED [LETTERS]   everything at once, or some calls\n"
+    "PROGRAM is the one that serves the calls, whose figures are told behind each round\n";
 
 std::atomic<unsigned long> g_documents = 0;
 std::wstring g_mapPrefix;
 
-/// Asks the system for a list whose length is not known before.
-std::vector<std::uint64_t> QuerySystem(SYSTEM_INFORMATION_CLASS what) {
-    std::vector<std::uint64_t> buffer(8192);
-    for (;;) {
-        const auto size = static_cast<ULONG>(buffer.size() * sizeof(buffer[0]));
-        const NTSTATUS status = NtQuerySystemInformation(what, buffer.data(), size, nullptr);
-        if (NT_SUCCESS(status)) {
-            return buffer;
-        }
-        if (status != STATUS_INFO_LENGTH_MISMATCH) {
-            throw std::runtime_error("the system does not tell what it runs");
-        }
-        buffer.resize(buffer.size() * 2);
-    }
-}
-
-/// What the agent uses.
-struct Figures {
-    unsigned long handles = 0;
-    unsigned long long bytes = 0;
-};
-
-/// The agent's entry in a list of processes, one behind the other at any address.
-SYSTEM_PROCESS_INFORMATION FindAgent(const std::vector<std::uint64_t>& processes) {
-    const auto* const begin = reinterpret_cast<const BYTE*>(processes.data());
-    const std::size_t size = processes.size() * sizeof(processes[0]);
-    for (std::size_t place = 0; size - place >= sizeof(SYSTEM_PROCESS_INFORMATION);) {
-        SYSTEM_PROCESS_INFORMATION process;
-        std::memcpy(&process, begin + place, sizeof(process));
-        const std::wstring name(process.ImageName.Buffer, process.ImageName.Length / sizeof(wchar_t));
-        if (name.ends_with(kAgent)) {
-            return process;
-        }
-        if (process.NextEntryOffset == 0 || process.NextEntryOffset > size - place) {
-            break;
-        }
-        place += process.NextEntryOffset;
-    }
-    throw std::runtime_error("there is no agent");
-}
-
-/// Asked of the system and not of the agent's process, and counted one by one: not every system keeps a
-/// count.
-Figures QueryFigures() {
-    const std::vector<std::uint64_t> processes = QuerySystem(SystemProcessInformation);
-    const SYSTEM_PROCESS_INFORMATION agent = FindAgent(processes);
-    const std::vector<std::uint64_t> list = QuerySystem(SystemHandleInformation);
-    const auto& handles = *reinterpret_cast<const SYSTEM_HANDLE_INFORMATION*>(list.data());
-    Figures figures;
-    figures.bytes = agent.VirtualMemoryCounters.PagefileUsage;
-    for (ULONG i = 0; i < handles.Count; ++i) {
-        figures.handles +=
-            handles.Handle[i].OwnerPid == reinterpret_cast<std::uintptr_t>(agent.UniqueProcessId);
-    }
-    return figures;
-}
-
-void PrintFigures(unsigned long round) {
-    const Figures figures = QueryFigures();
-    std::printf("round %lu handles %lu bytes %llu documents %lu\n", round, figures.handles, figures.bytes,
-                g_documents.load());
+void PrintFigures(const std::wstring& program, unsigned long round) {
+    const ProcessFigures figures = QueryFigures(program);
+    std::printf("round %lu handles %lu bytes %llu blocks %llu heap %llu documents %lu\n", round,
+                figures.handles, figures.bytes, figures.heapBlocks, figures.heapBytes, g_documents.load());
     (void)std::fflush(stdout);
 }
 
@@ -237,19 +175,19 @@ void Round(unsigned long items) {
     LogOff();
 }
 
-void Soak(unsigned long rounds, unsigned long items) {
+void Soak(const std::wstring& program, unsigned long rounds, unsigned long items) {
     for (unsigned long round = 1; round <= rounds; ++round) {
         g_documents = 0;
         Round(items);
-        PrintFigures(round);
+        PrintFigures(program, round);
     }
 }
 
-void SoakLogons(unsigned long rounds) {
+void SoakLogons(const std::wstring& program, unsigned long rounds) {
     for (unsigned long round = 1; round <= rounds; ++round) {
         LogOn();
         LogOff();
-        PrintFigures(round);
+        PrintFigures(program, round);
     }
 }
 
@@ -403,18 +341,19 @@ void Overlap(unsigned long seconds, unsigned long clients, unsigned seed, std::w
 }
 
 void Run(const std::vector<std::wstring>& words) {
-    const auto number = [&](std::size_t place) {
+    const auto word = [&](std::size_t place) {
         if (place >= words.size()) {
             throw std::invalid_argument(kUsage);
         }
-        return std::wcstoul(words[place].c_str(), nullptr, 10);
+        return words[place];
     };
-    g_mapPrefix = words.empty() ? L"" : words[0];
-    const std::wstring mode = words.size() < 2 ? L"" : words[1];
+    const auto number = [&](std::size_t place) { return std::wcstoul(word(place).c_str(), nullptr, 10); };
+    g_mapPrefix = word(0);
+    const std::wstring mode = word(1);
     if (mode == L"soak") {
-        Soak(number(2), number(3));
+        Soak(word(2), number(3), number(4));
     } else if (mode == L"logon") {
-        SoakLogons(number(2));
+        SoakLogons(word(2), number(3));
     } else if (mode == L"stop") {
         StopAllReads(number(2), number(3));
     } else if (mode == L"overlap") {
@@ -432,6 +371,7 @@ void MAPISendBackOneContact(wchar_t* /*xml*/) {
     ++g_documents;
 }
 
+// The stubs declare it so. NOLINTNEXTLINE(readability-non-const-parameter)
 void MAPISendBackOneCalenda(wchar_t* xml) {
     // The end of a write comes as an empty one.
     g_documents += *xml == L'\0' ? 0 : 1;

@@ -11,14 +11,27 @@
 namespace {
 
 constexpr const char* kLogName = "agent.log";
+constexpr const wchar_t* kAgentVariable = L"ZEB_AGENT";
 
-std::filesystem::path AgentPath() {
-    wchar_t value[MAX_PATH] = L"";
-    if (GetEnvironmentVariableW(L"ZEB_AGENT", value, MAX_PATH) == 0) {
-        throw std::runtime_error("ZEB_AGENT does not name the agent");
+/// A new folder with the libraries that lie beside the agent and with another mail system; nothing without
+/// one.
+std::filesystem::path MakePrograms(const std::filesystem::path& mailSystem) {
+    if (mailSystem.empty()) {
+        return {};
     }
-    // A path of the machine that builds, whose root is drive Z: for the programs.
-    return std::filesystem::path(value[0] == L'/' ? L"Z:" + std::wstring(value) : value).make_preferred();
+    const std::filesystem::path agent = FileNamedBy(kAgentVariable);
+    std::filesystem::path folder = MakeNewFolder(L"zeb-wire-programs");
+    copy_file(agent, folder / agent.filename());
+    for (const wchar_t* const library : {L"Fennic64.dll", L"Dunmere64bit.dll"}) {
+        copy_file(agent.parent_path() / library, folder / library);
+    }
+    copy_file(mailSystem, folder / L"MAPI32.dll");
+    return folder;
+}
+
+std::filesystem::path AgentIn(const std::filesystem::path& programs) {
+    std::filesystem::path agent = FileNamedBy(kAgentVariable);
+    return programs.empty() ? agent : programs / agent.filename();
 }
 
 std::filesystem::path ContactsBelow(const std::filesystem::path& root) {
@@ -47,8 +60,21 @@ Handle MakeJob() {
 
 }  // namespace
 
-AgentProcess::AgentProcess(const std::vector<std::wstring>& surnames, const std::wstring& body)
-    : m_program(AgentPath()), m_folder(MakeStore(surnames, body)), m_job(MakeJob()) {
+std::filesystem::path FileNamedBy(const wchar_t* variable) {
+    wchar_t value[MAX_PATH] = L"";
+    if (GetEnvironmentVariableW(variable, value, MAX_PATH) == 0) {
+        throw std::runtime_error("an environment variable does not name a file of the tests");
+    }
+    // A path of the machine that builds, whose root is drive Z: for the programs.
+    return std::filesystem::path(value[0] == L'/' ? L"Z:" + std::wstring(value) : value).make_preferred();
+}
+
+AgentProcess::AgentProcess(const std::vector<std::wstring>& surnames, const std::wstring& body,
+                           const std::filesystem::path& mailSystem)
+    : m_programs(MakePrograms(mailSystem)),
+      m_program(AgentIn(m_programs)),
+      m_folder(MakeStore(surnames, body)),
+      m_job(MakeJob()) {
     SetEnvironmentVariableW(L"LOCALSTORE_ROOT", m_folder.c_str());
     SetEnvironmentVariableW(L"FENNIC64_LOG", (m_folder / kLogName).c_str());
     SetEnvironmentVariableW(L"FENNIC64_LEVEL", L"1");
@@ -73,10 +99,13 @@ AgentProcess::~AgentProcess() {
     }
     std::error_code ignored;
     std::filesystem::remove_all(m_folder, ignored);
+    if (!m_programs.empty()) {
+        std::filesystem::remove_all(m_programs, ignored);
+    }
 }
 
 std::filesystem::path AgentProcess::MakeMailFolder(const std::wstring& name) const {
-    const std::filesystem::path folder = m_folder / "Work" / "Mail" / name;
+    std::filesystem::path folder = m_folder / "Work" / "Mail" / name;
     std::filesystem::create_directories(folder);
     return folder;
 }

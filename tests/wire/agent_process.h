@@ -9,12 +9,17 @@
 
 #include "support/owners.h"
 
+/// The file that an environment variable of the test program names. Throws std::runtime_error without one.
+[[nodiscard]] std::filesystem::path FileNamedBy(const wchar_t* variable);
+
 /// Starts the agent, whose path the environment variable ZEB_AGENT gives, and ends it at the latest when this
 /// object goes. Its local store and its log lie in a temporary folder, which goes as well.
 class AgentProcess {
   public:
-    /// A store with one contact a surname, in this order, all with the same body.
-    explicit AgentProcess(const std::vector<std::wstring>& surnames = {}, const std::wstring& body = {});
+    /// A store with one contact a surname, in this order, all with the same body. With a library for
+    /// `mailSystem` a copy of the agent runs, beside which that library stands as its mail system.
+    explicit AgentProcess(const std::vector<std::wstring>& surnames = {}, const std::wstring& body = {},
+                          const std::filesystem::path& mailSystem = {});
     AgentProcess(const AgentProcess&) = delete;
     AgentProcess& operator=(const AgentProcess&) = delete;
     ~AgentProcess();
@@ -31,6 +36,7 @@ class AgentProcess {
     [[nodiscard]] std::string Log() const;
 
   private:
+    std::filesystem::path m_programs;  ///< the copy's folder; empty without one
     std::filesystem::path m_program;
     std::filesystem::path m_folder;
     Handle m_job;
