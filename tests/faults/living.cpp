@@ -2,11 +2,10 @@
 
 #include <windows.h>
 
-#include <algorithm>
-#include <array>
-#include <span>
+#include <stdexcept>
 
 #include "tests/faults/document_faults.h"
+#include "tests/heap_count.h"
 #include "tests/unit/localstore/scarce_memory.h"
 #include "tests/unit/timezone/handle_count.h"
 
@@ -16,16 +15,11 @@ namespace {
 long g_blocksPerHeader = 0;
 
 long BlocksInUse() {
-    std::array<HANDLE, 256> heaps{};
-    const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
-    long blocks = 0;
-    for (const HANDLE heap : std::span(heaps).first(std::min<std::size_t>(count, heaps.size()))) {
-        PROCESS_HEAP_ENTRY entry{};
-        while (HeapWalk(heap, &entry) != FALSE) {
-            blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
-        }
+    const HeapCount count = CountHeaps();
+    if (count.isComplete == 0) {
+        throw std::runtime_error("the heaps");
     }
-    return blocks;
+    return static_cast<long>(count.blocks);
 }
 
 /// Ends that texts which are let go are kept for later ones of their length.

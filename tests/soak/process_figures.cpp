@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "support/owners.h"
+#include "tests/heap_count.h"
 #include "tests/shared_value.h"
-#include "tests/soak/heap_count.h"
 #include "tests/soak/remote_library.h"
 
 namespace {
