@@ -48,6 +48,7 @@ class CallRecord {
     bool m_outermost;
     std::size_t m_index = 0;
     std::optional<HRESULT> m_failure;
+    std::optional<HRESULT> m_warning;
 };
 #endif
 

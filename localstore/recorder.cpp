@@ -37,6 +37,10 @@ RecorderState& State() {
     return state;
 }
 
+bool IsWarning(HRESULT result) {
+    return SUCCEEDED(result) && result != S_OK;
+}
+
 std::optional<HRESULT> CountedFailure(RecorderState& state) {
     if (state.failIn == 0) {
         return std::nullopt;
@@ -55,7 +59,8 @@ std::optional<HRESULT> CountedFailure(RecorderState& state) {
 CallRecord::CallRecord() : m_outermost(State().depth++ == 0) {
     if (m_outermost) {
         ++State().count;
-        m_failure = CountedFailure(State());
+        const std::optional<HRESULT> counted = CountedFailure(State());
+        (counted && IsWarning(*counted) ? m_warning : m_failure) = counted;
     }
 }
 
@@ -84,6 +89,9 @@ void CallRecord::Describe(const char* interfaceName, const char* method, std::st
 }
 
 HRESULT CallRecord::Finish(HRESULT result) const {
+    if (m_warning && SUCCEEDED(result)) {
+        result = *m_warning;
+    }
     if (m_outermost && m_index != 0 && m_index <= State().calls.size()) {
         State().calls[m_index - 1].result = result;
     }

@@ -46,7 +46,8 @@ std::size_t CallCount();
 void Record(bool on);
 
 /// Fails the n-th call from now on (1 is the next one), and with `forever` every one behind it. With S_OK the
-/// call does nothing and says that it succeeded, so that what it should hand out is not there.
+/// call does nothing and says that it succeeded, so that what it should hand out is not there. With a warning
+/// it does all that it should, and gives the warning.
 void FailCall(std::size_t n, bool forever, HRESULT result = MAPI_E_CALL_FAILED);
 /// Fails every call of a method, on one object or, with an empty one, on all.
 void FailMethod(const std::string& method, const std::string& object, HRESULT result);

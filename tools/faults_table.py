@@ -24,18 +24,18 @@ def rows(log):
     running = row = None
     for line in log.splitlines():
         if line.startswith("[ RUN      ]"):
-            running, row = line[len("[ RUN      ]"):].strip(), ""
-        elif line.startswith(("[       OK ]", "[  FAILED  ]", "[  SKIPPED ]")):
-            if running is not None:
+            running = line[len("[ RUN      ]"):].strip()
+            row = None if "/Faults." in running else ""
+        elif line.startswith(("[       OK ]", "[  FAILED  ]")):
+            if running is not None and row is not None:
                 yield running, row
             running = None
         elif line.startswith("FAULTS: "):
             operation, kind, points, runs, leaks, losses = (
                 cell.strip() for cell in line[len("FAULTS: "):].strip().strip("|").split("|")
             )
-            # What a kind never meets in an operation cannot fail there.
-            if points != "0":
-                row = f"| {operation} | {kind} | {points} | {runs} | 0 | {leaks} | {losses} |\n"
+            # What a kind never meets in an operation cannot fail there. A log with a crash in it ends in the middle.
+            row = "" if points == "0" else f"| {operation} | {kind} | {points} | {runs} | 0 | {leaks} | {losses} |\n"
     if running is not None:
         sys.exit(f"faults_table: the program ended in {running}")
 

@@ -77,6 +77,10 @@ class FaultsTableTest(TableTest):
         self.refuse("no log tells of Of/Faults.End/LogOnInStore, one of 2", FIRST)
         self.expect(faults_table, "old\n")
 
+    def test_a_sweep_without_a_row_gives_no_table(self):
+        self.refuse("no log tells of Of/Faults.End/LogOnInStore", FIRST, SECOND.replace("FAULTS: | LogOn", "| LogOn"))
+        self.refuse("no log tells of Of/Faults.End/LogOnInStore", FIRST, SECOND.replace("[       OK ]", "[  SKIPPED ]", 1))
+
     def test_a_document_has_one_place(self):
         for places in (0, 2):
             self.refuse(f"has {places} places", FIRST, SECOND, places=places)

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <ostream>
 
+#include "mapi/folder_types.h"
 #include "support/settings.h"
 #include "tests/faults/list_checks.h"
 #include "tests/faults/preparations.h"
@@ -40,11 +41,30 @@ void ExpectStoreUntouched(StoreState& state, const Outcome& outcome) {
     EXPECT_TRUE(state.IsAsInTheBeginning());
 }
 
+/// A logon that nothing disturbed has the folders, the list of the default ones, and the machine's zone.
+void ExpectWholeSession() {
+    EXPECT_TRUE(g_MAPIObject.m_lpContactFolder && g_MAPIObject.m_lpEventFolder);
+    EXPECT_EQ(g_MAPIObject.GetContactCount(), StoreState::kItems);
+    EXPECT_EQ(g_MAPIObject.GetCalendarCount(), StoreState::kItems);
+    const auto& ids = g_MAPIObject.m_arrDefaultFolderIds;
+    EXPECT_EQ(ids[kContactFolderType], FolderWriter(L"Work", L"Contacts").FolderId());
+    EXPECT_EQ(ids[kCalendarFolderType], FolderWriter(L"Work", L"Calendar").FolderId());
+    TIME_ZONE_INFORMATION zone{};
+    GetTimeZoneInformation(&zone);
+    EXPECT_EQ(g_MAPIObject.m_CurrentTimeZone.Std, CString(zone.StandardName));
+    EXPECT_EQ(g_MAPIObject.m_CurrentTimeZone.Bias, zone.Bias);
+}
+
 void ExpectSession(StoreState& state, const Outcome& outcome) {
     ExpectStoreUntouched(state, outcome);
     EXPECT_EQ(g_MAPIObject.m_bLoggedOn, outcome.result);
     EXPECT_EQ(g_MAPIObject.m_lpMAPISession != nullptr, outcome.result == 1);
     EXPECT_EQ(g_MAPIObject.m_lpMsgStore != nullptr, outcome.result == 1);
+    if (outcome.complete) {
+        ExpectWholeSession();
+    } else if (outcome.result == 0) {
+        EXPECT_FALSE(g_MAPIObject.m_lpContactFolder || g_MAPIObject.m_lpEventFolder);
+    }
 }
 
 void ExpectNoSession(StoreState& state, const Outcome& outcome) {
@@ -54,8 +74,9 @@ void ExpectNoSession(StoreState& state, const Outcome& outcome) {
                  g_MAPIObject.m_lpContactFolder || g_MAPIObject.m_lpEventFolder);
 }
 
-/// A choice changes one folder at most, and one that fails none.
-void ExpectFolders(StoreState& state, const Outcome& outcome, bool ofContacts) {
+/// A choice changes one folder at most, and one that fails none. Whole it has the items of what was chosen.
+template<bool OfContacts, int Items>
+void ExpectChoice(StoreState& state, const Outcome& outcome) {
     ExpectStoreUntouched(state, outcome);
     EXPECT_TRUE(g_MAPIObject.m_lpContactFolder && g_MAPIObject.m_lpEventFolder);
     if (outcome.foldersReplaced) {
@@ -63,17 +84,14 @@ void ExpectFolders(StoreState& state, const Outcome& outcome, bool ofContacts) {
     }
     const bool isContactFolderOld = g_MAPIObject.m_lpContactFolder.Get() == state.contactFolder;
     const bool isEventFolderOld = g_MAPIObject.m_lpEventFolder.Get() == state.eventFolder;
-    EXPECT_TRUE(ofContacts ? isEventFolderOld : isContactFolderOld);
-    EXPECT_EQ(ofContacts ? isContactFolderOld : isEventFolderOld, outcome.result != kSucceeded);
+    EXPECT_TRUE(OfContacts ? isEventFolderOld : isContactFolderOld);
+    EXPECT_EQ(OfContacts ? isContactFolderOld : isEventFolderOld, outcome.result != kSucceeded);
+    if (outcome.complete) {
+        EXPECT_EQ(OfContacts ? g_MAPIObject.GetContactCount() : g_MAPIObject.GetCalendarCount(), Items);
+    }
 }
 
-void ExpectContactFolder(StoreState& state, const Outcome& outcome) {
-    ExpectFolders(state, outcome, true);
-}
-
-void ExpectEventFolder(StoreState& state, const Outcome& outcome) {
-    ExpectFolders(state, outcome, false);
-}
+constexpr int kItemsBelow = StoreState::kItems - StoreState::kItemsOnTop;
 
 std::vector<Operation> SessionOperations() {
     return {
@@ -151,7 +169,7 @@ std::vector<Operation> SessionOperations() {
          .prepare = LogOn,
          .run =
              [](StoreState& state) { return g_MAPIObject.SetContactFolder(state.contactSelection.c_str()); },
-         .check = ExpectContactFolder},
+         .check = ExpectChoice<true, kItemsBelow>},
         {.name = "ChooseCalendars",
          .firstLine = L"SetCalendarFolder - Finish",
          .lastLine = L"SetCalendarFolder - Finish",
@@ -162,7 +180,7 @@ std::vector<Operation> SessionOperations() {
              [](StoreState& state) {
                  return g_MAPIObject.SetCalendarFolder(state.calendarSelection.c_str());
              },
-         .check = ExpectEventFolder},
+         .check = ExpectChoice<false, kItemsBelow>},
         {.name = "ChooseDefaultContacts",
          .firstLine = L"SetContactFolder - Begin",
          .lastLine = L"SetContactFolder - Finish",
@@ -170,7 +188,7 @@ std::vector<Operation> SessionOperations() {
          .failureLine = L"SetContactFolder - Finish(1)",
          .prepare = LogOn,
          .run = [](StoreState&) { return g_MAPIObject.SetContactFolder(L""); },
-         .check = ExpectContactFolder},
+         .check = ExpectChoice<true, StoreState::kItems>},
         {.name = "ChooseDefaultCalendars",
          .firstLine = L"SetCalendarFolder - Finish",
          .lastLine = L"SetCalendarFolder - Finish",
@@ -178,7 +196,7 @@ std::vector<Operation> SessionOperations() {
          .failureLine = L"SetCalendarFolder - Finish(1)",
          .prepare = LogOn,
          .run = [](StoreState&) { return g_MAPIObject.SetCalendarFolder(L""); },
-         .check = ExpectEventFolder},
+         .check = ExpectChoice<false, StoreState::kItems>},
     };
 }
 

@@ -120,6 +120,7 @@ constexpr Installer kFunctions[] = {
     OfFiles<"MoveFileExW", decltype(&MoveFileExW)>::Install,
     OfFiles<"DeleteFileW", decltype(&DeleteFileW)>::Install,
     OfFiles<"GetFileSizeEx", decltype(&GetFileSizeEx)>::Install,
+    OfFiles<"GetFileType", decltype(&GetFileType)>::Install,
     OfFiles<"GetFileAttributesW", decltype(&GetFileAttributesW), kNoHandle>::Install,
     OfFiles<"GetFileInformationByHandleEx", decltype(&GetFileInformationByHandleEx)>::Install,
     OfFiles<"FindFirstFileW", decltype(&FindFirstFileW), kNoHandle>::Install,

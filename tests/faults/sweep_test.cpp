@@ -159,6 +159,9 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         outcome.log = TakeLog();
         EXPECT_EQ(outcome.result, Op().complete);
         m_losses += Count([&] { Op().check(State(), outcome); });
+        if (m_rules) {
+            ExpectLog(outcome.log, outcome.result, false);
+        }
         if (!Op().changesSession) {
             CountBuffersLeft(recorder::LiveBuffers() - buffers);
         }
@@ -198,7 +201,7 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
     Living LivingBehindCleanRuns() {
         recorder::SetRoot(m_root);
         for (int i = 0; i < kRunsToSettle; ++i) {
-            m_rules.emplace(Op(), RunClean());
+            RunClean();
         }
         Op().prepare(State());
         return WhatLives();

@@ -13,6 +13,7 @@ BOOL WINAPI DllMain(HINSTANCE /*library*/, DWORD reason, void* /*reserved*/) {
     std::array<HANDLE, 256> heaps{};
     const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
     const auto isWhole = [](HANDLE heap) { return HeapValidate(heap, 0, nullptr) != FALSE; };
-    return count <= heaps.size() && std::ranges::all_of(std::span(heaps).first(count), isWhole) ? TRUE
-                                                                                                : FALSE;
+    return count != 0 && count <= heaps.size() && std::ranges::all_of(std::span(heaps).first(count), isWhole)
+               ? TRUE
+               : FALSE;
 }

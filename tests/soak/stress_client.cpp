@@ -37,6 +37,10 @@ constexpr const char* kUsage =
     "PROGRAM is the one that serves the calls, whose figures are told behind each round\n";
 
 std::atomic<unsigned long> g_documents = 0;
+/// The document, by its number in a read, whose callback does not return before Stop has been said; 0 for
+/// none.
+std::atomic<unsigned long> g_held = 0;
+std::atomic<bool> g_stopSaid = false;
 std::wstring g_mapPrefix;
 
 void PrintFigures(const std::wstring& program, unsigned long round) {
@@ -191,16 +195,28 @@ void SoakLogons(const std::wstring& program, unsigned long rounds) {
     }
 }
 
-/// Reads while another thread says Stop once `after` documents are there. Returns the status of the read,
-/// which is 1 if it was stopped and 0 if it had come to its end.
-long StopRead(const Kind& kind, unsigned long after) {
+/// Takes a document. The one that is to be held is kept until Stop has been said.
+void TakeDocument() {
+    const unsigned long number = ++g_documents;
+    while (number == g_held && !g_stopSaid) {
+        Sleep(0);
+    }
+}
+
+/// Reads while another thread says Stop once `after` documents are there, of which the last one waits for
+/// that if it is held. Returns the status of the read, which is 1 if it was stopped and 0 if it had come to
+/// its end.
+long StopRead(const Kind& kind, unsigned long after, bool isHeld) {
     g_documents = 0;
+    g_held = isHeld ? after : 0;
+    g_stopSaid = false;
     std::atomic<bool> ended = false;
     std::thread stopper([&] {
         while (g_documents < after && !ended) {
             Sleep(0);
         }
         GuardedRpc([] { Stop(); });
+        g_stopSaid = true;
     });
     const long status = Read(kind.read, L"");
     ended = true;
@@ -214,21 +230,28 @@ void StopReads(const Kind& kind, unsigned long rounds, unsigned seed, bool& stop
     std::mt19937 random(seed);
     const auto items = static_cast<unsigned long>(Count(kind.count));
     unsigned long stopped = 0;
+    unsigned long held = 0;
     for (unsigned long round = 0; round < rounds; ++round) {
         const unsigned long after = random() % (items + 2);
-        const long status = StopRead(kind, after);
+        // Half of the reads are in the middle of a document when Stop is said, and end behind it.
+        const bool isHeld = random() % 2 == 0 && after > 0 && after < items && !stopIsKept;
+        const long status = StopRead(kind, after, isHeld);
         const unsigned long documents = g_documents;
-        const bool asDocumented =
+        bool asDocumented =
             status == 0 ? documents == items : status == 1 && (documents >= after || stopIsKept);
+        if (isHeld) {
+            asDocumented = status == 1 && documents == after;
+        }
         if (!asDocumented) {
             throw std::runtime_error("a read to be stopped after " + std::to_string(after) + " gives " +
                                      std::to_string(status) + " with " + std::to_string(documents) +
                                      " documents");
         }
         stopped += status == 1 ? 1 : 0;
+        held += isHeld ? 1 : 0;
         stopIsKept = status == 0 || (stopIsKept && documents <= after);
     }
-    std::printf("stop %lu of %lu reads\n", stopped, rounds);
+    std::printf("stop %lu of %lu reads, %lu in a document\n", stopped, rounds, held);
 }
 
 void StopAllReads(unsigned long rounds, unsigned seed) {
@@ -368,13 +391,15 @@ void Run(const std::vector<std::wstring>& words) {
 void MAPIServerShutdown() {}
 
 void MAPISendBackOneContact(wchar_t* /*xml*/) {
-    ++g_documents;
+    TakeDocument();
 }
 
 // The stubs declare it so. NOLINTNEXTLINE(readability-non-const-parameter)
 void MAPISendBackOneCalenda(wchar_t* xml) {
     // The end of a write comes as an empty one.
-    g_documents += *xml == L'\0' ? 0 : 1;
+    if (*xml != L'\0') {
+        TakeDocument();
+    }
 }
 
 int wmain(int count, wchar_t** arguments) {

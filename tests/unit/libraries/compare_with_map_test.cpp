@@ -209,6 +209,19 @@ TEST_F(CompareWithMapTest, AFileLongerThanAnyMapIsKeptAside) {
     EXPECT_EQ(fs::file_size(m_folder.File(L"map.aside").c_str()), std::uintmax_t{kTooLong});
 }
 
+TEST_F(CompareWithMapTest, AMapOfALongPathIsKeptWhereTheSystemOpensIt) {
+    // Behind the prefix a path may be longer than 259 characters.
+    CString folder = CString(L"\\\\?\\") + m_folder.File(std::wstring(200, L'd').c_str());
+    ASSERT_NE(CreateDirectoryW(folder.c_str(), nullptr), 0);
+    folder += CString(L"\\") + std::wstring(200, L'e').c_str();
+    ASSERT_NE(CreateDirectoryW(folder.c_str(), nullptr), 0);
+    const GetChangeLogArgs arguments{L"contact", L"pim", folder + L"\\map"};
+    LogItems items = ItemsCalled({L"A"});
+    EXPECT_EQ(CompareWithMap(&items, &arguments), 1);
+    LogItems again = ItemsCalled({L"A"});
+    EXPECT_EQ(CompareWithMap(&again, &arguments), 0);
+}
+
 TEST_F(CompareWithMapTest, ADamagedMapThatCannotBeRenamedMakesAllItemsNewEachTime) {
     m_folder.Write(L"map", "damaged");
     const FileHandle held(CreateFileW(m_folder.File(L"map").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
