@@ -53,7 +53,7 @@ Result Load(HANDLE process, const wchar_t* library) {
 int wmain(int count, wchar_t** words) {
     const Handle process(count == 3 ? OpenProcess(PROCESS_ALL_ACCESS, FALSE, ProcessOf(words[1])) : nullptr);
     if (!process) {
-        std::fputs("usage: check_heap PROGRAM VALIDATOR, with a program that runs\n", stderr);
+        (void)std::fputs("usage: check_heap PROGRAM VALIDATOR, with a program that runs\n", stderr);
         return kNotAsked;
     }
     return Load(process.Get(), words[2]);

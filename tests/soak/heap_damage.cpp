@@ -14,6 +14,6 @@ int main() {
     }
     block[kSize] = 1;
     std::puts("damaged");
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
     Sleep(INFINITE);
 }

@@ -434,7 +434,7 @@ void MAPISendBackOneContact(wchar_t* /*xml*/) {
 
 void MAPISendBackOneCalenda(wchar_t* xml) {
     // The end of a write comes as an empty one.
-    g_documents += *xml == L'\0' ? 0 : 1;
+    g_documents += std::wstring_view(xml).empty() ? 0 : 1;
 }
 
 int wmain(int count, wchar_t** arguments) {

@@ -76,7 +76,7 @@ AgentProcess::~AgentProcess() {
 }
 
 std::filesystem::path AgentProcess::MakeMailFolder(const std::wstring& name) const {
-    const std::filesystem::path folder = m_folder / "Work" / "Mail" / name;
+    std::filesystem::path folder = m_folder / "Work" / "Mail" / name;
     std::filesystem::create_directories(folder);
     return folder;
 }
