@@ -11,8 +11,8 @@
 
 namespace {
 
-/// Identifiers of the local store have this many bytes.
-constexpr std::size_t kIdDigits = 2 * 60;
+/// Identifiers of the local store have 60 bytes, which are two digits each.
+constexpr std::size_t kIdDigits = 120;
 
 LogItems MakeItems(unsigned long count) {
     LogItems items;

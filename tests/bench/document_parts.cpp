@@ -27,7 +27,7 @@ class Scanner {
         if (end == std::wstring::npos) {
             throw std::runtime_error("a document ends early");
         }
-        const std::wstring found = m_text.substr(m_place, end - m_place);
+        std::wstring found = m_text.substr(m_place, end - m_place);
         m_place = end;
         return found;
     }

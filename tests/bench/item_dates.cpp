@@ -28,10 +28,12 @@ FILETIME StoredTime(const std::wstring& text, const wchar_t* format) {
     unsigned short hour = 0;
     unsigned short minute = 0;
     unsigned short second = 0;
-    if (format == kMoment) {
-        std::swscanf(text.c_str(), L"%hu/%hu/%hu %hu:%hu:%hu", &month, &day, &year, &hour, &minute, &second);
-    } else {
-        std::swscanf(text.c_str(), L"%hu-%hu-%hu", &year, &month, &day);
+    const bool isWhole = format == kMoment
+                             ? std::swscanf(text.c_str(), L"%hu/%hu/%hu %hu:%hu:%hu", &month, &day, &year,
+                                            &hour, &minute, &second) == 6
+                             : std::swscanf(text.c_str(), L"%hu-%hu-%hu", &year, &month, &day) == 3;
+    if (!isWhole) {
+        throw std::runtime_error("a date of a document is none");
     }
     COleDateTime local;
     local.SetDateTime(year, month, day, hour, minute, second);

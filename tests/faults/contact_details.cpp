@@ -86,7 +86,8 @@ bool IsPicture(const std::string& bytes) {
 }  // namespace
 
 std::string OldPicture() {
-    return std::string(500, 'p');
+    std::string bytes(500, 'p');
+    return bytes;
 }
 
 void WritePicture(const std::wstring& path) {

@@ -27,7 +27,11 @@ bool IsShortened(const std::string& list, const std::string& whole) {
     auto next = all.begin();
     return std::ranges::all_of(left, [&](const std::string& line) {
         next = std::find(next, all.end(), line);
-        return next != all.end() && next++ != all.end();
+        if (next == all.end()) {
+            return false;
+        }
+        ++next;
+        return true;
     });
 }
 

@@ -32,18 +32,18 @@ struct Outcome {
 };
 
 struct Operation {
-    const char* name;
+    const char* name = nullptr;
     /// The words that its first line and its last one in the log begin with.
-    const wchar_t* firstLine;
-    const wchar_t* lastLine;
+    const wchar_t* firstLine = nullptr;
+    const wchar_t* lastLine = nullptr;
     /// The words of the line that tells how it ended, either way. Null if none does.
     const wchar_t* successLine = nullptr;
     const wchar_t* failureLine = nullptr;
     /// Brings the agent and the store to where it begins. Nothing fails meanwhile.
-    void (*prepare)(StoreState& state);
-    int (*run)(StoreState& state);
+    void (*prepare)(StoreState& state) = nullptr;
+    int (*run)(StoreState& state) = nullptr;
     /// Expects what is documented of any outcome. Nothing fails meanwhile.
-    void (*check)(StoreState& state, const Outcome& outcome);
+    void (*check)(StoreState& state, const Outcome& outcome) = nullptr;
     /// Whether a run succeeded by what it gave back. Empty if it did not come to what the line tells of. Null
     /// for an operation of which the result alone says that.
     std::optional<bool> (*succeeded)(const StoreState& state) = nullptr;

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "support/owners.h"
 #include "tests/faults/document_faults.h"
 #include "tests/faults/import_hook.h"
 
@@ -26,6 +27,9 @@ struct Name {
     char text[Size]{};
 };
 
+constexpr std::intptr_t kNoHandle = -1;
+constexpr std::intptr_t kNothing = 0;
+
 /// How a failed call answers, by what the function returns.
 template<class Result>
 struct Answer;
@@ -35,7 +39,7 @@ template<class Pointed>
 struct Answer<Pointed*> {
     static Pointed* Of(std::uint32_t code, std::intptr_t none) {
         SetLastError(code);
-        return reinterpret_cast<Pointed*>(none);
+        return none == kNothing ? nullptr : static_cast<Pointed*>(FileHandleTraits::Empty());
     }
 };
 /// BOOL.
@@ -79,9 +83,6 @@ class Counted<Function, Point, None, Result(WINAPI*)(Arguments...)> {
     }
     static inline Original s_original = nullptr;
 };
-
-constexpr std::intptr_t kNoHandle = -1;
-constexpr std::intptr_t kNothing = 0;
 
 template<Name Function, class Signature, std::intptr_t None = kNothing>
 using OfFiles = Counted<Function, g_fileFaults, None, Signature>;

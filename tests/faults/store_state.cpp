@@ -59,7 +59,7 @@ CString IdOfOldItem(const std::vector<CString>& documents) {
     for (const CString& document : documents) {
         if (document.find(kOldName) != CString::npos) {
             const std::size_t start = document.find(L"<PIMID>") + 7;
-            return CString(document.substr(start, document.find(L"</PIMID>") - start));
+            return {document.substr(start, document.find(L"</PIMID>") - start)};
         }
     }
     ADD_FAILURE() << "the item with the old name did not arrive";
@@ -109,7 +109,7 @@ StoreState::~StoreState() {
     fs::remove_all(m_beside, ignored);
 }
 
-void StoreState::MakeMap(const CString& map, bool ofContacts) const {
+void StoreState::MakeMap(const CString& map, bool ofContacts) {
     EXPECT_EQ(ofContacts ? g_MAPIObject.ReadContacts(map.c_str()) : g_MAPIObject.ReadCalendars(map.c_str()),
               0);
     ChangeMap known;

@@ -78,7 +78,7 @@ class StoreState {
     using Files = std::map<std::wstring, std::string>;
     [[nodiscard]] Files Content() const;
     void RemoveTemporaries() const;
-    void MakeMap(const CString& map, bool ofContacts) const;
+    static void MakeMap(const CString& map, bool ofContacts);
 
     std::wstring m_store;
     std::wstring m_beside;

@@ -39,7 +39,7 @@ std::vector<std::uint8_t> Decode(const std::string& text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::size_t needed = (size + 2) / 3 * 4;
     std::string text(needed, '.');
-    std::int32_t capacity = static_cast<std::int32_t>(needed);
+    auto capacity = static_cast<std::int32_t>(needed);
     Require(Base64Encode(data, static_cast<std::int32_t>(size), text.data(), &capacity) == 1);
     Require(static_cast<std::size_t>(capacity) == needed);
     Require(Decode(text) == std::vector<std::uint8_t>(data, data + size));

@@ -66,8 +66,8 @@ void RequireSameAddress(const CString& text) {
     CString address = text;
     const std::int32_t field = SplitIMAddress(address);
     Require(field >= kIMAddressField && field <= 4030);
-    const auto service = std::find_if(kIMServices.begin(), kIMServices.end(),
-                                      [&](const IMService& one) { return one.fieldId == field; });
+    const auto* const service = std::find_if(kIMServices.begin(), kIMServices.end(),
+                                             [&](const IMService& one) { return one.fieldId == field; });
     Require((service == kIMServices.end()) == (field == kIMAddressField));
     const std::size_t cut = service == kIMServices.end() ? 0 : service->prefix.size();
     Require(address == text.substr(std::min(cut, text.size())));

@@ -394,10 +394,9 @@ void MAPISendBackOneContact(wchar_t* /*xml*/) {
     TakeDocument();
 }
 
-// The stubs declare it so. NOLINTNEXTLINE(readability-non-const-parameter)
 void MAPISendBackOneCalenda(wchar_t* xml) {
     // The end of a write comes as an empty one.
-    if (*xml != L'\0') {
+    if (!std::wstring_view(xml).empty()) {
         TakeDocument();
     }
 }

@@ -15,6 +15,9 @@ namespace {
 constexpr std::uint32_t kEnd = 0xFFFFFFFE;
 constexpr std::uint32_t kFree = 0xFFFFFFFF;
 constexpr std::uint32_t kHeaderDifat = 109;
+// Bytes of an entry of the directory and of a number of an allocation table.
+constexpr std::size_t kEntrySize = 128;
+constexpr std::size_t kNumberSize = 4;
 
 /// A root with one small stream and as many empty streams as the directory has room for, each to the right of
 /// the one before it. The sectors are, in this order: the allocation table, the one that lists the rest of
@@ -41,9 +44,11 @@ class File {
     }
 
     [[nodiscard]] std::uint32_t Entries() const {
-        return static_cast<std::uint32_t>(m_directorySectors * m_sector / 128);
+        return static_cast<std::uint32_t>(m_directorySectors * m_sector / kEntrySize);
     }
-    [[nodiscard]] std::size_t Entry(std::uint32_t entry) const { return At(Directory()) + entry * 128; }
+    [[nodiscard]] std::size_t Entry(std::uint32_t entry) const {
+        return At(Directory()) + entry * kEntrySize;
+    }
     File& Put(std::size_t offset, std::uint64_t value, std::size_t size = 4) {
         for (std::size_t i = 0; i < size; ++i) {
             m_bytes[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
@@ -65,10 +70,10 @@ class File {
         Put(26, version, 2).Put(30, version == 3 ? 9 : 12, 2).Put(32, 6, 2).Put(44, m_fatSectors);
         Put(48, Directory()).Put(56, 4096).Put(60, MiniFat()).Put(68, m_fatSectors);
         for (std::uint32_t i = 0; i < kHeaderDifat; ++i) {
-            Put(76 + i * 4, i < m_fatSectors ? i : kFree);
+            Put(76 + i * kNumberSize, i < m_fatSectors ? i : kFree);
         }
         for (std::uint32_t i = kHeaderDifat; i < m_fatSectors; ++i) {
-            Put(At(m_fatSectors) + (i - kHeaderDifat) * 4, i);
+            Put(At(m_fatSectors) + (i - kHeaderDifat) * kNumberSize, i);
         }
     }
 
@@ -81,7 +86,7 @@ class File {
         PutFat(MiniFat() + 1, kEnd);
         Put(At(MiniFat()), kEnd);
     }
-    void PutFat(std::uint32_t sector, std::uint32_t next) { Put(m_sector + sector * 4, next); }
+    void PutFat(std::uint32_t sector, std::uint32_t next) { Put(m_sector + sector * kNumberSize, next); }
 
     void WriteEntry(std::uint32_t entry, std::uint8_t type) {
         Put(Entry(entry) + 66, type, 1).Put(Entry(entry) + 68, kFree).Put(Entry(entry) + 72, entry + 1);

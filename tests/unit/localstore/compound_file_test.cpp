@@ -13,6 +13,9 @@ namespace {
 constexpr std::uint32_t kEnd = 0xFFFFFFFE;
 constexpr std::uint32_t kFree = 0xFFFFFFFF;
 constexpr std::size_t kSector = 512;
+// Bytes of an entry of the directory and of a number of an allocation table.
+constexpr std::size_t kEntrySize = 128;
+constexpr std::size_t kNumberSize = 4;
 
 // The sectors of the file that MakeFile makes.
 constexpr std::uint32_t kFat = 0;
@@ -33,11 +36,11 @@ void Put(Bytes& file, std::size_t offset, std::uint64_t value, std::size_t size 
 }
 
 void PutFat(Bytes& file, std::uint32_t sector, std::uint32_t next) {
-    Put(file, At(kFat) + sector * 4, next);
+    Put(file, At(kFat) + sector * kNumberSize, next);
 }
 
 std::size_t EntryAt(std::uint32_t entry) {
-    return At(kDirectory) + entry * 128;
+    return At(kDirectory) + entry * kEntrySize;
 }
 
 void PutEntry(Bytes& file, std::uint32_t entry, std::uint8_t type, std::uint32_t start, std::uint32_t size) {
@@ -66,7 +69,7 @@ Bytes MakeFile() {
 
     for (std::uint32_t sector = 0; sector < kSector / 4; ++sector) {
         PutFat(file, sector, kFree);
-        Put(file, At(kMiniFat) + sector * 4, kFree);
+        Put(file, At(kMiniFat) + sector * kNumberSize, kFree);
     }
     for (const std::uint32_t single : {kDirectory, kMiniFat, kMiniStream}) {
         PutFat(file, single, kEnd);
@@ -170,7 +173,7 @@ TEST(CompoundFile, AllocationTablesWithoutEndAreDamage) {
     Put(file, 44, 0xFFFFFFFF);
     Put(file, 68, kLarge + 8);
     for (std::size_t i = 0; i < 109; ++i) {
-        Put(file, 76 + i * 4, kFree);
+        Put(file, 76 + i * kNumberSize, kFree);
     }
     Put(file, At(kLarge + 8) + kSector - 4, kLarge + 8);
     EXPECT_STREQ(Damage(file), "its allocation table is damaged");
@@ -228,7 +231,7 @@ Bytes MakeList(std::uint32_t streams) {
     Put(file, 48, fatSectors);
     Put(file, 60, kEnd);
     for (std::uint32_t i = 0; i < fatSectors; ++i) {
-        Put(file, 76 + i * 4, i);
+        Put(file, 76 + i * kNumberSize, i);
     }
     for (std::uint32_t sector = 0; sector < fatSectors * kNumbersOfASector; ++sector) {
         std::uint32_t next = kFree;
@@ -237,10 +240,10 @@ Bytes MakeList(std::uint32_t streams) {
         } else if (sector < fatSectors + directorySectors) {
             next = sector + 1 == fatSectors + directorySectors ? kEnd : sector + 1;
         }
-        Put(file, At(0) + sector * 4, next);
+        Put(file, At(0) + sector * kNumberSize, next);
     }
     for (std::uint32_t entry = 0; entry <= streams; ++entry) {
-        const std::size_t place = At(fatSectors) + entry * 128;
+        const std::size_t place = At(fatSectors) + entry * kEntrySize;
         file[place + 66] = entry == 0 ? 5 : 2;
         Put(file, place + 68, kFree);
         Put(file, place + 72, entry == 0 || entry == streams ? kFree : entry + 1);

@@ -106,8 +106,9 @@ TEST_F(Folders, AFolderWithoutClassHasAnErrorInItsRow) {
     const RowSet rows =
         FoldersOf(OpenFolder(store.Get(), L"").Get(), {PR_DISPLAY_NAME_W, PR_CONTAINER_CLASS_W});
     ASSERT_EQ(rows->cRows, 3U);
-    EXPECT_EQ(rows->aRow[2].lpProps[1].ulPropTag, CHANGE_PROP_TYPE(PR_CONTAINER_CLASS_W, PT_ERROR));
-    EXPECT_EQ(rows->aRow[2].lpProps[1].Value.err, MAPI_E_NOT_FOUND);
+    const SRow* const row = rows->aRow;
+    EXPECT_EQ(row[2].lpProps[1].ulPropTag, CHANGE_PROP_TYPE(PR_CONTAINER_CLASS_W, PT_ERROR));
+    EXPECT_EQ(row[2].lpProps[1].Value.err, MAPI_E_NOT_FOUND);
 }
 
 TEST_F(Folders, CountAndSubFoldersAreWhatTheyHold) {
@@ -128,7 +129,8 @@ TEST_F(Folders, TheDeepTableShowsAllLevels) {
     ASSERT_EQ(contacts->GetHierarchyTable(MAPI_UNICODE | CONVENIENT_DEPTH, &table), S_OK);
     const RowSet rows = RowsOf(table.Get(), {PR_DISPLAY_NAME_W, PR_DEPTH});
     EXPECT_EQ(FirstTexts(rows), (std::vector<std::wstring>{L"Family", L"Far"}));
-    EXPECT_EQ(rows->aRow[1].lpProps[1].Value.l, 2);
+    const SRow* const row = rows->aRow;
+    EXPECT_EQ(row[1].lpProps[1].Value.l, 2);
 }
 
 TEST_F(Folders, RootAndInboxNameTheDefaultFolders) {
@@ -273,7 +275,7 @@ TEST_F(Folders, OpenTo32LevelsAndNoFurther) {
 }
 
 TEST_F(Folders, AFolderIniOfMoreThanAMegabyteDoesNotCount) {
-    constexpr std::size_t kLongest = 1024 * 1024;
+    constexpr std::size_t kLongest = std::size_t{1024} * 1024;
     const std::string text = "[Folder]\nName=People\n;";
     for (const auto& [size, name] : {std::pair(kLongest, L"People"), std::pair(kLongest + 1, L"Contacts")}) {
         WriteFileText(L"Work\\Mail\\Contacts\\folder.ini", text + std::string(size - text.size(), 'x'));

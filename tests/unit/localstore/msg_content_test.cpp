@@ -146,7 +146,7 @@ TEST(MessageContent, SaysWhyAFileIsNoMessage) {
     EXPECT_FALSE(ReadMessage(StorageTree(), reason));
     EXPECT_STREQ(reason, "it has no readable property stream");
     StorageTree file = WriteMessage(Sample());
-    file.storages[kNamesStorageName].AddStream(ValueStreamName(0x00030102), Bytes(0x8001 * 8));
+    file.storages[kNamesStorageName].AddStream(ValueStreamName(0x00030102), Bytes(std::size_t{0x8001} * 8));
     EXPECT_FALSE(ReadMessage(file, reason));
     EXPECT_STREQ(reason, "it has more named properties than the format can number");
 }

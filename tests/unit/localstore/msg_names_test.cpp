@@ -200,7 +200,7 @@ TEST(NameMap, ReadsEntriesWhoseStreamsAreMissingAsNoNames) {
 }
 
 TEST(NameMap, RefusesMoreEntriesThanThereAreIdentifiers) {
-    StorageTree top = Raw({}, Bytes(0x8001 * 8), {});
+    StorageTree top = Raw({}, Bytes(std::size_t{0x8001} * 8), {});
     NameMap names;
     EXPECT_FALSE(names.Take(top));
 }
@@ -213,7 +213,7 @@ TEST(NameMap, SaysWhenAllIdentifiersAreUsedUp) {
 
 TEST(NameMap, SaysWhenAllEntriesAreUsedUp) {
     // Entries without a name take up numbers too.
-    StorageTree top = Raw({}, Bytes(0x7FFF * 8), {});
+    StorageTree top = Raw({}, Bytes(std::size_t{0x7FFF} * 8), {});
     NameMap names;
     ASSERT_TRUE(names.Take(top));
     EXPECT_FALSE(names.Add(Number(kAddress, 2), 0));

@@ -172,8 +172,8 @@ HRESULT WINAPI CreateUnwritableMemory(HGLOBAL memory, WINBOOL deleteOnRelease, I
     return result;
 }
 
-constexpr StorageCalls kScarceForReading = {&::CreateILockBytesOnHGlobal, &OpenScarceStorage};
-constexpr StorageCalls kScarceForWriting = {&CreateScarceMemory, &::StgOpenStorageOnILockBytes};
+const StorageCalls kScarceForReading = {&::CreateILockBytesOnHGlobal, &OpenScarceStorage};
+const StorageCalls kScarceForWriting = {&CreateScarceMemory, &::StgOpenStorageOnILockBytes};
 /// Functions that say they succeeded and hand nothing out.
 HRESULT WINAPI CreateNoMemory(HGLOBAL /*handle*/, BOOL /*deleteOnRelease*/, ILockBytes** bytes) {
     *bytes = nullptr;
@@ -186,7 +186,7 @@ HRESULT WINAPI OpenNoStorage(ILockBytes* /*bytes*/, IStorage* /*priority*/, DWOR
     return S_OK;
 }
 
-constexpr StorageCalls kUnwritable = {&CreateUnwritableMemory, &::StgOpenStorageOnILockBytes};
+const StorageCalls kUnwritable = {&CreateUnwritableMemory, &::StgOpenStorageOnILockBytes};
 
 /// Storages of several depths, short streams and a long one.
 StorageTree SomeTree() {

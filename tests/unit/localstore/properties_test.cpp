@@ -153,10 +153,11 @@ TEST_F(Properties, ProblemsNameTheValueThatCouldNotBeSet) {
     EXPECT_EQ(m_message->SetProps(4, values, problems.Put()), S_OK);
     ASSERT_TRUE(problems);
     ASSERT_EQ(problems->cProblem, 2U);
-    EXPECT_EQ(problems->aProblem[0].ulIndex, 1U);
-    EXPECT_EQ(problems->aProblem[0].scode, MAPI_E_COMPUTED);
-    EXPECT_EQ(problems->aProblem[1].ulIndex, 2U);
-    EXPECT_EQ(problems->aProblem[1].scode, MAPI_E_INVALID_PARAMETER);
+    const SPropProblem* const problem = problems->aProblem;
+    EXPECT_EQ(problem[0].ulIndex, 1U);
+    EXPECT_EQ(problem[0].scode, MAPI_E_COMPUTED);
+    EXPECT_EQ(problem[1].ulIndex, 2U);
+    EXPECT_EQ(problem[1].scode, MAPI_E_INVALID_PARAMETER);
     EXPECT_EQ(TextOf(m_message.Get(), PR_SURNAME_W), L"Doe");
 
     SizedSPropTagArray(2, tags) = {2, {PR_SURNAME_W, PR_GENERATION_W}};

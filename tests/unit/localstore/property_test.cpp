@@ -11,7 +11,7 @@ namespace {
 /// The types of MS-OXCDATA, section 2.11.1, with the bytes of one value and what holds it.
 constexpr struct {
     PropertyType type;
-    std::size_t size;
+    std::uint16_t size;
     ValueShape shape;
     bool canBeMultiple;
 } kTypes[] = {

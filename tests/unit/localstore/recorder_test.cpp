@@ -31,16 +31,15 @@ TEST_F(Recorder, WritesCallsWithTheirArguments) {
               S_OK);
     ASSERT_EQ(Delete(message.Get(), {PR_SUBJECT_W, tag}), S_OK);
     ASSERT_EQ(message->SaveChanges(FORCE_SAVE), S_OK);
-    EXPECT_EQ(
-        recorder::CallLines(),
-        (Lines{
-            "IMAPIFolder::CreateMessage [Contacts] flags=0x00000000",
-            "IMessage::GetIDsFromNames [Contacts\\(new)] {00062004}:8083 flags=0x00000002",
-            "IMessage::SetProps [Contacts\\(new)] {00062004}:8083/001F=\"a@b\" 0x00170003=-1 0x0E1B000B=true "
-            "0x3A420040=5 0x37010102=AB01 0x3A11001E=\"Doe\"",
-            "IMessage::DeleteProps [Contacts\\(new)] 0x0037001F,{00062004}:8083/001F",
-            "IMessage::SaveChanges [Contacts\\(new)] flags=0x00000004",
-        }));
+    EXPECT_EQ(recorder::CallLines(),
+              (Lines{
+                  "IMAPIFolder::CreateMessage [Contacts] flags=0x00000000",
+                  "IMessage::GetIDsFromNames [Contacts\\(new)] {00062004}:8083 flags=0x00000002",
+                  ("IMessage::SetProps [Contacts\\(new)] {00062004}:8083/001F=\"a@b\" 0x00170003=-1 "
+                   "0x0E1B000B=true 0x3A420040=5 0x37010102=AB01 0x3A11001E=\"Doe\""),
+                  "IMessage::DeleteProps [Contacts\\(new)] 0x0037001F,{00062004}:8083/001F",
+                  "IMessage::SaveChanges [Contacts\\(new)] flags=0x00000004",
+              }));
     EXPECT_EQ(recorder::Calls().back().result, S_OK);
 }
 
@@ -74,8 +73,8 @@ TEST_F(Recorder, RecordsStreamsAttachmentsAndExports) {
         recorder::CallLines(),
         (Lines{
             "IMessage::CreateAttach [Contacts\\John Doe.msg] flags=0x00000008",
-            "IAttach::OpenProperty [Contacts\\John Doe.msg#0] 0x37010102 iid={0000000C} options=0x00000000 "
-            "flags=0x00000013",
+            ("IAttach::OpenProperty [Contacts\\John Doe.msg#0] 0x37010102 iid={0000000C} options=0x00000000 "
+             "flags=0x00000013"),
             "IStream::Write [Contacts\\John Doe.msg#0 37010102] size=2 bytes=0102",
             "IStream::Commit [Contacts\\John Doe.msg#0 37010102] flags=0x00000000",
             "HrGetOneProp [Contacts\\John Doe.msg] 0x3A11001F",

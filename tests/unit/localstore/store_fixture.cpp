@@ -273,13 +273,13 @@ ULONG NamedTag(IMAPIProp* object, ULONG firstOfSet, LONG number, ULONG type, ULO
     return PROP_TYPE(tag) == PT_ERROR ? tag : CHANGE_PROP_TYPE(tag, type);
 }
 
-ULONG PublicTag(IMAPIProp* object, const wchar_t* text, ULONG type, ULONG flags) {
+ULONG PublicTag(IMAPIProp* object, const wchar_t* name, ULONG type, ULONG flags) {
     GUID set = SetOf(kPublicStrings);
-    MAPINAMEID name{};
-    name.lpguid = &set;
-    name.ulKind = MNID_STRING;
-    name.Kind.lpwstrName = const_cast<LPWSTR>(text);
-    LPMAPINAMEID list = &name;
+    MAPINAMEID one{};
+    one.lpguid = &set;
+    one.ulKind = MNID_STRING;
+    one.Kind.lpwstrName = const_cast<LPWSTR>(name);
+    LPMAPINAMEID list = &one;
     MapiBuffer<SPropTagArray> tags;
     EXPECT_TRUE(SUCCEEDED(object->GetIDsFromNames(1, &list, flags, tags.Put())));
     const ULONG tag = tags->aulPropTag[0];

@@ -187,7 +187,8 @@ TEST_F(Tables, BringALongStringWhole) {
     ASSERT_EQ(Set(message.Get(), {StringValue(PR_SURNAME_W, text.c_str())}), S_OK);
     ASSERT_EQ(message->SaveChanges(0), S_OK);
     const RowSet rows = ContentsOf(m_contacts.Get(), {PR_SURNAME_W});
-    const SPropValue& value = rows->aRow[3].lpProps[0];
+    const SRow* const row = rows->aRow;
+    const SPropValue& value = row[3].lpProps[0];
     ASSERT_EQ(value.ulPropTag, PR_SURNAME_W);
     EXPECT_EQ(value.Value.lpszW, text);
 }
@@ -200,7 +201,8 @@ TEST_F(Tables, ShowALongBinaryAsNotEnoughMemory) {
         ASSERT_EQ(Set(message.Get(), {BinaryValue(tag, bytes)}), S_OK);
         ASSERT_EQ(message->SaveChanges(0), S_OK);
         const RowSet rows = ContentsOf(m_contacts.Get(), {tag});
-        const SPropValue& value = rows->aRow[3].lpProps[0];
+        const SRow* const row = rows->aRow;
+        const SPropValue& value = row[3].lpProps[0];
         EXPECT_EQ(PROP_TYPE(value.ulPropTag) == PT_ERROR ? value.Value.err : S_OK, error) << size;
     }
 }

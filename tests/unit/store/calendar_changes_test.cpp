@@ -51,7 +51,7 @@ class CalendarChanges : public CalendarReading {
         return lines;
     }
     /// Makes the comparison mark the items as told, and append what is told.
-    static void MarkAs(std::vector<std::int32_t> flags, std::vector<tagLogItem> gone = {}) {
+    static void MarkAs(const std::vector<std::int32_t>& flags, const std::vector<tagLogItem>& gone = {}) {
         OnGetChangeLog([=](LogItems& items, const GetChangeLogArgs& /*arguments*/) {
             for (std::size_t i = 0; i < flags.size(); ++i) {
                 items[i].m_lLogFlag = flags[i];

@@ -35,7 +35,7 @@ class CalendarFaults : public CalendarReading {
     }
 
     /// Reads while the nth call fails; false if there was no such call.
-    bool ReadWithFault(const wchar_t* map, std::size_t n, bool forever) {
+    static bool ReadWithFault(const wchar_t* map, std::size_t n, bool forever) {
         recorder::FailCall(n, forever, MAPI_E_CALL_FAILED);
         const int status = g_MAPIObject.ReadCalendars(map);
         const bool failed = recorder::HasFailed();
@@ -57,7 +57,7 @@ class CalendarFaults : public CalendarReading {
         return parser.SelectSingleNode(L"/Calendar/PIMID") != nullptr &&
                document.ends_with(L"\n\t<lCalType>3</lCalType></Calendar>\r\n");
     }
-    void FailEachCallOf(const wchar_t* map) {
+    static void FailEachCallOf(const wchar_t* map) {
         for (const bool forever : {false, true}) {
             std::size_t n = 1;
             for (; ReadWithFault(map, n, forever); ++n) {

@@ -56,7 +56,7 @@ class ContactChanges : public ContactReading {
         return lines;
     }
     /// Makes the comparison mark the items as told, and append what is told.
-    static void MarkAs(std::vector<std::int32_t> flags, std::vector<tagLogItem> gone = {}) {
+    static void MarkAs(const std::vector<std::int32_t>& flags, const std::vector<tagLogItem>& gone = {}) {
         OnGetChangeLog([=](LogItems& items, const GetChangeLogArgs& /*arguments*/) {
             for (std::size_t i = 0; i < flags.size(); ++i) {
                 items[i].m_lLogFlag = flags[i];
@@ -437,8 +437,8 @@ TEST_F(ContactChanges, ProgressMessageIsSentWhenNothingChanged) {
         return DefWindowProcW(window, message, first, second);
     };
     RegisterClassW(&windowClass);
-    const HWND window = CreateWindowExW(0, windowClass.lpszClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE,
-                                        nullptr, nullptr, nullptr);
+    auto* const window = CreateWindowExW(0, windowClass.lpszClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE,
+                                         nullptr, nullptr, nullptr);
     ASSERT_NE(window, nullptr);
     LogOn();
     received.clear();

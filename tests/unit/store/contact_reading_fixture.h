@@ -14,7 +14,7 @@ class ContactReading : public ReadingTest {
         }
     }
     /// Adds a message of another class.
-    void AddMessage(const wchar_t* messageClass) {
+    static void AddMessage(const wchar_t* messageClass) {
         FolderWriter writer(L"Work", L"Contacts");
         FolderWriter::Save(
             writer.NewMessage(messageClass, PropertyValues().Text(PR_GIVEN_NAME_W, L"Neighbour")).Get());

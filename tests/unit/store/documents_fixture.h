@@ -57,12 +57,11 @@ class Documents : public StoreTest {
     }
     /// The folders that every store here has, none of them with sub-folders.
     static std::string DefaultFolders() {
-        return Node("class=\"IPF.Appointment\" type=\"1\" default=\"true\"", "Calendar",
+        return Node(R"(class="IPF.Appointment" type="1" default="true")", "Calendar",
                     Narrow(FolderId(L"Calendar")), 2) +
-               Node("class=\"IPF.Contact\" type=\"2\" default=\"true\"", "Contacts",
+               Node(R"(class="IPF.Contact" type="2" default="true")", "Contacts",
                     Narrow(FolderId(L"Contacts")), 2) +
-               Node("class=\"IPF.Note\" type=\"0\" default=\"false\"", "Inbox", Narrow(FolderId(L"Inbox")),
-                    2);
+               Node(R"(class="IPF.Note" type="0" default="false")", "Inbox", Narrow(FolderId(L"Inbox")), 2);
     }
     /// The identifier of the first store of a document.
     static std::string FirstIdOf(const std::string& document) {

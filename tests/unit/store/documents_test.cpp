@@ -86,17 +86,17 @@ TEST_F(Documents, FolderTreeStandsCharacterForCharacter) {
     LogOn();
     EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
     const std::string contacts = Narrow(FolderId(L"Contacts"));
-    std::string nested = Node("class=\"IPF.Contact\" type=\"2\" default=\"true\"", "Contacts", contacts, 2);
-    nested.insert(nested.rfind("\n"), Node("class=\"IPF.Contact\" type=\"2\" default=\"false\"", "Private",
+    std::string nested = Node(R"(class="IPF.Contact" type="2" default="true")", "Contacts", contacts, 2);
+    nested.insert(nested.rfind('\n'), Node(R"(class="IPF.Contact" type="2" default="false")", "Private",
                                            Narrow(FolderId(L"Contacts\\Private")), 3));
-    std::string store = Node("class=\"IPF.Post\" type=\"6\" default=\"true\"", "Mail", StoreId(), 1);
+    std::string store = Node(R"(class="IPF.Post" type="6" default="true")", "Mail", StoreId(), 1);
     store.insert(
-        store.rfind("\n"),
-        Node("class=\"IPF.Appointment\" type=\"1\" default=\"true\"", "Calendar",
-             Narrow(FolderId(L"Calendar")), 2) +
+        store.rfind('\n'),
+        Node(R"(class="IPF.Appointment" type="1" default="true")", "Calendar", Narrow(FolderId(L"Calendar")),
+             2) +
             nested +
-            Node("class=\"IPF.Note\" type=\"0\" default=\"true\"", "Drafts", Narrow(FolderId(L"Drafts")), 2) +
-            Node("class=\"IPF.Note\" type=\"0\" default=\"false\"", "Inbox", Narrow(FolderId(L"Inbox")), 2));
+            Node(R"(class="IPF.Note" type="0" default="true")", "Drafts", Narrow(FolderId(L"Drafts")), 2) +
+            Node(R"(class="IPF.Note" type="0" default="false")", "Inbox", Narrow(FolderId(L"Inbox")), 2));
     EXPECT_EQ(Saved(g_strOutlookXml), "<folders name=\"outlook\">" + store + "\n</folders>");
 }
 
@@ -156,9 +156,9 @@ TEST_F(Documents, StoreThatDoesNotOpenHasNoFoldersAndEndsNothing) {
     const std::string document = Saved(g_strOutlookXml);
     // The refused store comes first and takes nothing from the one behind it.
     const std::string archive =
-        Node("class=\"IPF.Post\" type=\"6\" default=\"false\"", "Archive", FirstIdOf(document), 1);
-    std::string mail = Node("class=\"IPF.Post\" type=\"6\" default=\"true\"", "Mail", StoreId(), 1);
-    mail.insert(mail.rfind("\n"), DefaultFolders());
+        Node(R"(class="IPF.Post" type="6" default="false")", "Archive", FirstIdOf(document), 1);
+    std::string mail = Node(R"(class="IPF.Post" type="6" default="true")", "Mail", StoreId(), 1);
+    mail.insert(mail.rfind('\n'), DefaultFolders());
     EXPECT_EQ(document, "<folders name=\"outlook\">" + archive + mail + "\n</folders>");
     EXPECT_EQ(
         LogLines(log.begin(), log.begin() + 8),
@@ -181,8 +181,8 @@ TEST_F(Documents, FolderWhoseTableFailsKeepsTheTreeAroundIt) {
     EXPECT_EQ(LinesOf(TakeLog(), L"CMAPIObject::GetAppFolderFromFolder - Finish(Failed)\r\n"), 0);
     recorder::ClearFailures();
     // As of a clean export without the folders below the one that failed.
-    std::string mail = Node("class=\"IPF.Post\" type=\"6\" default=\"true\"", "Mail", StoreId(), 1);
-    mail.insert(mail.rfind("\n"), DefaultFolders());
+    std::string mail = Node(R"(class="IPF.Post" type="6" default="true")", "Mail", StoreId(), 1);
+    mail.insert(mail.rfind('\n'), DefaultFolders());
     EXPECT_EQ(Saved(g_strOutlookXml), "<folders name=\"outlook\">" + mail + "\n</folders>");
     EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
     EXPECT_NE(Saved(g_strOutlookXml).find("<fname>Deep</fname>"), std::string::npos);
@@ -192,7 +192,7 @@ TEST_F(Documents, DefaultFolderOfContactsIsMarked) {
     LogOn();
     EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
     EXPECT_NE(Saved(g_strOutlookXml)
-                  .find(Node("class=\"IPF.Contact\" type=\"2\" default=\"true\"", "Contacts",
+                  .find(Node(R"(class="IPF.Contact" type="2" default="true")", "Contacts",
                              Narrow(FolderId(L"Contacts")), 2)),
               std::string::npos);
 }
@@ -203,7 +203,7 @@ TEST_F(Documents, DefaultFolderOfLettersIsTheDraftsAndNotTheInbox) {
     EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
     const std::string document = Saved(g_strOutlookXml);
     const auto marked = [](const char* flag) {
-        return std::string("class=\"IPF.Note\" type=\"0\" default=\"") + flag + "\"";
+        return std::string(R"(class="IPF.Note" type="0" default=")") + flag + "\"";
     };
     EXPECT_NE(document.find(Node(marked("true").c_str(), "Drafts", Narrow(FolderId(L"Drafts")), 2)),
               std::string::npos);
@@ -283,8 +283,7 @@ TEST_F(Documents, StoreWithoutATreeIsANodeWithoutChildren) {
     recorder::ClearFailures();
     EXPECT_EQ(Saved(g_strOutlookXml),
               "<folders name=\"outlook\">" +
-                  Node("class=\"IPF.Post\" type=\"6\" default=\"true\"", "Mail", StoreId(), 1) +
-                  "\n</folders>");
+                  Node(R"(class="IPF.Post" type="6" default="true")", "Mail", StoreId(), 1) + "\n</folders>");
 }
 
 TEST_F(Documents, SessionWithoutStoresGivesAnEmptyElement) {
@@ -367,7 +366,7 @@ TEST_F(Documents, FolderWithoutAClassCountsAsAMailFolder) {
     LogOn();
     EXPECT_EQ(g_MAPIObject.GetAppFolder(m_buffer), 0);
     EXPECT_NE(Saved(g_strOutlookXml)
-                  .find(Node("class=\"IPF.Note\" type=\"0\" default=\"false\"", "Plain",
+                  .find(Node(R"(class="IPF.Note" type="0" default="false")", "Plain",
                              Narrow(FolderId(L"Plain")), 2)),
               std::string::npos);
 }

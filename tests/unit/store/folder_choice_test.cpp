@@ -24,10 +24,8 @@ class FolderChoice : public StoreTest {
         EXPECT_EQ(pfnHrGetOneProp(folder.Get(), 0x0FFF0102, id.Put()), S_OK);
         return BinaryToHexString(id->Value.bin.lpb, id->Value.bin.cb);
     }
-    static CString Selection(const CString& id) { return CString(L"<id>" + id + L"</id>"); }
-    static CString EventSelection(const CString& id) {
-        return CString(L"<id><event>" + id + L"</event></id>");
-    }
+    static CString Selection(const CString& id) { return {L"<id>" + id + L"</id>"}; }
+    static CString EventSelection(const CString& id) { return {L"<id><event>" + id + L"</event></id>"}; }
 };
 
 TEST_F(FolderChoice, ContactFolderIsChosenByItsIdentifier) {

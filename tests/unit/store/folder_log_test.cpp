@@ -158,7 +158,8 @@ TEST_F(FolderLogTest, RowThatHasNotThreeValuesIsSkipped) {
                            LPSSortOrderSet order, LONG most, LPSRowSet* rows) -> HRESULT {
         const HRESULT result = queryAllRows(table, columns, restriction, order, most, rows);
         if (columns->cValues == 3) {
-            (*rows)->aRow[1].cValues = 2;
+            SRow* const row = (*rows)->aRow;
+            row[1].cValues = 2;
         }
         return result;
     };

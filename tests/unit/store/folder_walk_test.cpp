@@ -23,29 +23,38 @@ struct WalkedKind {
     std::vector<CString> (*takeSent)();
 };
 
+void AddContact(FolderWriter& writer, const wchar_t* name) {
+    writer.AddContact(PropertyValues().Text(PR_GIVEN_NAME_W, name));
+}
+
+long CountContacts() {
+    return g_MAPIObject.GetContactCount();
+}
+
+int ReadAllContacts() {
+    return g_MAPIObject.ReadContacts(L"");
+}
+
+void AddAppointment(FolderWriter& writer, const wchar_t* name) {
+    NewAppointment(writer, name).Save();
+}
+
+long CountAppointments() {
+    return g_MAPIObject.GetCalendarCount();
+}
+
+int ReadAllAppointments() {
+    return g_MAPIObject.ReadCalendars(L"");
+}
+
 const WalkedKind kContacts{
-    L"Contacts",
-    "IPF.Contact",
-    "Contacts",
-    L"ReadContactFromFolder",
-    L"FirstName",
-    [](FolderWriter& writer, const wchar_t* name) {
-        writer.AddContact(PropertyValues().Text(PR_GIVEN_NAME_W, name));
-    },
-    [] { return g_MAPIObject.GetContactCount(); },
-    [] { return g_MAPIObject.ReadContacts(L""); },
-    &TakeSent,
+    L"Contacts",    "IPF.Contact",    "Contacts", L"ReadContactFromFolder", L"FirstName", &AddContact,
+    &CountContacts, &ReadAllContacts, &TakeSent,
 };
 
 const WalkedKind kAppointments{
-    L"Calendar",
-    "IPF.Appointment",
-    "Calendar",
-    L"ReadCalendarEventFromFolder",
-    L"Description",
-    [](FolderWriter& writer, const wchar_t* name) { NewAppointment(writer, name).Save(); },
-    [] { return g_MAPIObject.GetCalendarCount(); },
-    [] { return g_MAPIObject.ReadCalendars(L""); },
+    L"Calendar",        "IPF.Appointment", "Calendar",         L"ReadCalendarEventFromFolder",
+    L"Description",     &AddAppointment,   &CountAppointments, &ReadAllAppointments,
     &TakeSentCalendars,
 };
 
@@ -55,7 +64,7 @@ class FolderWalk : public ReadingTest, public ::testing::WithParamInterface<cons
         ReadingTest::SetUp();
         g_bSubFolder = true;
     }
-    [[nodiscard]] const WalkedKind& Kind() const { return *GetParam(); }
+    static const WalkedKind& Kind() { return *GetParam(); }
     /// Makes a folder below the one of the kind, of the same class or of another, with items.
     void MakeFolderWith(const std::wstring& path, const std::vector<const wchar_t*>& names,
                         const std::string& folderClass = {}) const {
@@ -70,7 +79,7 @@ class FolderWalk : public ReadingTest, public ::testing::WithParamInterface<cons
             Kind().add(writer, name);
         }
     }
-    [[nodiscard]] std::vector<CString> NamesIn(const std::vector<CString>& documents) const {
+    static std::vector<CString> NamesIn(const std::vector<CString>& documents) {
         const CString begin = CString(L"<") + Kind().nameElement + L">";
         std::vector<CString> names;
         for (const CString& document : documents) {
@@ -79,8 +88,8 @@ class FolderWalk : public ReadingTest, public ::testing::WithParamInterface<cons
         }
         return names;
     }
-    [[nodiscard]] std::vector<CString> SentNames() const { return NamesIn(Kind().takeSent()); }
-    [[nodiscard]] LogLine Line(std::int32_t level, const wchar_t* text) const {
+    static std::vector<CString> SentNames() { return NamesIn(Kind().takeSent()); }
+    static LogLine Line(std::int32_t level, const wchar_t* text) {
         return {level, CString::Format(L"CMAPIObject::%s - %s\r\n", Kind().readOperation, text)};
     }
     /// Whether these lines stand in the log one behind the other.

@@ -11,6 +11,8 @@
 #include "tests/unit/text_printer.h"
 #include "tests/unit/timezone/date_helpers.h"
 
+using NAMESPACE_MAPI::CMAPIObject;
+
 namespace {
 
 /// A point of an operation: the line that is written there.
@@ -128,7 +130,7 @@ class HeldObjectsTest : public CalendarReading {
     /// Ends the session at a point of a write, which adds an item or changes or deletes one that was added
     /// in the same session.
     template<class Item, class Write>
-    void ExpectAWriteToHold(Item& item, const ComPtr<IMAPIFolder>& chosen, const WritePoint& point,
+    void ExpectAWriteToHold(Item& item, ComPtr<IMAPIFolder> CMAPIObject::*chosen, const WritePoint& point,
                             const Write& write) {
         LogOn();
         item.m_lFlag = 8;
@@ -136,7 +138,7 @@ class HeldObjectsTest : public CalendarReading {
         ASSERT_EQ(item.m_lFlag, 0);
         const ComPtr<IMAPISession> session = g_MAPIObject.m_lpMAPISession;
         const ComPtr<IMsgStore> store = g_MAPIObject.m_lpMsgStore;
-        const ComPtr<IMAPIFolder> folder = chosen;
+        const ComPtr<IMAPIFolder> folder = g_MAPIObject.*chosen;
         bool released = false;
         OnPoint(point, [&] {
             g_MAPIObject.MAPIRelease();
@@ -252,7 +254,7 @@ TEST_F(HeldObjectsTest, AWriteOfAContactHoldsFolderStoreAndSessionUntilItsEnd) {
     for (const WritePoint& point : kPointsOfContactWrites) {
         SCOPED_TRACE(testing::Message()
                      << "flag " << point.flag << " at " << testing::PrintToString(CString(point.line)));
-        ExpectAWriteToHold(contact, g_MAPIObject.m_lpContactFolder, point,
+        ExpectAWriteToHold(contact, &CMAPIObject::m_lpContactFolder, point,
                            [&] { return g_MAPIObject.WriteContacts(&contact); });
     }
 }
@@ -265,7 +267,7 @@ TEST_F(HeldObjectsTest, AWriteOfAnAppointmentHoldsFolderStoreAndSessionUntilItsE
     for (const WritePoint& point : kPointsOfCalendarWrites) {
         SCOPED_TRACE(testing::Message()
                      << "flag " << point.flag << " at " << testing::PrintToString(CString(point.line)));
-        ExpectAWriteToHold(calendar, g_MAPIObject.m_lpEventFolder, point,
+        ExpectAWriteToHold(calendar, &CMAPIObject::m_lpEventFolder, point,
                            [&] { return g_MAPIObject.WriteCalendars(&calendar); });
     }
 }

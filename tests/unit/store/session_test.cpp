@@ -95,8 +95,8 @@ TEST_F(Session, LogonAsksTheMailSystemInOrder) {
         "MAPIInitialize version=0 flags=0x00000000",
         "MAPILogonEx profile=\"Work\" flags=0x80100032",
         "IMAPISession::GetMsgStoresTable flags=0x00000000",
-        "HrQueryAllRows 0x3400000B,0x0FFF0102,0x3001001F property(0x3400000B==0x3400000B=true) unsorted "
-        "most=0",
+        ("HrQueryAllRows 0x3400000B,0x0FFF0102,0x3001001F property(0x3400000B==0x3400000B=true) unsorted "
+         "most=0"),
         "IMAPISession::OpenMsgStore id=* flags=0x00000010",
     };
     const std::vector<std::string> inbox{"IMsgStore::GetReceiveFolder class=\"IPM.Note\" flags=0x80000000",

@@ -18,7 +18,7 @@ class PropertyValues {
   public:
     PropertyValues& Text(ULONG tag, const wchar_t* text);
     PropertyValues& Number(ULONG tag, LONG number);
-    PropertyValues& Boolean(ULONG tag, bool value);
+    PropertyValues& Boolean(ULONG tag, bool isTrue);
     PropertyValues& Binary(ULONG tag, const std::vector<BYTE>& bytes);
     PropertyValues& Time(ULONG tag, WORD year, WORD month, WORD day, WORD hour = 0, WORD minute = 0);
     PropertyValues& Texts(ULONG tag, std::vector<const wchar_t*> texts);
