@@ -348,7 +348,9 @@ void ExpectAppointment(IMessage* message, const StoreState& state, bool wasAdded
     const Arrived arrived = ArrivedOf(state.calendar);
     EXPECT_TRUE(outcome.documentsFailed || IsWhole(arrived));
     const Properties properties(message, wasAdded, outcome);
-    properties.OfNew(PR_MESSAGE_CLASS_W, L"IPM.Appointment", L"IPM.Appointment");
+    // To a message without a class the store gives that of mail.
+    ExpectOldOrNew(message, PR_MESSAGE_CLASS_W, wasAdded ? L"IPM.Note" : L"IPM.Appointment",
+                   {L"IPM.Appointment"}, outcome);
     properties.OfNew(PR_IMPORTANCE, kNoValue, L"1");
     properties.OfNew(PR_PRIORITY, kNoValue, L"0");
     properties.OfNew(PR_SENSITIVITY, kNoValue, L"0");
