@@ -14,7 +14,9 @@ struct Outcome {
     int result = 0;
     /// A call said that it was made and did nothing, so what is in the store says nothing of the agent.
     bool storeLied = false;
-    /// A call of the store failed, one that lied among it.
+    /// A call of the store was made and gave a warning.
+    bool storeWarned = false;
+    /// A call of the store failed, one that lied or warned among it.
     bool storeFailed = false;
     /// Memory or the document service failed, so documents may lack something.
     bool documentsFailed = false;

@@ -10,6 +10,7 @@
 #include "libraries/dunmere/change_map.h"
 #include "support/settings.h"
 #include "support/user_folders.h"
+#include "tests/faults/appointment_details.h"
 #include "tests/faults/contact_details.h"
 #include "tests/unit/calendar/sample_series.h"
 #include "tests/unit/store/appointment_fixture.h"
@@ -51,7 +52,9 @@ void AddAppointments() {
         .Text(lid::kLocation, L"canteen")
         .Save();
     FolderWriter below(L"Work", L"Calendar\\Below");
-    NewAppointment(below, kOldName).Body(kOldName).Text(lid::kLocation, kOldName).Save();
+    NewAppointment old(below, kOldName);
+    SetOldAppointment(old);
+    old.Save();
 }
 
 /// The identifier in the document of the item that has the old name.
@@ -97,6 +100,7 @@ StoreState::StoreState(const std::wstring& root) : m_store(root + kMail), m_besi
     contactSelection = L"<id>" + FolderWriter(L"Work", L"Contacts\\Below").FolderId() + L"</id>";
     calendarSelection =
         L"<id><event>" + FolderWriter(L"Work", L"Calendar\\Below").FolderId() + L"</event></id>";
+    m_knownIds = TopIds();
     m_beginning = Content();
 }
 
@@ -189,6 +193,21 @@ std::size_t StoreState::MessagesIn(const std::wstring& folder) const {
     const fs::recursive_directory_iterator entries(m_store + L"\\" + folder);
     return static_cast<std::size_t>(std::count_if(
         begin(entries), end(entries), [](const auto& entry) { return entry.path().extension() == L".msg"; }));
+}
+
+std::vector<CString> StoreState::TopIds() {
+    std::vector<CString> ids = FolderWriter(L"Work", L"Contacts").MessageIds();
+    std::ranges::move(FolderWriter(L"Work", L"Calendar").MessageIds(), std::back_inserter(ids));
+    return ids;
+}
+
+CString StoreState::AddedId() const {
+    for (const CString& id : TopIds()) {
+        if (std::ranges::find(m_knownIds, id) == m_knownIds.end()) {
+            return id;
+        }
+    }
+    return {};
 }
 
 void StoreState::RememberFolders() {

@@ -45,6 +45,9 @@ class StoreState {
     /// The number of messages in the two folders of a kind.
     [[nodiscard]] std::size_t MessagesIn(const std::wstring& folder) const;
 
+    /// The identifier of a message that was added to an upper folder; empty if there is none.
+    [[nodiscard]] CString AddedId() const;
+
     void RememberFolders();
 
     /// True if the map of a kind is the one of the beginning.
@@ -77,10 +80,13 @@ class StoreState {
   private:
     using Files = std::map<std::wstring, std::string>;
     [[nodiscard]] Files Content() const;
+    /// The messages of the upper folders.
+    static std::vector<CString> TopIds();
     void RemoveTemporaries() const;
     static void MakeMap(const CString& map, bool ofContacts);
 
     std::wstring m_store;
     std::wstring m_beside;
     Files m_beginning;
+    std::vector<CString> m_knownIds;  ///< of the upper folders in the beginning
 };

@@ -138,6 +138,8 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         outcome.documentsFailed = Kind().reachesDocuments;
         outcome.storeFailed = Kind().arm == ArmStore;
         outcome.storeLied = outcome.storeFailed && lied;
+        outcome.storeWarned =
+            outcome.storeFailed && code == static_cast<std::uint32_t>(MAPI_W_ERRORS_RETURNED);
         outcome.memoryFailed = Kind().arm == ArmMemory;
         outcome.serviceLied = outcome.documentsFailed && !outcome.memoryFailed && lied;
     }

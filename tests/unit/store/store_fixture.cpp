@@ -216,6 +216,19 @@ CString FolderWriter::FolderId() const {
     return BinaryToHexString(id->Value.bin.lpb, id->Value.bin.cb);
 }
 
+std::vector<CString> FolderWriter::MessageIds() const {
+    SizedSPropTagArray(1, columns) = {1, {PR_ENTRYID}};
+    ComPtr<IMAPITable> messages;
+    Require(m_folder->GetContentsTable(0, messages.GetAddressOf()), "messages");
+    const RowSet rows = AllRows(messages.Get(), reinterpret_cast<const SPropTagArray*>(&columns));
+    std::vector<CString> ids;
+    for (ULONG i = 0; i < rows->cRows; ++i) {
+        const SBinary& id = rows->aRow[i].lpProps[0].Value.bin;
+        ids.push_back(BinaryToHexString(id.lpb, id.cb));
+    }
+    return ids;
+}
+
 ComPtr<IMessage> FolderWriter::NewMessage(const wchar_t* messageClass, const PropertyValues& values) {
     ComPtr<IMessage> message;
     Require(m_folder->CreateMessage(nullptr, 0, message.GetAddressOf()), "CreateMessage");

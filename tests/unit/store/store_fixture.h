@@ -42,6 +42,8 @@ class FolderWriter {
 
     /// The identifier of the folder as the agent writes it.
     [[nodiscard]] CString FolderId() const;
+    /// Those of its messages likewise.
+    [[nodiscard]] std::vector<CString> MessageIds() const;
 
     /// A new message of a class with some properties; not saved yet.
     ComPtr<IMessage> NewMessage(const wchar_t* messageClass, const PropertyValues& values = {});
