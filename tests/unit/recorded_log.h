@@ -8,7 +8,7 @@
 #include "support/text.h"
 
 struct LogLine {
-    int level;
+    int level = 0;
     CString text;
 
     friend bool operator==(const LogLine&, const LogLine&) = default;
