@@ -99,16 +99,15 @@ EntryId StoreTree::MessageId(const Text& folder, const Text& name) const {
     return id;
 }
 
-std::optional<Text> StoreTree::ClassOf(const Text& path) const {
-    if (path.empty()) {
-        return std::nullopt;
-    }
-    if (std::optional<Text> given = ReadFolderIni(FullPath(path)).Find(L"Folder", L"Class")) {
+std::optional<Text> StoreTree::ClassOf(const Text& path, const FolderIni& ini) const {
+    if (std::optional<Text> given = ini.Find(L"Folder", L"Class")) {
         // An empty value says that the folder has no class.
         return given->empty() ? std::nullopt : given;
     }
-    if (std::optional<Text> inherited = ClassOf(ParentOf(path))) {
-        return inherited;
+    if (const Text parent = ParentOf(path); !parent.empty()) {
+        if (std::optional<Text> inherited = ClassOf(parent, ReadFolderIni(FullPath(parent)))) {
+            return inherited;
+        }
     }
     const Text name = LastComponent(path);
     const auto* known = std::find_if(kKnownFolders.begin(), kKnownFolders.end(),
@@ -120,8 +119,9 @@ FolderInfo StoreTree::Folder(const Text& path) const {
     if (path.empty()) {
         return {path, DisplayName(), std::nullopt};
     }
-    const Text name = LastComponent(path);
-    return {path, ReadFolderIni(FullPath(path)).Find(L"Folder", L"Name").value_or(name), ClassOf(path)};
+    // Read once: some systems look through the whole folder for a file that is not there.
+    const FolderIni ini = ReadFolderIni(FullPath(path));
+    return {path, ini.Find(L"Folder", L"Name").value_or(LastComponent(path)), ClassOf(path, ini)};
 }
 
 std::vector<FolderInfo> StoreTree::SubFolders(const Text& path) const {

@@ -11,6 +11,7 @@
 
 #include "localstore/entry_id.h"
 #include "localstore/file_system.h"
+#include "localstore/folder_ini.h"
 #include "localstore/named_properties.h"
 
 namespace localstore {
@@ -83,7 +84,8 @@ class StoreTree {
         [[nodiscard]] bool HasNamesOf(const std::vector<FileEntry>& files) const;
     };
 
-    [[nodiscard]] std::optional<Text> ClassOf(const Text& path) const;
+    /// The class of a folder below the top with its folder.ini.
+    [[nodiscard]] std::optional<Text> ClassOf(const Text& path, const FolderIni& ini) const;
     [[nodiscard]] std::optional<Text> TopFolder(std::wstring_view name) const;
     void IndexFolders(const Text& path, int depth);
 
