@@ -2,6 +2,7 @@
 
 // Reading of little-endian numbers out of bytes that may be short or damaged.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -52,12 +53,12 @@ class BlobCursor {
         const std::uint32_t end = m_offset + std::uint32_t{units} * 2U;
         const bool isKept = units <= m_unitsLeft;
         m_unitsLeft -= isKept ? units : 0;
-        while (isKept && m_offset < end) {
-            const auto unit = Take<std::uint16_t>();
-            if (unit == 0) {
-                break;
+        if (isKept) {
+            text.resize(units);
+            for (wide& unit : text) {
+                unit = static_cast<wide>(Take<std::uint16_t>());
             }
-            text += static_cast<wide>(unit);
+            text.erase(std::min(text.find(WIDE('\0')), text.size()));
         }
         m_offset = end;
         return text;

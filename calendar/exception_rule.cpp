@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "support/base64.h"
-#include "timezone/conversions.h"
+#include "timezone/date_text.h"
 
 namespace {
 
@@ -29,20 +29,6 @@ const CString& LocationOf(const tagRecurrenceException& exception, const SeriesD
 
 /// The room for an encoded text. A longer one, from 385 characters on, is left out.
 constexpr std::int32_t kEncodedUnits = 1024;
-
-CString TextOfMinutes(std::uint32_t minutes, const wchar_t* format) {
-    COleDateTime date;
-    MinutesToDateTime(minutes, &date);
-    return date.Format(format);
-}
-
-CString DayText(std::uint32_t minutes) {
-    return TextOfMinutes(minutes, L"%Y/%m/%d");
-}
-
-CString MomentText(std::uint32_t minutes) {
-    return TextOfMinutes(minutes, L"%Y/%m/%d %H:%M:%S");
-}
 
 /// Units of a deletion's line, and about those of a changed instance's paragraph without its two texts.
 constexpr std::size_t kDeletionUnits = 46;
@@ -95,7 +81,9 @@ std::size_t EstimatedUnits(const tagRecurrencePattern& pattern, const SeriesDefa
 
 void AppendDeletions(CString& text, const std::vector<std::uint32_t>& days) {
     for (const std::uint32_t day : days) {
-        text.append(L"<deletion time = \"").append(DayText(day)).append(L"\"></deletion>\r\n");
+        text += L"<deletion time = \"";
+        AppendDayText(text, day);
+        text += L"\"></deletion>\r\n";
     }
 }
 
@@ -123,9 +111,9 @@ void EndLine(CString& text, const wchar_t* name) {
     text.append(L"</").append(name).append(L">\r\n");
 }
 
-void AppendLine(CString& text, const wchar_t* name, const CString& value) {
+void AppendMomentLine(CString& text, const wchar_t* name, std::uint32_t minutes) {
     BeginLine(text, name);
-    text.append(value);
+    AppendMomentText(text, minutes);
     EndLine(text, name);
 }
 
@@ -136,18 +124,22 @@ void AppendEncodedLine(CString& text, const wchar_t* name, const CString& value)
 }
 
 void AppendLine(CString& text, const wchar_t* name, std::int32_t value) {
-    AppendLine(text, name, CString::FromNumber(value));
+    BeginLine(text, name);
+    text += CString::FromNumber(value);
+    EndLine(text, name);
 }
 
 void AppendModification(CString& text, const tagRecurrenceException& exception,
                         const SeriesDefaults& defaults) {
     const auto has = [&exception](std::uint16_t flag) { return Overrides(exception, flag); };
     const auto number = [](std::uint32_t value) { return static_cast<std::int32_t>(value); };
-    text.append(L"<modification time = \"").append(DayText(exception.OriginalDate)).append(L"\">\r\n");
+    text += L"<modification time = \"";
+    AppendDayText(text, exception.OriginalDate);
+    text += L"\">\r\n";
     AppendEncodedLine(text, L"subject", SubjectOf(exception, defaults));
     AppendEncodedLine(text, L"location", LocationOf(exception, defaults));
-    AppendLine(text, L"start", MomentText(exception.StartDateTime));
-    AppendLine(text, L"end", MomentText(exception.EndDateTime));
+    AppendMomentLine(text, L"start", exception.StartDateTime);
+    AppendMomentLine(text, L"end", exception.EndDateTime);
     AppendLine(text, L"reminderset",
                has(ARO_REMINDER) ? number(exception.ReminderSet) : (defaults.reminderMinutes != -1 ? 1 : 0));
     AppendLine(text, L"reminderdelta",

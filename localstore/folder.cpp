@@ -54,9 +54,10 @@ void DeleteOne(StoreTree& tree, const Text& folder, const SBinary& entry) {
 
 std::vector<TableRow> MessageRows(const std::shared_ptr<StoreTree>& tree, const Text& folder,
                                   MessageSource::Role role) {
+    const Text directory = tree->FullPath(folder);
     std::vector<TableRow> rows;
     for (const FileEntry& file : tree->MessageFiles(folder)) {
-        const Text path = tree->FullPath(JoinPath(folder, file.name));
+        const Text path = JoinPath(directory, file.name);
         try {
             LoadedMessage message = MessageCache::Instance().Load(path, file);
             rows.push_back(std::make_shared<MessageSource>(tree, folder, std::move(message), role));

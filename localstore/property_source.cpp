@@ -48,9 +48,10 @@ std::vector<PropertyTag> TagsOfClient(const SPropTagArray* tags) {
 bool FillValues(const PropertySource& source, const std::vector<PropertyTag>& tags, bool unicode,
                 std::size_t longest, void* parent, SPropValue* values) {
     bool complete = true;
+    ValueRequest request{0, unicode, source.CodePage(), longest};
     for (std::size_t i = 0; i < tags.size(); ++i) {
         const std::optional<Property> property = source.Find(IdOf(tags[i]));
-        const ValueRequest request{tags[i], unicode, source.CodePage(), longest};
+        request.tag = tags[i];
         complete = PutValue(property ? &*property : nullptr, request, parent, values[i]) && complete;
     }
     return complete;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "localstore/file_names.h"
 #include "localstore/profile_tree.h"
@@ -84,27 +85,29 @@ EntryId StoreTree::FolderId(const Text& path) const {
 }
 
 EntryId StoreTree::MessageId(const Text& folder, const Text& name) const {
-    EntryId id = FolderId(folder);
+    EntryId id = StoreId();
     id.kind = EntryKind::Message;
     const auto index = m_messages.find(folder);
-    if (index != m_messages.end() && index->second.digests.contains(name)) {
-        id.message = index->second.digests.at(name);
-    } else {
+    if (index == m_messages.end()) {
+        id.folder = DigestOf(folder);
         id.message = DigestOf(name);
+        return id;
     }
+    id.folder = index->second.folder;
+    const auto digest = index->second.digests.find(name);
+    id.message = digest == index->second.digests.end() ? DigestOf(name) : digest->second;
     return id;
 }
 
-std::optional<Text> StoreTree::ClassOf(const Text& path) const {
-    if (path.empty()) {
-        return std::nullopt;
-    }
-    if (std::optional<Text> given = ReadFolderIni(FullPath(path)).Find(L"Folder", L"Class")) {
+std::optional<Text> StoreTree::ClassOf(const Text& path, const FolderIni& ini) const {
+    if (std::optional<Text> given = ini.Find(L"Folder", L"Class")) {
         // An empty value says that the folder has no class.
         return given->empty() ? std::nullopt : given;
     }
-    if (std::optional<Text> inherited = ClassOf(ParentOf(path))) {
-        return inherited;
+    if (const Text parent = ParentOf(path); !parent.empty()) {
+        if (std::optional<Text> inherited = ClassOf(parent, ReadFolderIni(FullPath(parent)))) {
+            return inherited;
+        }
     }
     const Text name = LastComponent(path);
     const auto* known = std::find_if(kKnownFolders.begin(), kKnownFolders.end(),
@@ -116,8 +119,9 @@ FolderInfo StoreTree::Folder(const Text& path) const {
     if (path.empty()) {
         return {path, DisplayName(), std::nullopt};
     }
-    const Text name = LastComponent(path);
-    return {path, ReadFolderIni(FullPath(path)).Find(L"Folder", L"Name").value_or(name), ClassOf(path)};
+    // Read once: some systems look through the whole folder for a file that is not there.
+    const FolderIni ini = ReadFolderIni(FullPath(path));
+    return {path, ini.Find(L"Folder", L"Name").value_or(LastComponent(path)), ClassOf(path, ini)};
 }
 
 std::vector<FolderInfo> StoreTree::SubFolders(const Text& path) const {
@@ -130,19 +134,33 @@ std::vector<FolderInfo> StoreTree::SubFolders(const Text& path) const {
     return folders;
 }
 
+std::size_t StoreTree::DigestHash::operator()(const NameDigest& digest) const noexcept {
+    std::size_t hash = 0;
+    static_assert(sizeof(hash) <= sizeof(NameDigest));
+    std::memcpy(&hash, digest.data(), sizeof(hash));
+    return hash;
+}
+
+bool StoreTree::MessageIndex::HasNamesOf(const std::vector<FileEntry>& files) const {
+    return files.size() == digests.size() &&
+           std::all_of(files.begin(), files.end(),
+                       [this](const FileEntry& file) { return digests.contains(file.name); });
+}
+
 std::vector<FileEntry> StoreTree::MessageFiles(const Text& folder) {
-    std::vector<FileEntry> files;
-    MessageIndex fresh;
-    MessageIndex& kept = m_messages[folder];
-    for (FileEntry& entry : ListFolder(FullPath(folder))) {
-        if (entry.isFolder || !IsMessageFileName(entry.name)) {
-            continue;
-        }
-        const auto known = kept.digests.find(entry.name);
-        const NameDigest digest = known == kept.digests.end() ? DigestOf(entry.name) : known->second;
-        fresh.digests.emplace(entry.name, digest);
-        fresh.names.emplace(digest, entry.name);
-        files.push_back(std::move(entry));
+    std::vector<FileEntry> files = ListFolder(FullPath(folder));
+    std::erase_if(files,
+                  [](const FileEntry& entry) { return entry.isFolder || !IsMessageFileName(entry.name); });
+    MessageIndex& kept = m_messages.try_emplace(folder, folder).first->second;
+    if (kept.HasNamesOf(files)) {
+        return files;
+    }
+    MessageIndex fresh(folder);
+    for (const FileEntry& file : files) {
+        const auto known = kept.digests.find(file.name);
+        const NameDigest digest = known == kept.digests.end() ? DigestOf(file.name) : known->second;
+        fresh.digests.emplace(file.name, digest);
+        fresh.names.emplace(digest, file.name);
     }
     kept = std::move(fresh);
     return files;

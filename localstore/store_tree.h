@@ -11,6 +11,7 @@
 
 #include "localstore/entry_id.h"
 #include "localstore/file_system.h"
+#include "localstore/folder_ini.h"
 #include "localstore/named_properties.h"
 
 namespace localstore {
@@ -67,13 +68,24 @@ class StoreTree {
     [[nodiscard]] bool NamesDefaultFolders(std::wstring_view object) const;
 
   private:
-    /// The names of one folder's messages and their digests.
+    /// Any bits of a digest are as good as chance.
+    struct DigestHash {
+        std::size_t operator()(const NameDigest& digest) const noexcept;
+    };
+    /// The digest of a folder's path, and the names of its messages and theirs.
     struct MessageIndex {
+        explicit MessageIndex(const Text& path) : folder(DigestOf(path)) {}
+
+        NameDigest folder;
         std::unordered_map<Text, NameDigest> digests;
-        std::map<NameDigest, Text> names;
+        std::unordered_map<NameDigest, Text, DigestHash> names;
+
+        /// True if it has the names of these files and no others.
+        [[nodiscard]] bool HasNamesOf(const std::vector<FileEntry>& files) const;
     };
 
-    [[nodiscard]] std::optional<Text> ClassOf(const Text& path) const;
+    /// The class of a folder below the top with its folder.ini.
+    [[nodiscard]] std::optional<Text> ClassOf(const Text& path, const FolderIni& ini) const;
     [[nodiscard]] std::optional<Text> TopFolder(std::wstring_view name) const;
     void IndexFolders(const Text& path, int depth);
 

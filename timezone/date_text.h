@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "support/wide.h"
+#include "support/text.h"
 
 /// The six numbers of a date text.
 struct DateTextNumbers {
@@ -20,3 +20,12 @@ struct DateTextNumbers {
 /// reads the number at the beginning of each piece. What is not there is 0, and nothing is checked against a
 /// calendar.
 [[nodiscard]] DateTextNumbers CutDateText(WideView text);
+
+// Recurrence data counts local minutes since 1601-01-01; every number of 32 bits is a day up to the year
+// 9767.
+
+/// Appends the day of such minutes: year/month/day.
+void AppendDayText(CString& text, std::uint32_t minutes);
+
+/// Appends the day and the time of such minutes: year/month/day hour:minute:second.
+void AppendMomentText(CString& text, std::uint32_t minutes);

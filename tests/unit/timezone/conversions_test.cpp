@@ -1,4 +1,5 @@
 #include "timezone/conversions.h"
+#include "timezone/date_text.h"
 
 #include <gtest/gtest.h>
 
@@ -301,6 +302,18 @@ TEST(MinutesToDateTime, BothEndsOfTheRangeAreDates) {
     MinutesToDateTime(0xFFFFFFFF, &date);
     EXPECT_EQ(Text(date), L"9767-02-16 04:15:00");
     EXPECT_EQ(date.m_status, kDateValid);
+}
+
+// The texts of dates in recurrence data are made without the platform.
+TEST(MinutesToDateTime, GivesTheDatesThatTextsOfMinutesName) {
+    constexpr std::uint64_t kStep = 9973;  // a prime, so that all times of day come
+    for (std::uint64_t minutes = 0; minutes <= 0xFFFFFFFF; minutes += kStep) {
+        COleDateTime date;
+        MinutesToDateTime(static_cast<std::uint32_t>(minutes), &date);
+        CString text;
+        AppendMomentText(text, static_cast<std::uint32_t>(minutes));
+        ASSERT_EQ(text, date.Format(L"%Y/%m/%d %H:%M:%S")) << minutes;
+    }
 }
 
 TEST(MinutesToDateTime, KeepsTheTimeOfDay) {

@@ -4,7 +4,21 @@
 
 #include <limits>
 
+#include "tests/unit/text_printer.h"
+
 namespace {
+
+CString DayText(std::uint32_t minutes) {
+    CString text;
+    AppendDayText(text, minutes);
+    return text;
+}
+
+CString MomentText(std::uint32_t minutes) {
+    CString text;
+    AppendMomentText(text, minutes);
+    return text;
+}
 
 TEST(CutDateText, ReadsTheSixNumbers) {
     EXPECT_EQ(CutDateText(WIDE("2010-02-10 11:22:33")), (DateTextNumbers{2010, 2, 10, 11, 22, 33}));
@@ -38,6 +52,31 @@ TEST(CutDateText, NumbersBeyondTheRangeClamp) {
     const DateTextNumbers numbers = CutDateText(WIDE("99999999999-02-10 0:0:-99999999999"));
     EXPECT_EQ(numbers.year, std::numeric_limits<std::int32_t>::max());
     EXPECT_EQ(numbers.second, std::numeric_limits<std::int32_t>::min());
+}
+
+TEST(AppendDayText, BeginsWith1601AndReaches9767) {
+    EXPECT_EQ(DayText(0), WIDE("1601/01/01"));
+    EXPECT_EQ(DayText(0xFFFFFFFF), WIDE("9767/02/16"));
+}
+
+TEST(AppendDayText, KnowsTheLeapYears) {
+    EXPECT_EQ(DayText(209939039), WIDE("2000/02/29"));
+    EXPECT_EQ(DayText(209939040), WIDE("2000/03/01"));
+    EXPECT_EQ(DayText(157341600), WIDE("1900/02/28"));
+    EXPECT_EQ(DayText(157343040), WIDE("1900/03/01"));
+}
+
+TEST(AppendMomentText, HasTheTimeOfDayBehindTheDay) {
+    EXPECT_EQ(MomentText(215754300), WIDE("2011/03/22 09:00:00"));
+    EXPECT_EQ(MomentText(209939039), WIDE("2000/02/29 23:59:00"));
+    EXPECT_EQ(MomentText(0), WIDE("1601/01/01 00:00:00"));
+    EXPECT_EQ(MomentText(0xFFFFFFFF), WIDE("9767/02/16 04:15:00"));
+}
+
+TEST(AppendMomentText, LeavesWhatStandsInFront) {
+    CString text(WIDE("at "));
+    AppendMomentText(text, 215754300);
+    EXPECT_EQ(text, WIDE("at 2011/03/22 09:00:00"));
 }
 
 }  // namespace
