@@ -19,6 +19,7 @@ STOPS = 1000 if FULL else 100
 LOGON_HANDLES = 50
 # Threads of the RPC runtime come and go at any time, each with some handles, some blocks of the heap and a stack.
 THREADS_HANDLES = 20
+THREADS_BLOCKS = 256
 THREADS_HEAP = 32 << 10
 THREADS_MEMORY = 4 << 20
 
@@ -84,6 +85,7 @@ class Soak(SoakCase):
             f"{usual_growth(hollow.heap):.0f} bytes each; with it there are in all {beyond.blocks} blocks of {beyond.heap} bytes "
             f"and {beyond.memory >> 10} KB of memory more than without")
         self.assertEqual((blocks, heap), (usual_growth(hollow.blocks), usual_growth(hollow.heap)))
+        self.assertLess(abs(beyond.blocks), THREADS_BLOCKS)
         self.assertLess(abs(beyond.heap), THREADS_HEAP)
         self.assertLess(beyond.memory, THREADS_MEMORY)
 
