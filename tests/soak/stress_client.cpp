@@ -215,8 +215,11 @@ long StopRead(const Kind& kind, unsigned long after, bool isHeld) {
         while (g_documents < after && !ended) {
             Sleep(0);
         }
-        GuardedRpc([] { Stop(); });
-        g_stopSaid = true;
+        // Behind the end it would only be kept for the next read, which then brings nothing.
+        if (!ended) {
+            GuardedRpc([] { Stop(); });
+            g_stopSaid = true;
+        }
     });
     const long status = Read(kind.read, L"");
     ended = true;
@@ -237,8 +240,8 @@ void StopReads(const Kind& kind, unsigned long rounds, unsigned seed, bool& stop
         const bool isHeld = random() % 2 == 0 && after > 0 && after < items && !stopIsKept;
         const long status = StopRead(kind, after, isHeld);
         const unsigned long documents = g_documents;
-        bool asDocumented =
-            status == 0 ? documents == items : status == 1 && (documents >= after || stopIsKept);
+        bool asDocumented = status == 0 ? documents == items
+                                        : status == 1 && (stopIsKept || (g_stopSaid && documents >= after));
         if (isHeld) {
             asDocumented = status == 1 && documents == after;
         }
@@ -249,7 +252,7 @@ void StopReads(const Kind& kind, unsigned long rounds, unsigned seed, bool& stop
         }
         stopped += status == 1 ? 1 : 0;
         held += isHeld ? 1 : 0;
-        stopIsKept = status == 0 || (stopIsKept && documents <= after);
+        stopIsKept = g_stopSaid && (status == 0 || stopIsKept);
     }
     std::printf("stop %lu of %lu reads, %lu in a document\n", stopped, rounds, held);
 }
