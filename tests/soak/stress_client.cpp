@@ -15,6 +15,8 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "callback.h"
@@ -266,8 +268,11 @@ void StopAllReads(unsigned long rounds, unsigned seed) {
     }
 }
 
+/// What GetContactFolder takes, no more and no less. GetCalendarFolder takes the first of them.
+constexpr std::size_t kFolderUnits = 3000;
+
 /// Every call, by a letter; what has none of its own is a write, which comes more often than the rest.
-constexpr std::wstring_view kAllCalls = L"nfFPscrmSwww";
+constexpr std::wstring_view kAllCalls = L"nfFPgscrmSwww";
 
 /// The call of a letter, as a client makes it that keeps to no rule. What it gives does not matter.
 void CallAnything(wchar_t call, const Kind& kind) {
@@ -284,6 +289,12 @@ void CallAnything(wchar_t call, const Kind& kind) {
         case L'P':
             CallWithText(GetAppProfile, L"");
             break;
+        case L'g': {
+            std::wstring folder(kFolderUnits, L'x');
+            CallWithText(GetContactFolder, folder);
+            CallWithText(GetCalendarFolder, folder);
+            break;
+        }
         case L's':
             CallWithText(SetContactFolder, L"");
             CallWithText(SetCalendarFolder, L"");
@@ -313,11 +324,12 @@ void CallAnything(wchar_t call, const Kind& kind) {
 struct Tally {
     std::mutex mutex;
     unsigned long calls = 0;
-    std::map<wchar_t, unsigned long> succeeded;     ///< by letter
-    std::map<unsigned long, unsigned long> failed;  ///< by status of the remote call
+    std::map<wchar_t, unsigned long> succeeded;  ///< by letter
+    /// By the status of the remote call, and by letter.
+    std::map<std::pair<unsigned long, wchar_t>, unsigned long> failed;
 
     template<class Key>
-    void Add(std::map<Key, unsigned long>& counts, Key key) {
+    void Add(std::map<Key, unsigned long>& counts, const std::type_identity_t<Key>& key) {
         const std::lock_guard lock(mutex);
         ++counts[key];
     }
@@ -335,7 +347,7 @@ void CallAtRandom(ULONGLONG end, unsigned seed, std::wstring_view letters, Tally
             CallAnything(call, kKinds[random() % 2]);
             tally.Add(tally.succeeded, call);
         } catch (const RpcFailure& failure) {
-            tally.Add(tally.failed, failure.Status());
+            tally.Add(tally.failed, {static_cast<unsigned long>(failure.Status()), call});
             isAgentThere = failure.Status() != RPC_S_SERVER_UNAVAILABLE;
         } catch (const std::exception&) {
             // A write or a logon that another call took the session from.
@@ -361,8 +373,8 @@ void Overlap(unsigned long seconds, unsigned long clients, unsigned seed, std::w
     for (const auto& [call, count] : tally.succeeded) {
         std::printf("succeeded %lc %lu\n", static_cast<wint_t>(call), count);
     }
-    for (const auto& [status, count] : tally.failed) {
-        std::printf("failed %lu %lu\n", status, count);
+    for (const auto& [failure, count] : tally.failed) {
+        std::printf("failed %lu%lc %lu\n", failure.first, static_cast<wint_t>(failure.second), count);
     }
 }
 

@@ -90,7 +90,8 @@ class Overlap(SoakCase):
         """Each kind of call comes to its end. Single ones may fail, and have: what they take may go at that moment (see
         docs/limits.md), and a connection may be given up for it."""
         self.assertEqual(set(tally["succeeded"]), set(letters), tally)
-        self.assertLessEqual(set(tally["failed"]), {"998", "1727"}, tally)
+        # A status with the letter of the call behind it.
+        self.assertLessEqual({failure[:-1] for failure in tally["failed"]}, {"998", "1727"}, tally)
         self.assertLessEqual(sum(tally["failed"].values()), 1 + tally["calls"] // 1000, tally)
 
     def assert_harmless(self, letters):
@@ -111,10 +112,10 @@ class Overlap(SoakCase):
             damaged.wait(harness.PATIENCE)
 
     def test_reads_and_sessions_at_once_leave_agent_and_store_whole(self):
-        self.assert_harmless("nnfFPscrmS")
+        self.assert_harmless("nnfFPgscrmS")
 
     def test_writes_besides_leave_agent_and_store_whole(self):
-        self.assert_harmless("nnfFPscrmSwww")
+        self.assert_harmless("nnfFPgscrmSwww")
 
 
 if __name__ == "__main__":

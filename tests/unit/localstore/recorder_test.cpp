@@ -113,6 +113,21 @@ TEST_F(Recorder, FailsTheNthCallOnce) {
     EXPECT_EQ(recorder::Calls()[1].result, MAPI_E_DISK_ERROR);
 }
 
+TEST_F(Recorder, DoesACallThatIsToGiveAWarningAndNotOneThatIsToSayItSucceeded) {
+    ComPtr<IMAPITable> table;
+    recorder::FailCall(1, false, S_OK);
+    EXPECT_EQ(m_contacts->GetContentsTable(0, &table), S_OK);
+    EXPECT_EQ(table, nullptr);
+    recorder::FailCall(1, false, MAPI_W_ERRORS_RETURNED);
+    EXPECT_EQ(m_contacts->GetContentsTable(0, &table), MAPI_W_ERRORS_RETURNED);
+    EXPECT_NE(table, nullptr);
+    EXPECT_TRUE(recorder::HasFailed());
+    EXPECT_EQ(recorder::Calls()[1].result, MAPI_W_ERRORS_RETURNED);
+    // What fails by itself does not succeed by it.
+    recorder::FailCall(1, false, MAPI_W_ERRORS_RETURNED);
+    EXPECT_TRUE(FAILED(m_contacts->OpenEntry(0, nullptr, &IID_IMAPITable, 0, nullptr, nullptr)));
+}
+
 TEST_F(Recorder, FailsEveryCallFromTheNthOn) {
     recorder::FailCall(1, true);
     ComPtr<IMAPITable> table;
