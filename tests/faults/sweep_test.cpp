@@ -256,7 +256,7 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         m_living = now;
     }
     /// Whether no more lives than before and what some runs may leave by design.
-    [[nodiscard]] bool IsWithin(const Living& now, const Living& before, long runs) const {
+    static bool IsWithin(const Living& now, const Living& before, long runs) {
         return now.handles <= before.handles + runs * Op().mostHandlesLeft &&
                now.allocations <= before.allocations + runs * kPerBuffer * Op().mostBuffersLeft &&
                (Op().savesDocument || now.blocks <= before.blocks);
