@@ -12,27 +12,17 @@
 #include "command_loop.h"
 #include "support/rpc_endpoints.h"
 #include "support/rpc_guard.h"
+#include "tests/rpc_binding.h"
 #include "text_file.h"
 
 namespace {
 
-void Bind() {
-    RPC_WSTR text = nullptr;
-    RPC_STATUS status = RpcStringBindingComposeW(nullptr, RpcText(kProtocolSequence), nullptr,
-                                                 RpcText(kCallbackEndpoint), nullptr, &text);
-    if (status == RPC_S_OK) {
-        status = RpcBindingFromStringBindingW(text, &g_hOutlookBinding);
-        RpcStringFreeW(&text);
-    }
-    if (status != RPC_S_OK) {
-        throw std::runtime_error("the binding gives " + std::to_string(status));
-    }
-}
-
 void Run(const std::wstring& path, const std::wstring& kind) {
     std::vector<std::wstring> texts = bench::ReadTexts(path);
     auto* const procedure = kind == L"contacts" ? MAPISendBackOneContact : MAPISendBackOneCalenda;
-    Bind();
+    if (const RPC_STATUS status = MakeBinding(kCallbackEndpoint, &g_hOutlookBinding); status != RPC_S_OK) {
+        throw std::runtime_error("the binding gives " + std::to_string(status));
+    }
     bench::AnswerWithSeconds([&] {
         for (std::wstring& text : texts) {
             wchar_t* const units = text.data();

@@ -10,26 +10,19 @@
 
 #include <windows.h>
 
-#include <msxml2.h>
-
 #include <stdexcept>
 
 #include "command_loop.h"
 #include "document_parts.h"
 #include "item_dates.h"
 #include "support/owners.h"
+#include "tests/xml_document.h"
 #include "text_file.h"
 
 namespace {
 
 using bench::DocumentParts;
 using bench::ElementPart;
-
-// The document class that the agent uses and its interfaces.
-constexpr CLSID kDocumentClass = {
-    0x2933BF90, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
-constexpr IID kDocumentInterface = {
-    0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
 // The elements before which the agent looks into the document.
 constexpr const wchar_t* kExceptions = L"ExceptionRule";
@@ -49,17 +42,11 @@ Bstr MakeBstr(const std::wstring& text) {
 
 ComPtr<IXMLDOMDocument> MakeDocument() {
     ComPtr<IXMLDOMDocument> document;
-    Require(CoCreateInstance(kDocumentClass, nullptr, CLSCTX_INPROC_SERVER, kDocumentInterface,
-                             reinterpret_cast<void**>(document.GetAddressOf())),
-            "CoCreateInstance");
+    Require(MakeXmlDocument(document), "CoCreateInstance");
     document->put_resolveExternals(VARIANT_FALSE);
     document->put_async(VARIANT_FALSE);
     document->put_validateOnParse(VARIANT_FALSE);
-    ComPtr<IXMLDOMProcessingInstruction> declaration;
-    Require(document->createProcessingInstruction(
-                MakeBstr(L"xml").Get(), MakeBstr(L"version='1.0' encoding='utf-8'").Get(), &declaration),
-            "createProcessingInstruction");
-    Require(document->appendChild(declaration.Get(), nullptr), "appendChild of the declaration");
+    Require(AppendDeclaration(document.Get()), "the declaration");
     return document;
 }
 
