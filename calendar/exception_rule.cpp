@@ -150,8 +150,10 @@ void AppendModification(CString& text, const tagRecurrenceException& exception,
 
 }  // namespace
 
-CString ExceptionRuleText(const tagRecurrencePattern& pattern, const SeriesDefaults& defaults) {
+CString ExceptionRuleText(const tagRecurrencePattern& pattern,
+                          const std::function<SeriesDefaults()>& defaultsOf) {
     const std::vector<std::uint32_t> deletions = PureDeletions(pattern);
+    const SeriesDefaults defaults = ModificationsOf(pattern).empty() ? SeriesDefaults() : defaultsOf();
     CString text;
     text.reserve(EstimatedUnits(pattern, defaults, deletions.size()));
     text += L"<exceptions>\r\n";

@@ -4,6 +4,7 @@
 // but is the text of one element.
 
 #include <cstdint>
+#include <functional>
 
 #include "calendar/recurrence_pattern.h"
 #include "support/text.h"
@@ -17,6 +18,7 @@ struct SeriesDefaults {
 };
 
 /// Writes a line for each deleted day that is not the day of a changed instance, then a paragraph for each
-/// changed instance, all in the order of the series. The series must have its array of deleted days.
+/// changed instance, all in the order of the series. The series must have its array of deleted days. What it
+/// has for its changed instances is asked for once, and not at all where there are none.
 [[nodiscard]] CString ExceptionRuleText(const NAMESPACE_MAPI::tagRecurrencePattern& pattern,
-                                        const SeriesDefaults& defaults);
+                                        const std::function<SeriesDefaults()>& defaultsOf);

@@ -100,6 +100,7 @@ void WriteRecurrenceElements(const tagRecurrencePattern& pattern, CXMLParser& do
     AppendNumber(document, L"lRecurDay", pattern.DayOfMonth);
     WriteEnd(pattern, document);
     if (pattern.DeletedInstanceCount != 0 && pattern.DeletedInstanceDates) {
-        AppendElement(document, L"ExceptionRule", ExceptionRuleText(pattern, DefaultsOf(document)));
+        AppendElement(document, L"ExceptionRule",
+                      ExceptionRuleText(pattern, [&document] { return DefaultsOf(document); }));
     }
 }

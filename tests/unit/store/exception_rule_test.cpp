@@ -28,6 +28,20 @@ CString Modification(const wchar_t* day, const wchar_t* moved, const CString& su
            allDay + L"</allday>\r\n</modification>\r\n";
 }
 
+CString TextOf(const tagRecurrencePattern& pattern, const SeriesDefaults& defaults = kDefaults) {
+    return ExceptionRuleText(pattern, [&defaults] { return defaults; });
+}
+
+/// How often the text of a series asks for what its changed instances have from it.
+int QuestionsOf(const tagRecurrencePattern& pattern) {
+    int questions = 0;
+    EXPECT_FALSE(ExceptionRuleText(pattern, [&questions] {
+                     ++questions;
+                     return kDefaults;
+                 }).empty());
+    return questions;
+}
+
 /// The text of a series with one changed instance, the one of its first day.
 CString TextOfOne(const tagRecurrenceException& exception, const SeriesDefaults& defaults = kDefaults) {
     tagRecurrencePattern pattern = Weekly();
@@ -35,7 +49,7 @@ CString TextOfOne(const tagRecurrenceException& exception, const SeriesDefaults&
     std::vector<tagRecurrenceException> exceptions;
     exceptions.push_back(exception);
     SetExceptions(pattern, std::move(exceptions));
-    return ExceptionRuleText(pattern, defaults);
+    return TextOf(pattern, defaults);
 }
 
 CString Whole(const CString& lines) {
@@ -45,7 +59,7 @@ CString Whole(const CString& lines) {
 TEST(ExceptionRule, OfOneDeletionIsItsLineBetweenHeadAndEnd) {
     tagRecurrencePattern pattern = Weekly();
     SetDeleted(pattern, {kFirstMonday + 7 * kDay});
-    EXPECT_EQ(ExceptionRuleText(pattern, kDefaults),
+    EXPECT_EQ(TextOf(pattern),
               L"<exceptions>\r\n<deletion time = \"2011/03/14\"></deletion>\r\n</exceptions>");
 }
 
@@ -56,7 +70,7 @@ TEST(ExceptionRule, OfOneDeletionAndOneChangeIsTheSameCharacterByCharacter) {
     moved.Subject = WIDE("Test");
     moved.Location = WIDE("Room");
     SetExceptions(pattern, {moved});
-    EXPECT_EQ(ExceptionRuleText(pattern, kDefaults),
+    EXPECT_EQ(TextOf(pattern),
               L"<exceptions>\r\n"
               L"<deletion time = \"2011/03/14\"></deletion>\r\n"
               L"<modification time = \"2011/03/21\">\r\n"
@@ -130,7 +144,7 @@ TEST(ExceptionRule, ADeletedDayOfAChangeHasNoLineAndAnyOtherHasOne) {
     SetDeleted(pattern, {kFirstMonday, kFirstMonday + 7 * kDay});
     // The second change is of a day that is not deleted: it removes nothing, and is told all the same.
     SetExceptions(pattern, {Moved(kFirstMonday, 0), Moved(kFirstMonday + 7 * kDay + 1, 0)});
-    EXPECT_EQ(ExceptionRuleText(pattern, kDefaults),
+    EXPECT_EQ(TextOf(pattern),
               Whole(L"<deletion time = \"2011/03/14\"></deletion>\r\n" +
                     Modification(L"2011/03/07", L"2011/03/08", kReview, kRoom, L"1", L"15", L"0") +
                     CString(L"<modification time = \"2011/03/14\">\r\n\t<subject>") + kReview +
@@ -143,17 +157,16 @@ TEST(ExceptionRule, ADeletedDayOfAChangeHasNoLineAndAnyOtherHasOne) {
 TEST(ExceptionRule, DeletionsStayInTheirOrderWithDoubles) {
     tagRecurrencePattern pattern = Weekly();
     SetDeleted(pattern, {kFirstMonday + 2 * kDay, kFirstMonday, kFirstMonday + 2 * kDay});
-    EXPECT_EQ(ExceptionRuleText(pattern, kDefaults),
-              Whole(L"<deletion time = \"2011/03/09\"></deletion>\r\n"
-                    L"<deletion time = \"2011/03/07\"></deletion>\r\n"
-                    L"<deletion time = \"2011/03/09\"></deletion>\r\n"));
+    EXPECT_EQ(TextOf(pattern), Whole(L"<deletion time = \"2011/03/09\"></deletion>\r\n"
+                                     L"<deletion time = \"2011/03/07\"></deletion>\r\n"
+                                     L"<deletion time = \"2011/03/09\"></deletion>\r\n"));
 }
 
 TEST(ExceptionRule, ChangesStayInTheirOrder) {
     tagRecurrencePattern pattern = Weekly();
     SetDeleted(pattern, {kFirstMonday, kFirstMonday + 7 * kDay});
     SetExceptions(pattern, {Moved(kFirstMonday + 7 * kDay, 0), Moved(kFirstMonday, 0)});
-    const CString text = ExceptionRuleText(pattern, kDefaults);
+    const CString text = TextOf(pattern);
     EXPECT_EQ(text.find(L"<deletion"), CString::npos);
     EXPECT_LT(text.find(L"<modification time = \"2011/03/14\">"),
               text.find(L"<modification time = \"2011/03/07\">"));
@@ -163,8 +176,17 @@ TEST(ExceptionRule, ACountOfChangesWithoutTheirArrayIsNone) {
     tagRecurrencePattern pattern = Weekly();
     SetDeleted(pattern, {kFirstMonday});
     pattern.ModifiedInstanceCount = 5;
-    EXPECT_EQ(ExceptionRuleText(pattern, kDefaults),
-              Whole(L"<deletion time = \"2011/03/07\"></deletion>\r\n"));
+    EXPECT_EQ(TextOf(pattern), Whole(L"<deletion time = \"2011/03/07\"></deletion>\r\n"));
+}
+
+TEST(ExceptionRule, WhatTheSeriesHasIsAskedForOnceForAllChangesAndNotForDeletions) {
+    tagRecurrencePattern pattern = Weekly();
+    SetDeleted(pattern, {kFirstMonday, kFirstMonday + 7 * kDay});
+    EXPECT_EQ(QuestionsOf(pattern), 0);
+    pattern.ModifiedInstanceCount = 5;
+    EXPECT_EQ(QuestionsOf(pattern), 0) << "a count without its array";
+    SetExceptions(pattern, {Moved(kFirstMonday, 0), Moved(kFirstMonday + 7 * kDay, 0)});
+    EXPECT_EQ(QuestionsOf(pattern), 1);
 }
 
 /// The subject line of a change whose own subject has so many characters.
