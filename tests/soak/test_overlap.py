@@ -112,13 +112,13 @@ class Overlap(SoakCase, ListCase):
 
     def assert_calls_are_done(self, tally, letters):
         """Each kind of call comes to its end. Single ones may fail, and have: what they take may go at that moment (see
-        docs/limits.md), and a connection may be given up for it."""
+        docs/limits.md)."""
         self.assertEqual(set(tally["succeeded"]), set(letters), tally)
         # Where no client takes the session away, every choice is taken.
         if not set(letters) & set("nf"):
             self.assertEqual(tally["chosen"], tally["succeeded"]["i"], tally)
         # A status with the letter of the call behind it.
-        self.assertLessEqual({failure[:-1] for failure in tally["failed"]}, {"998", "1727"}, tally)
+        self.assertLessEqual({failure[:-1] for failure in tally["failed"]}, {"998"}, tally)
         self.assertLessEqual(sum(tally["failed"].values()), 1 + tally["calls"] // 1000, tally)
 
     def assert_harmless(self, letters):
