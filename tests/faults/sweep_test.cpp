@@ -2,9 +2,12 @@
 // the operation ends as documented, nothing is left alive, the store holds the old or the new, and the same
 // operation succeeds right behind it.
 
+#include <algorithm>
 #include <iostream>
 #include <optional>
+#include <span>
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 #include "localstore/recorder.h"
@@ -111,15 +114,18 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         TakeLog();
         const long objects = recorder::LiveObjects();
         const long buffers = recorder::LiveBuffers();
+        recorder::ClearCalls();
+        recorder::Record(Kind().arm == ArmStore);
         Kind().arm(n, forever, code);
         Outcome outcome;
         outcome.result = Op().run(State());
         const bool failed = Kind().disarm();
+        recorder::Record(false);
         outcome.log = TakeLog();
         outcome.complete = !failed;
         outcome.forever = forever;
         if (failed) {
-            Classify(outcome, code);
+            Classify(outcome, n, code);
         }
         m_losses += Count([&] { Op().check(State(), outcome); });
         ExpectLog(outcome.log, outcome.result, outcome.memoryFailed);
@@ -132,16 +138,31 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         }
         return failed;
     }
-    /// Says what it was that failed.
-    static void Classify(Outcome& outcome, std::uint32_t code) {
+    /// Says what it was that failed, from the n-th call on.
+    static void Classify(Outcome& outcome, std::size_t n, std::uint32_t code) {
         const bool lied = code == static_cast<std::uint32_t>(S_OK);
         outcome.documentsFailed = Kind().reachesDocuments;
         outcome.storeFailed = Kind().arm == ArmStore;
         outcome.storeLied = outcome.storeFailed && lied;
         outcome.storeWarned =
             outcome.storeFailed && code == static_cast<std::uint32_t>(MAPI_W_ERRORS_RETURNED);
+        outcome.fileFailed = Kind().name == std::string_view("Files");
         outcome.memoryFailed = Kind().arm == ArmMemory;
         outcome.serviceLied = outcome.documentsFailed && !outcome.memoryFailed && lied;
+        if (outcome.storeFailed) {
+            ClassifyCalls(outcome, n);
+        }
+    }
+    static void ClassifyCalls(Outcome& outcome, std::size_t n) {
+        const std::vector<recorder::Call> calls = recorder::Calls();
+        ASSERT_LE(n, calls.size());
+        const auto failed = std::span(calls).subspan(n - 1, outcome.forever ? std::dynamic_extent : 1);
+        outcome.commitFailed = std::ranges::any_of(failed, [](const recorder::Call& call) {
+            return call.method == "IMessage::SaveChanges" || call.method == "IMAPIFolder::DeleteMessages";
+        });
+        if (!outcome.forever) {
+            outcome.failedCall = failed.front().Text();
+        }
     }
     /// Runs expectations; 1 if one of them was not met.
     template<class Expectations>
