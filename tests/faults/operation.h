@@ -57,7 +57,7 @@ struct Operation {
     /// for an operation of which the result alone says that.
     std::optional<bool> (*succeeded)(const StoreState& state) = nullptr;
     int complete = 0;  ///< its result when nothing fails
-    /// Buffers, objects and process handles that a run may leave by design.
+    /// Buffers, objects and process handles that a run may leave by design, without what prepares it.
     long mostBuffersLeft = 0;
     long mostObjectsLeft = 0;
     long mostHandlesLeft = 0;

@@ -15,6 +15,7 @@
 #include "tests/faults/living.h"
 #include "tests/faults/log_rules.h"
 #include "tests/faults/platform_faults.h"
+#include "tests/faults/preparations.h"
 #include "tests/unit/localstore/scarce_memory.h"
 #include "tests/unit/text_printer.h"
 
@@ -218,7 +219,12 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
             Op().prepare(State());
             RunWithFault(1, false, Kind().codes.front());
         }
-        m_living = LivingBehindCleanRuns();
+        Remember(LivingBehindCleanRuns());
+    }
+    /// Keeps what lives, and how many logons made ready what ran until then.
+    void Remember(const Living& living) {
+        m_living = living;
+        m_logonsMade = State().logonsMade;
     }
     /// What lives behind runs that begin with no message kept by the store.
     Living LivingBehindCleanRuns() {
@@ -259,28 +265,30 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
     void ExpectNothingLeft(std::size_t n, bool forever, std::uint32_t code) {
         Living now = WhatLives();
         long runs = 2;
-        if (!IsWithin(now, m_living, runs)) {
+        if (!IsWithin(now, runs)) {
             // It may be a message that the store keeps: a write whose name was lost makes one of another
             // name.
             now = LivingBehindCleanRuns();
             runs += kRunsToSettle;
         }
-        if (!IsWithin(now, m_living, runs)) {
+        if (!IsWithin(now, runs)) {
             // Or what the platform makes once. Of the same failure it leaves no more then.
-            m_living = now;
+            Remember(now);
             RunWithFault(n, forever, code);
             now = LivingBehindCleanRuns();
             runs = 1 + kRunsToSettle;
         }
-        EXPECT_TRUE(IsWithin(now, m_living, runs))
+        EXPECT_TRUE(IsWithin(now, runs))
             << Where(n, forever, code) << ": " << PrintToString(m_living) << " became " << PrintToString(now);
-        m_living = now;
+        Remember(now);
     }
-    /// Whether no more lives than before and what some runs may leave by design.
-    static bool IsWithin(const Living& now, const Living& before, long runs) {
-        return now.handles <= before.handles + runs * Op().mostHandlesLeft &&
-               now.allocations <= before.allocations + runs * kPerBuffer * Op().mostBuffersLeft &&
-               (Op().savesDocument || now.blocks <= before.blocks);
+    /// Whether no more lives than before and what some runs may leave by design, and the logons that made
+    /// them ready: a logon over a session that fails ends it, so that the next one is prepared by another.
+    bool IsWithin(const Living& now, long runs) {
+        const long handles = runs * Op().mostHandlesLeft + (State().logonsMade - m_logonsMade) * kZoneKeys;
+        return now.handles <= m_living.handles + handles &&
+               now.allocations <= m_living.allocations + runs * kPerBuffer * Op().mostBuffersLeft &&
+               (Op().savesDocument || now.blocks <= m_living.blocks);
     }
     static std::string PrintToString(const Living& living) {
         std::ostringstream text;
@@ -296,6 +304,7 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
     long m_buffersLeft = 0;
     std::optional<LogRules> m_rules;
     Living m_living{};
+    long m_logonsMade = 0;
 };
 
 TEST_P(Faults, EndAsDocumentedAndLoseNothing) {
