@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "localstore/recorder.h"
+#include "tests/faults/clean_logs.h"
 #include "tests/faults/fault_fixture.h"
 #include "tests/faults/living.h"
 #include "tests/faults/log_rules.h"
@@ -127,6 +128,8 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         outcome.forever = forever;
         if (failed) {
             Classify(outcome, n, code);
+        } else {
+            ExpectCleanLog(Op(), State(), outcome.log);
         }
         m_losses += Count([&] { Op().check(State(), outcome); });
         ExpectLog(outcome.log, outcome.result, outcome.memoryFailed);
@@ -182,6 +185,7 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         outcome.complete = true;
         outcome.log = TakeLog();
         EXPECT_EQ(outcome.result, Op().complete);
+        ExpectCleanLog(Op(), State(), outcome.log);
         m_losses += Count([&] { Op().check(State(), outcome); });
         if (m_rules) {
             ExpectLog(outcome.log, outcome.result, false);
