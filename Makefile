@@ -27,7 +27,7 @@ lint: setup  ## the format, cppcheck, clang-tidy and the rules between the rooms
 fuzz: setup  ## each fuzz target for a minute, or for SECONDS=...
 	tools/fuzz.sh $(or $(SECONDS),60)
 
-faults: setup  ## every call of every operation failed in turn, and the table of docs/testing.md
+faults: setup  ## every call of every operation failed in turn, or held, and the table of docs/testing.md
 	tools/faults.sh
 
 coverage: setup  ## which lines of the pure ring its native tests reach, and the table of docs/testing.md

@@ -14,7 +14,6 @@ void SetOldAppointment(NewAppointment& appointment);
 /// kinds of properties.
 CString AppointmentElements();
 
-/// Expects of each property of a message the value that was there, or the one that the document brings, or,
-/// of an element that was not found in it, the one that stands for none; all are new if nothing failed. Of a
-/// message that was added nothing was there.
+/// Expects of each property of a message the value that the document brings, or, of an element that was not
+/// found in it, the one that stands for none, or the one that was there, as far as what failed may leave it.
 void ExpectAppointment(IMessage* message, const StoreState& state, bool wasAdded, const Outcome& outcome);

@@ -14,6 +14,8 @@ void WritePicture(const std::wstring& path);
 /// The elements of a document that bring the details, the picture from a file.
 CString DetailElements(const CString& picture);
 
-/// Expects of each detail the one that was there, or the new one, or none; all are new if nothing failed. Of
-/// a picture that was there nothing need be left: it goes before the new one comes.
-void ExpectDetails(IMessage* message, const Outcome& outcome);
+/// Expects of the texts of a contact, and of its details if it is a full one, what the document brings, or
+/// none where it was not found in it, or what was there, as far as what failed may leave it. Of a picture
+/// that was there nothing need be left: it goes before the new one comes.
+void ExpectContact(IMessage* message, const StoreState& state, bool wasAdded, const Outcome& outcome);
+void ExpectFullContact(IMessage* message, const StoreState& state, bool wasAdded, const Outcome& outcome);

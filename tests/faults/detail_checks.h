@@ -4,6 +4,7 @@
 
 #include <mapidefs.h>
 
+#include <string>
 #include <vector>
 
 #include "support/text.h"
@@ -20,7 +21,39 @@ CString ShownProperty(IMessage* message, ULONG tag);
 CString TimeText(const SYSTEMTIME& utc);
 CString TimeTextOfLocal(const SYSTEMTIME& local);
 
-/// Expects of a property one of the new values, or, unless nothing failed, the one that was there. What
-/// stands there beside the first new value is only for runs in which something failed.
-void ExpectOldOrNew(IMessage* message, ULONG tag, const CString& old, const std::vector<CString>& fresh,
-                    const Outcome& outcome);
+/// Looks at the properties of a message, which was added or else changed, one by one. Nothing that failed may
+/// leave more than it has to do with: a call of the store the property that it names, and memory one at most,
+/// or none where it failed in the document already. Behind the first failure all others may fail as well.
+class WrittenProperties {
+  public:
+    WrittenProperties(IMessage* message, bool wasAdded, bool isDocumentWhole, const Outcome& outcome);
+
+    [[nodiscard]] IMessage* Message() const { return m_message; }
+    [[nodiscard]] bool WasAdded() const { return m_wasAdded; }
+
+    /// Expects the new value, or the old one if it may be left. One that is written twice has the value
+    /// `between` behind a failure of the second time.
+    void Tagged(ULONG tag, const CString& old, const CString& fresh);
+    void Named(LONG id, ULONG type, const CString& old, const CString& fresh,
+               const CString& between = CString());
+    /// The same of a new message alone; one that is changed keeps its value.
+    void OfNew(ULONG tag, const CString& old, const CString& fresh);
+    void NamedOfNew(LONG id, ULONG type, const CString& old, const CString& fresh);
+    /// The class, in place of which the store gives a new message that of mail.
+    void Class(const CString& fresh);
+    void Categories(const CString& fresh);
+
+    /// True if something may be as it was that belongs to calls of the store with one of these words in them.
+    bool MayBeLeft(const std::vector<std::string>& words);
+
+  private:
+    void Expect(ULONG tag, const std::vector<std::string>& words, const std::vector<CString>& left,
+                const CString& fresh);
+    /// What was there before: nothing in a new message.
+    [[nodiscard]] CString Old(const CString& old) const { return m_wasAdded ? CString(kNoValue) : old; }
+
+    IMessage* m_message;
+    bool m_wasAdded;
+    const Outcome* m_outcome;
+    bool m_mayMemoryLeaveOne;
+};

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "localstore/recorder.h"
+#include "tests/faults/clean_logs.h"
 #include "tests/faults/fault_fixture.h"
 
 namespace {
@@ -75,6 +76,7 @@ class Hang : public FaultTest, public testing::WithParamInterface<Operation> {
         clean.complete = true;
         clean.log = TakeLog();
         EXPECT_EQ(clean.result, GetParam().complete);
+        ExpectCleanLog(GetParam(), State(), clean.log);
         GetParam().check(State(), clean);
         ++m_runs;
     }

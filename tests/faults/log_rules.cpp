@@ -85,17 +85,6 @@ constexpr FailureLine kFailureLines[] = {
     {L"ReadCalendars", 3, L"MAPISendBackOneCalenda Excetipion"},
 };
 
-/// True if a text is made as a pattern with at most one star says.
-bool IsLike(WideView text, WideView pattern) {
-    const std::size_t star = pattern.find(L'*');
-    if (star == WideView::npos) {
-        return text == pattern;
-    }
-    const WideView first = pattern.substr(0, star);
-    const WideView last = pattern.substr(star + 1);
-    return text.size() >= first.size() + last.size() && text.starts_with(first) && text.ends_with(last);
-}
-
 WideView WithoutLineEnd(WideView text) {
     return text.ends_with(L"\r\n") ? text.substr(0, text.size() - 2) : text;
 }
@@ -112,6 +101,16 @@ bool IsSameBeforeTheValue(const LogLine& a, const LogLine& b) {
 }
 
 }  // namespace
+
+bool IsLike(WideView text, WideView pattern) {
+    const std::size_t star = pattern.find(L'*');
+    if (star == WideView::npos) {
+        return text == pattern;
+    }
+    const WideView first = pattern.substr(0, star);
+    const WideView last = pattern.substr(star + 1);
+    return text.size() >= first.size() + last.size() && text.starts_with(first) && text.ends_with(last);
+}
 
 LogRules::LogRules(const Operation& operation, LogLines clean)
     : m_operation(CString(operation.firstLine)), m_clean(std::move(clean)) {}

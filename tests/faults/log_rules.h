@@ -7,6 +7,9 @@
 #include "tests/faults/operation.h"
 #include "tests/unit/recorded_log.h"
 
+/// True if a text is made as a pattern with at most one star says, which stands for any text.
+bool IsLike(WideView text, WideView pattern);
+
 /// The lines of a run without failures, which those of any other run are held against.
 class LogRules {
   public:

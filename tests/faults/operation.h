@@ -4,6 +4,7 @@
 
 #include <iosfwd>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "tests/faults/store_state.h"
@@ -18,10 +19,16 @@ struct Outcome {
     bool storeWarned = false;
     /// A call of the store failed, one that lied or warned among it.
     bool storeFailed = false;
+    /// What failed of the store, as it was called, if it was one call alone.
+    std::string failedCall;
+    /// The save of a message or the deletion was among what failed of the store.
+    bool commitFailed = false;
     /// Memory or the document service failed, so documents may lack something.
     bool documentsFailed = false;
     /// Memory failed, so that the log may lack lines.
     bool memoryFailed = false;
+    /// A file failed, that of a picture or one of the store's.
+    bool fileFailed = false;
     /// The document service or another part of COM said that a call was made, and did nothing.
     bool serviceLied = false;
     /// Every call behind the first one that failed did so too.
@@ -50,7 +57,7 @@ struct Operation {
     /// for an operation of which the result alone says that.
     std::optional<bool> (*succeeded)(const StoreState& state) = nullptr;
     int complete = 0;  ///< its result when nothing fails
-    /// Buffers, objects and process handles that a run may leave by design.
+    /// Buffers, objects and process handles that a run may leave by design, without what prepares it.
     long mostBuffersLeft = 0;
     long mostObjectsLeft = 0;
     long mostHandlesLeft = 0;

@@ -50,6 +50,9 @@ class StoreState {
 
     void RememberFolders();
 
+    /// Logons with which operations were prepared. Each leaves the keys of the zones as one that is run does.
+    long logonsMade = 0;
+
     /// True if the map of a kind is the one of the beginning.
     [[nodiscard]] bool MapIsOld(const CString& map) const;
     /// True if it is, or knows all items that there are and none besides.

@@ -2,16 +2,21 @@
 // the operation ends as documented, nothing is left alive, the store holds the old or the new, and the same
 // operation succeeds right behind it.
 
+#include <algorithm>
 #include <iostream>
 #include <optional>
+#include <span>
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 #include "localstore/recorder.h"
+#include "tests/faults/clean_logs.h"
 #include "tests/faults/fault_fixture.h"
 #include "tests/faults/living.h"
 #include "tests/faults/log_rules.h"
 #include "tests/faults/platform_faults.h"
+#include "tests/faults/preparations.h"
 #include "tests/unit/localstore/scarce_memory.h"
 #include "tests/unit/text_printer.h"
 
@@ -111,15 +116,20 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         TakeLog();
         const long objects = recorder::LiveObjects();
         const long buffers = recorder::LiveBuffers();
+        recorder::ClearCalls();
+        recorder::Record(Kind().arm == ArmStore);
         Kind().arm(n, forever, code);
         Outcome outcome;
         outcome.result = Op().run(State());
         const bool failed = Kind().disarm();
+        recorder::Record(false);
         outcome.log = TakeLog();
         outcome.complete = !failed;
         outcome.forever = forever;
         if (failed) {
-            Classify(outcome, code);
+            Classify(outcome, n, code);
+        } else {
+            ExpectCleanLog(Op(), State(), outcome.log);
         }
         m_losses += Count([&] { Op().check(State(), outcome); });
         ExpectLog(outcome.log, outcome.result, outcome.memoryFailed);
@@ -132,16 +142,31 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         }
         return failed;
     }
-    /// Says what it was that failed.
-    static void Classify(Outcome& outcome, std::uint32_t code) {
+    /// Says what it was that failed, from the n-th call on.
+    static void Classify(Outcome& outcome, std::size_t n, std::uint32_t code) {
         const bool lied = code == static_cast<std::uint32_t>(S_OK);
         outcome.documentsFailed = Kind().reachesDocuments;
         outcome.storeFailed = Kind().arm == ArmStore;
         outcome.storeLied = outcome.storeFailed && lied;
         outcome.storeWarned =
             outcome.storeFailed && code == static_cast<std::uint32_t>(MAPI_W_ERRORS_RETURNED);
+        outcome.fileFailed = Kind().name == std::string_view("Files");
         outcome.memoryFailed = Kind().arm == ArmMemory;
         outcome.serviceLied = outcome.documentsFailed && !outcome.memoryFailed && lied;
+        if (outcome.storeFailed) {
+            ClassifyCalls(outcome, n);
+        }
+    }
+    static void ClassifyCalls(Outcome& outcome, std::size_t n) {
+        const std::vector<recorder::Call> calls = recorder::Calls();
+        ASSERT_LE(n, calls.size());
+        const auto failed = std::span(calls).subspan(n - 1, outcome.forever ? std::dynamic_extent : 1);
+        outcome.commitFailed = std::ranges::any_of(failed, [](const recorder::Call& call) {
+            return call.method == "IMessage::SaveChanges" || call.method == "IMAPIFolder::DeleteMessages";
+        });
+        if (!outcome.forever) {
+            outcome.failedCall = failed.front().Text();
+        }
     }
     /// Runs expectations; 1 if one of them was not met.
     template<class Expectations>
@@ -160,6 +185,7 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         outcome.complete = true;
         outcome.log = TakeLog();
         EXPECT_EQ(outcome.result, Op().complete);
+        ExpectCleanLog(Op(), State(), outcome.log);
         m_losses += Count([&] { Op().check(State(), outcome); });
         if (m_rules) {
             ExpectLog(outcome.log, outcome.result, false);
@@ -197,7 +223,12 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
             Op().prepare(State());
             RunWithFault(1, false, Kind().codes.front());
         }
-        m_living = LivingBehindCleanRuns();
+        Remember(LivingBehindCleanRuns());
+    }
+    /// Keeps what lives, and how many logons made ready what ran until then.
+    void Remember(const Living& living) {
+        m_living = living;
+        m_logonsMade = State().logonsMade;
     }
     /// What lives behind runs that begin with no message kept by the store.
     Living LivingBehindCleanRuns() {
@@ -238,28 +269,30 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
     void ExpectNothingLeft(std::size_t n, bool forever, std::uint32_t code) {
         Living now = WhatLives();
         long runs = 2;
-        if (!IsWithin(now, m_living, runs)) {
+        if (!IsWithin(now, runs)) {
             // It may be a message that the store keeps: a write whose name was lost makes one of another
             // name.
             now = LivingBehindCleanRuns();
             runs += kRunsToSettle;
         }
-        if (!IsWithin(now, m_living, runs)) {
+        if (!IsWithin(now, runs)) {
             // Or what the platform makes once. Of the same failure it leaves no more then.
-            m_living = now;
+            Remember(now);
             RunWithFault(n, forever, code);
             now = LivingBehindCleanRuns();
             runs = 1 + kRunsToSettle;
         }
-        EXPECT_TRUE(IsWithin(now, m_living, runs))
+        EXPECT_TRUE(IsWithin(now, runs))
             << Where(n, forever, code) << ": " << PrintToString(m_living) << " became " << PrintToString(now);
-        m_living = now;
+        Remember(now);
     }
-    /// Whether no more lives than before and what some runs may leave by design.
-    static bool IsWithin(const Living& now, const Living& before, long runs) {
-        return now.handles <= before.handles + runs * Op().mostHandlesLeft &&
-               now.allocations <= before.allocations + runs * kPerBuffer * Op().mostBuffersLeft &&
-               (Op().savesDocument || now.blocks <= before.blocks);
+    /// Whether no more lives than before and what some runs may leave by design, and the logons that made
+    /// them ready: a logon over a session that fails ends it, so that the next one is prepared by another.
+    bool IsWithin(const Living& now, long runs) {
+        const long handles = runs * Op().mostHandlesLeft + (State().logonsMade - m_logonsMade) * kZoneKeys;
+        return now.handles <= m_living.handles + handles &&
+               now.allocations <= m_living.allocations + runs * kPerBuffer * Op().mostBuffersLeft &&
+               (Op().savesDocument || now.blocks <= m_living.blocks);
     }
     static std::string PrintToString(const Living& living) {
         std::ostringstream text;
@@ -275,6 +308,7 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
     long m_buffersLeft = 0;
     std::optional<LogRules> m_rules;
     Living m_living{};
+    long m_logonsMade = 0;
 };
 
 TEST_P(Faults, EndAsDocumentedAndLoseNothing) {
