@@ -7,6 +7,10 @@
 
 namespace bench {
 
+/// The elements before which the agent looks into the document.
+constexpr const wchar_t* kExceptionsElement = L"ExceptionRule";
+constexpr const wchar_t* kCalendarKindElement = L"lCalType";
+
 struct Attribute {
     std::wstring name;
     std::wstring value;

@@ -55,7 +55,7 @@ std::vector<ItemDate> DatesOf(const DocumentParts& parts) {
             if (part.name != element.name || part.text.empty()) {
                 continue;
             }
-            dates.push_back({StoredTime(part.text, element.format), element.format});
+            dates.push_back({StoredTime(part.text, element.format), element.name, element.format});
             if (TextOf(dates.back()) != part.text) {
                 throw std::runtime_error("a date that was converted again is another one");
             }

@@ -11,9 +11,10 @@
 
 namespace bench {
 
-/// A moment in UTC, and the form of its text in the document.
+/// A moment in UTC, the element of the document that tells it, and the form of its text there.
 struct ItemDate {
     FILETIME utc;
+    const wchar_t* element;
     const wchar_t* format;
 };
 
