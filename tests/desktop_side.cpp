@@ -10,6 +10,7 @@
 #include "callback.h"
 #include "command.h"
 #include "support/rpc_endpoints.h"
+#include "tests/rpc_binding.h"
 
 namespace {
 
@@ -32,11 +33,5 @@ void ServeCallbacks() {
 }
 
 void BindToAgent() {
-    RPC_WSTR text = nullptr;
-    Require(RpcStringBindingComposeW(nullptr, RpcText(kProtocolSequence), nullptr, RpcText(kCommandEndpoint),
-                                     nullptr, &text),
-            "RpcStringBindingCompose");
-    const RPC_STATUS status = RpcBindingFromStringBindingW(text, &g_hAgentBinding);
-    RpcStringFreeW(&text);
-    Require(status, "RpcBindingFromStringBinding");
+    Require(MakeBinding(kCommandEndpoint, &g_hAgentBinding), "the binding");
 }

@@ -1,16 +1,11 @@
 #include "direct_document.h"
 
 #include "require_result.h"
+#include "tests/xml_document.h"
 
 namespace bench {
 
 namespace {
-
-// The document class that the agent uses and its interfaces.
-constexpr CLSID kDocumentClass = {
-    0x2933BF90, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
-constexpr IID kDocumentInterface = {
-    0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
 Bstr MakeBstr(const std::wstring& text) {
     Bstr result(SysAllocStringLen(text.data(), static_cast<UINT>(text.size())));
@@ -41,18 +36,11 @@ void AppendElement(IXMLDOMDocument* document, IXMLDOMElement* root, const Elemen
 
 ComPtr<IXMLDOMDocument> MakeDocument() {
     ComPtr<IXMLDOMDocument> document;
-    RequireResult(CoCreateInstance(kDocumentClass, nullptr, CLSCTX_INPROC_SERVER, kDocumentInterface,
-                                   reinterpret_cast<void**>(document.GetAddressOf())),
-                  "CoCreateInstance");
+    RequireResult(MakeXmlDocument(document), "CoCreateInstance");
     document->put_resolveExternals(VARIANT_FALSE);
     document->put_async(VARIANT_FALSE);
     document->put_validateOnParse(VARIANT_FALSE);
-    ComPtr<IXMLDOMProcessingInstruction> declaration;
-    RequireResult(
-        document->createProcessingInstruction(
-            MakeBstr(L"xml").Get(), MakeBstr(L"version='1.0' encoding='utf-8'").Get(), &declaration),
-        "createProcessingInstruction");
-    RequireResult(document->appendChild(declaration.Get(), nullptr), "appendChild of the declaration");
+    RequireResult(AppendDeclaration(document.Get()), "the declaration");
     return document;
 }
 

@@ -2,23 +2,16 @@
 
 #include <windows.h>
 
-// Behind the base headers.
-#include <msxml2.h>
-
 #include <cstddef>
 #include <cstring>
 #include <utility>
 
 #include "support/owners.h"
 #include "tests/faults/platform_faults.h"
+#include "tests/xml_document.h"
 
 namespace {
 
-/// The class of documents that every Windows has.
-constexpr CLSID kDocumentClass = {
-    0x2933BF90, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
-constexpr IID kDocumentInterface = {
-    0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 constexpr IID kElementInterface = {
     0x2933BF86, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
@@ -140,20 +133,13 @@ bool InstallAll(const Installer (&methods)[Count], IUnknown* object) {
     return all;
 }
 
-ComPtr<IXMLDOMDocument> MakeDocument() {
-    ComPtr<IXMLDOMDocument> document;
-    CoCreateInstance(kDocumentClass, nullptr, CLSCTX_INPROC_SERVER, kDocumentInterface,
-                     reinterpret_cast<void**>(document.GetAddressOf()));
-    return document;
-}
-
 }  // namespace
 
 int InstallDocumentFaults() {
-    const ComPtr<IXMLDOMDocument> document = MakeDocument();
+    ComPtr<IXMLDOMDocument> document;
     ComPtr<IXMLDOMElement> element;
     const Bstr name(SysAllocString(L"Contact"));
-    if (!document || FAILED(document->createElement(name.Get(), &element))) {
+    if (MakeXmlDocument(document) != S_OK || FAILED(document->createElement(name.Get(), &element))) {
         return 0;
     }
     const bool all =
@@ -166,11 +152,8 @@ long HeadersMade() {
 }
 
 void MakeHeader() {
-    const ComPtr<IXMLDOMDocument> document = MakeDocument();
-    const Bstr target(SysAllocString(L"xml"));
-    const Bstr data(SysAllocString(L"version='1.0' encoding='utf-8'"));
-    ComPtr<IXMLDOMProcessingInstruction> header;
-    if (document && document->createProcessingInstruction(target.Get(), data.Get(), &header) == S_OK) {
-        document->appendChild(header.Get(), nullptr);
+    ComPtr<IXMLDOMDocument> document;
+    if (MakeXmlDocument(document) == S_OK) {
+        AppendDeclaration(document.Get());
     }
 }

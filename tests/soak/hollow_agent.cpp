@@ -6,7 +6,6 @@
 
 #include <windows.h>
 
-#include <msxml2.h>
 #include <rpc.h>
 
 #include <cstdio>
@@ -19,14 +18,12 @@
 #include "support/owners.h"
 #include "support/rpc_endpoints.h"
 #include "support/rpc_guard.h"
+#include "tests/rpc_binding.h"
+#include "tests/xml_document.h"
 
 namespace {
 
 constexpr unsigned kMaxCalls = 1234;
-constexpr CLSID kDocumentClass = {
-    0x2933BF90, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
-constexpr IID kDocumentInterface = {
-    0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
 /// The items of a kind: as many as there were at the start, and what changed since they were asked for.
 struct Kind {
@@ -63,9 +60,7 @@ class Com {
 
 ComPtr<IXMLDOMDocument> MakeDocument() {
     ComPtr<IXMLDOMDocument> document;
-    Require(CoCreateInstance(kDocumentClass, nullptr, CLSCTX_INPROC_SERVER, kDocumentInterface,
-                             reinterpret_cast<void**>(document.GetAddressOf())) == S_OK,
-            "CoCreateInstance");
+    Require(MakeXmlDocument(document) == S_OK, "CoCreateInstance");
     document->put_async(VARIANT_FALSE);
     return document;
 }
@@ -84,12 +79,7 @@ void Keep() {
 Bstr MakeText() {
     Keep();
     const ComPtr<IXMLDOMDocument> document = MakeDocument();
-    ComPtr<IXMLDOMProcessingInstruction> declaration;
-    Require(document->createProcessingInstruction(MakeBstr(L"xml").Get(),
-                                                  MakeBstr(L"version='1.0' encoding='utf-8'").Get(),
-                                                  &declaration) == S_OK &&
-                document->appendChild(declaration.Get(), nullptr) == S_OK,
-            "the declaration");
+    Require(AppendDeclaration(document.Get()) == S_OK, "the declaration");
     ComPtr<IXMLDOMElement> root;
     Require(document->createElement(MakeBstr(L"Item").Get(), &root) == S_OK &&
                 document->appendChild(root.Get(), nullptr) == S_OK,
@@ -172,18 +162,6 @@ long Write(Kind& kind, const wchar_t* xml, const Outputs& outputs) {
     return StatusOf([&] { kind.changed += FlagOf(xml) == kChange ? 0U : 1U; });
 }
 
-/// Each logon makes a binding, and none is let go: that is how the agent's logons are to be.
-bool Bind() {
-    RPC_WSTR text = nullptr;
-    RPC_STATUS status = RpcStringBindingComposeW(nullptr, RpcText(kProtocolSequence), nullptr,
-                                                 RpcText(kCallbackEndpoint), nullptr, &text);
-    if (status == RPC_S_OK) {
-        status = RpcBindingFromStringBindingW(text, &g_hOutlookBinding);
-        RpcStringFreeW(&text);
-    }
-    return status == RPC_S_OK;
-}
-
 }  // namespace
 
 void Shutdown() {}
@@ -191,7 +169,8 @@ void Shutdown() {}
 void Stop() {}
 
 void MAPILogOn(wchar_t* /*profile*/, long* status) {
-    *status = Bind() ? 0 : 1;
+    // Each logon makes a binding, and none is let go: that is how the agent's logons are to be.
+    *status = MakeBinding(kCallbackEndpoint, &g_hOutlookBinding) == RPC_S_OK ? 0 : 1;
 }
 
 void MAPILogOff() {}

@@ -22,8 +22,12 @@ class SoakCase(harness.Case):
         super().setUp()
         self.place.settings(subfolder="true")
         self.place.folder("Work/Mail/Calendar")
-        self.place.make_contacts([[tag_line("3A06001F", f"Ada {number}")] for number in range(self.ITEMS)])
-        self.place.make_items(appointment(f"Review {number}") for number in range(self.ITEMS))
+        self.make_items("Ada", "Review")
+
+    def make_items(self, contact, subject):
+        """Makes items of each kind in the default folders, whose names end with numbers."""
+        self.place.make_contacts([[tag_line("3A06001F", f"{contact} {number}")] for number in range(self.ITEMS)])
+        self.place.make_items(appointment(f"{subject} {number}") for number in range(self.ITEMS))
 
     def start_hollow_agent(self, kept=0):
         """Starts what the agent stands on without the agent, which serves as many items. For each document it keeps some bytes."""

@@ -35,7 +35,8 @@ constexpr const char* kUsage =
     "times\n"
     "stress_client MAP-PREFIX logon PROGRAM ROUNDS        logons and logoffs alone\n"
     "stress_client MAP-PREFIX stop ROUNDS SEED            Stop at any moment of a read of each kind\n"
-    "stress_client MAP-PREFIX overlap SECONDS CLIENTS SEED [LETTERS]   everything at once, or some calls\n"
+    "stress_client MAP-PREFIX overlap SECONDS CLIENTS SEED LETTERS CONTACTS CALENDARS   calls at once\n"
+    "CONTACTS and CALENDARS are the identifiers of the folders that the letter i chooses.\n"
     "PROGRAM is the one that serves the calls, whose figures are told behind each round\n";
 
 std::atomic<unsigned long> g_documents = 0;
@@ -43,6 +44,8 @@ std::atomic<unsigned long> g_documents = 0;
 /// none.
 std::atomic<unsigned long> g_held = 0;
 std::atomic<bool> g_stopSaid = false;
+/// How often folders were chosen by their identifiers.
+std::atomic<unsigned long> g_chosen = 0;
 std::wstring g_mapPrefix;
 
 void PrintFigures(const std::wstring& program, unsigned long round) {
@@ -205,14 +208,22 @@ void TakeDocument() {
     }
 }
 
+/// What became of a read and of the Stop that was said beside it.
+struct StoppedRead {
+    long status = -1;
+    unsigned long documents = 0;  ///< that arrived in all
+    bool isStopSaid = false;
+    unsigned long there = 0;  ///< documents that had arrived when Stop had returned
+};
+
 /// Reads while another thread says Stop once `after` documents are there, of which the last one waits for
-/// that if it is held. Returns the status of the read, which is 1 if it was stopped and 0 if it had come to
-/// its end.
-long StopRead(const Kind& kind, unsigned long after, bool isHeld) {
+/// that if it is held.
+StoppedRead StopRead(const Kind& kind, unsigned long after, bool isHeld) {
     g_documents = 0;
     g_held = isHeld ? after : 0;
     g_stopSaid = false;
     std::atomic<bool> ended = false;
+    StoppedRead read;
     std::thread stopper([&] {
         while (g_documents < after && !ended) {
             Sleep(0);
@@ -220,13 +231,38 @@ long StopRead(const Kind& kind, unsigned long after, bool isHeld) {
         // Behind the end it would only be kept for the next read, which then brings nothing.
         if (!ended) {
             GuardedRpc([] { Stop(); });
+            read.there = g_documents;
             g_stopSaid = true;
         }
     });
-    const long status = Read(kind.read, L"");
+    read.status = Read(kind.read, L"");
     ended = true;
     stopper.join();
-    return status;
+    read.documents = g_documents;
+    read.isStopSaid = g_stopSaid;
+    return read;
+}
+
+/// Whether a read went as the agent has it, which looks for a Stop in front of each item: what it has begun
+/// with when Stop returns still comes, nothing else does, and only a read of all gives 0.
+bool IsAsDocumented(const StoppedRead& read, unsigned long items, bool isHeld, bool stopIsKept) {
+    if (stopIsKept && read.status == 1 && read.documents == 0) {
+        return true;
+    }
+    // The item behind the one that is held is not begun with before Stop has returned.
+    const unsigned long most = read.there + (isHeld ? 0 : 1);
+    return read.status == (read.documents == items ? 0 : 1) &&
+           (read.isStopSaid ? read.documents <= most : read.documents == items);
+}
+
+void RequireAsDocumented(const StoppedRead& read, unsigned long items, bool isHeld, bool stopIsKept) {
+    if (!IsAsDocumented(read, items, isHeld, stopIsKept)) {
+        const std::string stop =
+            read.isStopSaid ? "when Stop had returned " + std::to_string(read.there) : "without Stop";
+        throw std::runtime_error("a read of " + std::to_string(items) + " gives " +
+                                 std::to_string(read.status) + " with " + std::to_string(read.documents) +
+                                 " documents, " + stop + (isHeld ? ", the last of them held" : ""));
+    }
 }
 
 /// A Stop that came behind the end of a read is kept for the next one, of whatever kind, which then brings
@@ -236,27 +272,21 @@ void StopReads(const Kind& kind, unsigned long rounds, unsigned seed, bool& stop
     const auto items = static_cast<unsigned long>(Count(kind.count));
     unsigned long stopped = 0;
     unsigned long held = 0;
+    unsigned long elsewhere = 0;
     for (unsigned long round = 0; round < rounds; ++round) {
         const unsigned long after = random() % (items + 2);
         // Half of the reads are in the middle of a document when Stop is said, and end behind it.
         const bool isHeld = random() % 2 == 0 && after > 0 && after < items && !stopIsKept;
-        const long status = StopRead(kind, after, isHeld);
-        const unsigned long documents = g_documents;
-        bool asDocumented = status == 0 ? documents == items
-                                        : status == 1 && (stopIsKept || (g_stopSaid && documents >= after));
-        if (isHeld) {
-            asDocumented = status == 1 && documents == after;
-        }
-        if (!asDocumented) {
-            throw std::runtime_error("a read to be stopped after " + std::to_string(after) + " gives " +
-                                     std::to_string(status) + " with " + std::to_string(documents) +
-                                     " documents");
-        }
-        stopped += status == 1 ? 1 : 0;
+        const StoppedRead read = StopRead(kind, after, isHeld);
+        RequireAsDocumented(read, items, isHeld, stopIsKept);
+        stopped += read.status == 1 ? 1 : 0;
         held += isHeld ? 1 : 0;
-        stopIsKept = g_stopSaid && (status == 0 || stopIsKept);
+        // The others in which Stop returned so early that the read could not come to its end any more.
+        elsewhere += read.isStopSaid && !isHeld && !stopIsKept && read.there + 1 < items ? 1 : 0;
+        stopIsKept = read.isStopSaid && (read.status == 0 || (stopIsKept && read.documents == 0));
     }
-    std::printf("stop %lu of %lu reads, %lu in a document\n", stopped, rounds, held);
+    std::printf("stop %lu of %lu reads, %lu in a document, %lu elsewhere\n", stopped, rounds, held,
+                elsewhere);
 }
 
 void StopAllReads(unsigned long rounds, unsigned seed) {
@@ -271,11 +301,21 @@ void StopAllReads(unsigned long rounds, unsigned seed) {
 /// What GetContactFolder takes, no more and no less. GetCalendarFolder takes the first of them.
 constexpr std::size_t kFolderUnits = 3000;
 
-/// Every call, by a letter; what has none of its own is a write, which comes more often than the rest.
-constexpr std::wstring_view kAllCalls = L"nfFPgscrmSwww";
+/// A choice of both folders, as the two calls take it.
+struct FolderChoice {
+    std::wstring contacts;
+    std::wstring calendars;
+};
 
-/// The call of a letter, as a client makes it that keeps to no rule. What it gives does not matter.
-void CallAnything(wchar_t call, const Kind& kind) {
+/// Whether the agent took both choices.
+bool Choose(const FolderChoice& choice) {
+    const long contacts = CallWithText(SetContactFolder, choice.contacts);
+    return CallWithText(SetCalendarFolder, choice.calendars) == 0 && contacts == 0;
+}
+
+/// The call of a letter, as a client makes it that keeps to no rule. What it gives does not matter. What has
+/// no letter of its own is a write.
+void CallAnything(wchar_t call, const Kind& kind, const FolderChoice& otherFolders) {
     switch (call) {
         case L'n':
             CallWithText(MAPILogOn, L"");
@@ -296,8 +336,10 @@ void CallAnything(wchar_t call, const Kind& kind) {
             break;
         }
         case L's':
-            CallWithText(SetContactFolder, L"");
-            CallWithText(SetCalendarFolder, L"");
+            Choose({});
+            break;
+        case L'i':
+            g_chosen += Choose(otherFolders) ? 1 : 0;
             break;
         case L'c':
             Count(kind.count);
@@ -335,16 +377,22 @@ struct Tally {
     }
 };
 
+/// The calls that the clients make, each the more often the more often its letter stands there.
+struct Calls {
+    std::wstring letters;
+    FolderChoice otherFolders;
+};
+
 /// One client's calls until a time comes.
-void CallAtRandom(ULONGLONG end, unsigned seed, std::wstring_view letters, Tally& tally) {
+void CallAtRandom(ULONGLONG end, unsigned seed, const Calls& all, Tally& tally) {
     std::mt19937 random(seed);
     unsigned long calls = 0;
     bool isAgentThere = true;
     while (isAgentThere && GetTickCount64() < end) {
         ++calls;
-        const wchar_t call = letters[random() % letters.size()];
+        const wchar_t call = all.letters[random() % all.letters.size()];
         try {
-            CallAnything(call, kKinds[random() % 2]);
+            CallAnything(call, kKinds[random() % 2], all.otherFolders);
             tally.Add(tally.succeeded, call);
         } catch (const RpcFailure& failure) {
             tally.Add(tally.failed, {static_cast<unsigned long>(failure.Status()), call});
@@ -358,18 +406,27 @@ void CallAtRandom(ULONGLONG end, unsigned seed, std::wstring_view letters, Tally
     tally.calls += calls;
 }
 
-void Overlap(unsigned long seconds, unsigned long clients, unsigned seed, std::wstring_view letters) {
+/// Adds an item of each kind to the other folders and then lets the clients loose.
+void Overlap(unsigned long seconds, unsigned long clients, unsigned seed, const Calls& all) {
+    // In the midst of the others the choice is often refused, for want of a session.
+    LogOn();
+    if (!Choose(all.otherFolders)) {
+        throw std::runtime_error("the other folders are refused");
+    }
+    for (const Kind& kind : kKinds) {
+        Add(kind);
+    }
     Tally tally;
     const ULONGLONG end = GetTickCount64() + seconds * 1000ULL;
     std::vector<std::thread> threads;
     threads.reserve(clients);
     for (unsigned long client = 0; client < clients; ++client) {
-        threads.emplace_back([&, client] { CallAtRandom(end, seed + client, letters, tally); });
+        threads.emplace_back([&, client] { CallAtRandom(end, seed + client, all, tally); });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
-    std::printf("calls %lu\n", tally.calls);
+    std::printf("calls %lu\nchosen %lu\n", tally.calls, g_chosen.load());
     for (const auto& [call, count] : tally.succeeded) {
         std::printf("succeeded %lc %lu\n", static_cast<wint_t>(call), count);
     }
@@ -395,7 +452,8 @@ void Run(const std::vector<std::wstring>& words) {
     } else if (mode == L"stop") {
         StopAllReads(number(2), number(3));
     } else if (mode == L"overlap") {
-        Overlap(number(2), number(3), number(4), words.size() > 5 ? std::wstring_view(words[5]) : kAllCalls);
+        const FolderChoice others{L"<id>" + word(6) + L"</id>", L"<id><event>" + word(7) + L"</event></id>"};
+        Overlap(number(2), number(3), number(4), {word(5), others});
     } else {
         throw std::invalid_argument(kUsage);
     }

@@ -10,6 +10,7 @@ import subprocess
 import unittest
 
 from soak_case import FULL, SEED, SoakCase, harness
+from list_case import ListCase
 
 ROUNDS = 6 if FULL else 1
 SECONDS = 60 if FULL else 3
@@ -17,9 +18,28 @@ CLIENTS = 8
 OPTIONS = r"HKLM\Software\Microsoft\Windows NT\CurrentVersion\Image File Execution Options" "\\"
 # Fills what lies behind blocks and what is freed.
 HEAP_FILLING = "0x70"
+# Of each kind, the element of an item's name, what the clients add, and its folders with the names of their items.
+KINDS = {
+    "contacts": ("FirstName", "Ada", {"Contacts": "Bea", "Others": "Ada"}),
+    "calendars": ("Description", "Review", {"Calendar": "Meeting", "Plans": "Review"}),
+}
+OTHER_CLASSES = {"Others": "IPF.Contact", "Plans": "IPF.Appointment"}
 
 
-class Overlap(SoakCase):
+class Overlap(SoakCase, ListCase):
+    def setUp(self):
+        """Besides the default folders there is another one of each kind, not below them, which the clients choose too."""
+        super().setUp()
+        self.place.settings(XMLPath=self.xml_path, subfolder="true")
+        for _, _, folders in KINDS.values():
+            default, other = map(self.place.folder, (f"Work/Mail/{name}" for name in folders))
+            (other / "folder.ini").write_text(f"[Folder]\r\nClass={OTHER_CLASSES[other.name]}\r\n")
+            for file in default.glob("*.msg"):
+                file.rename(other / file.name)
+        self.make_items("Bea", "Meeting")
+        self.identifiers = {name: self.identifier("Mail", name) for *_, folders in KINDS.values() for name in folders}
+        self.desktop("shutdown")
+
     @contextlib.contextmanager
     def heap_filling(self, program):
         """Has the system fill the heaps of the processes of a program that start meanwhile."""
@@ -39,9 +59,9 @@ class Overlap(SoakCase):
     def reg(self, *words):
         self.assert_exit(self.place.start(self.place.drive_c() / "windows/system32/reg.exe", *words))
 
-    def names(self, kind, element):
-        """How often each name comes in a read by an agent of its own."""
-        documents = self.place.read_with_desktop(kind=kind)
+    def names(self, kind, element, folder):
+        """How often each name comes in a read of a folder by an agent of its own."""
+        documents = self.place.read_with_desktop("--folder", self.identifiers[folder], kind=kind)
         found = {}
         for document in documents.values():
             name = re.search(f"<{element}>([^<]*)</{element}>", document.decode("utf-8"))[1]
@@ -49,19 +69,22 @@ class Overlap(SoakCase):
         return found
 
     def assert_store_is_whole(self):
-        """Each item that nobody wrote is there once, and nothing else but what the clients add."""
-        self.assertEqual(self.place.run_desktop("shutdown")[0], 0)
-        for kind, element, text, added in (("contacts", "FirstName", "Ada", "Ada"),
-                                           ("calendars", "Description", "Review", "Review")):
-            found = self.names(kind, element)
-            found.pop(added, None)
-            self.assertEqual(found, {f"{text} {number}": 1 for number in range(self.ITEMS)})
+        """Each item that nobody wrote is once in its folder, and nothing else but what the clients add."""
+        for kind, (element, added, folders) in KINDS.items():
+            for folder, text in folders.items():
+                found = self.names(kind, element, folder)
+                # The first items are added to the other folders while nothing else is done.
+                self.assertGreaterEqual(found.pop(added, 0), int(folder in OTHER_CLASSES), folder)
+                self.assertEqual(found, {f"{text} {number}": 1 for number in range(self.ITEMS)}, folder)
+        # The next clients are to find the agent that is started for them.
+        self.desktop("shutdown")
 
     def overlap(self, seed, letters):
         """Lets the clients loose on an agent of its own, with the calls of some letters."""
         with self.heap_filling(harness.AGENT):
             agent = self.place.start_agent(FENNIC64_LEVEL="3")
-        clients = self.start_stress("overlap", str(SECONDS), str(CLIENTS), str(seed), letters)
+        clients = self.start_stress("overlap", str(SECONDS), str(CLIENTS), str(seed), letters,
+                                    *map(self.identifiers.get, OTHER_CLASSES))
         try:
             clients.wait(SECONDS + harness.PATIENCE)
             end = "lives" if agent.poll() is None else f"ended with {agent.poll()}"
@@ -77,11 +100,12 @@ class Overlap(SoakCase):
         self.assert_calls_are_done(tally, letters)
 
     def tally_of(self, clients):
-        """The lines of the clients: how many calls there were, and what became of them."""
+        """The lines of the clients: how many calls there were and what became of them, and how often folders were chosen by
+        their identifiers."""
         tally = {"succeeded": {}, "failed": {}}
         for word, *rest in (line.split() for line in self.lines_of(clients)):
-            if word == "calls":
-                tally["calls"] = int(rest[0])
+            if word in ("calls", "chosen"):
+                tally[word] = int(rest[0])
             else:
                 tally[word][rest[0]] = int(rest[1])
         return tally
@@ -90,6 +114,9 @@ class Overlap(SoakCase):
         """Each kind of call comes to its end. Single ones may fail, and have: what they take may go at that moment (see
         docs/limits.md), and a connection may be given up for it."""
         self.assertEqual(set(tally["succeeded"]), set(letters), tally)
+        # Where no client takes the session away, every choice is taken.
+        if not set(letters) & set("nf"):
+            self.assertEqual(tally["chosen"], tally["succeeded"]["i"], tally)
         # A status with the letter of the call behind it.
         self.assertLessEqual({failure[:-1] for failure in tally["failed"]}, {"998", "1727"}, tally)
         self.assertLessEqual(sum(tally["failed"].values()), 1 + tally["calls"] // 1000, tally)
@@ -112,10 +139,13 @@ class Overlap(SoakCase):
             damaged.wait(harness.PATIENCE)
 
     def test_reads_and_sessions_at_once_leave_agent_and_store_whole(self):
-        self.assert_harmless("nnfFPgscrmS")
+        self.assert_harmless("nnfFPgsicrmS")
 
     def test_writes_besides_leave_agent_and_store_whole(self):
-        self.assert_harmless("nnfFPgscrmSwww")
+        self.assert_harmless("nnfFPgsicrmSwww")
+
+    def test_choices_and_writes_in_one_session_leave_agent_and_store_whole(self):
+        self.assert_harmless("FPgssiicrmSwww")
 
 
 if __name__ == "__main__":

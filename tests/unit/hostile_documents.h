@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "support/text.h"
+#include "tests/xml_document.h"
 
 inline CString Repeated(const CString& piece, std::size_t count) {
     CString text;
@@ -59,8 +60,6 @@ class NoDocuments : public IClassFactory {
 /// asked for.
 template<class Work>
 int DocumentsRefusedTo(Work work) {
-    constexpr CLSID kDocumentClass = {
-        0x2933BF90, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
     int asked = 0;
     std::thread([&] {
         CoInitialize(nullptr);

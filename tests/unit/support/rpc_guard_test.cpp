@@ -5,6 +5,8 @@
 
 #include <rpc.h>
 
+#include "tests/rpc_binding.h"
+
 extern "C" {
 #include "command.h"
 }
@@ -27,12 +29,7 @@ TEST(RpcGuard, LetsACallThrough) {
 }
 
 TEST(RpcGuard, HandsOnTheStatusOfARealCallWithoutAServer) {
-    RPC_WSTR text = nullptr;
-    auto* protocol = reinterpret_cast<RPC_WSTR>(const_cast<wchar_t*>(L"ncacn_np"));
-    auto* endpoint = reinterpret_cast<RPC_WSTR>(const_cast<wchar_t*>(L"\\pipe\\ZebNobodyListensHere"));
-    ASSERT_EQ(RpcStringBindingComposeW(nullptr, protocol, nullptr, endpoint, nullptr, &text), RPC_S_OK);
-    ASSERT_EQ(RpcBindingFromStringBindingW(text, &g_hAgentBinding), RPC_S_OK);
-    RpcStringFreeW(&text);
+    ASSERT_EQ(MakeBinding(L"\\pipe\\ZebNobodyListensHere", &g_hAgentBinding), RPC_S_OK);
     // Twice, for the first failure must leave everything as it was.
     EXPECT_EQ(StatusOf([] { Stop(); }), static_cast<unsigned long>(RPC_S_SERVER_UNAVAILABLE));
     long status = 7;
