@@ -45,7 +45,7 @@ double SecondsOfSelections(const Items& items) {
     double seconds = 0;
     for (const Item& item : items) {
         bench::Build(item.parts, [&seconds](IXMLDOMDocument* document, const bench::ElementPart& part) {
-            const std::vector<const wchar_t*> paths = bench::SelectionsBefore(part);
+            const std::span<const wchar_t* const> paths = bench::SelectionsBefore(part);
             if (!paths.empty()) {
                 seconds += bench::SecondsOf([&] {
                     for (const wchar_t* const path : paths) {

@@ -61,15 +61,15 @@ Bstr Build(const DocumentParts& parts,
     return text;
 }
 
-std::vector<const wchar_t*> SelectionsBefore(const ElementPart& part) {
+std::span<const wchar_t* const> SelectionsBefore(const ElementPart& part) {
+    static constexpr const wchar_t* kDefaults[] = {L"/Calendar/Description", L"/Calendar/Location",
+                                                   L"/Calendar/bAllDayEvent", L"/Calendar/lReminderMinutes"};
+    static constexpr const wchar_t* kKind[] = {L"/Calnedar/lCalType"};
     if (part.name == kExceptionsElement) {
-        return {L"/Calendar/Description", L"/Calendar/Location", L"/Calendar/bAllDayEvent",
-                L"/Calendar/lReminderMinutes"};
+        return kDefaults;
     }
-    if (part.name == kCalendarKindElement) {
-        return {L"/Calnedar/lCalType"};
-    }
-    return {};
+    return part.name == kCalendarKindElement ? std::span<const wchar_t* const>(kKind)
+                                             : std::span<const wchar_t* const>();
 }
 
 void Select(IXMLDOMDocument* document, const wchar_t* path) {

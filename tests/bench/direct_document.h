@@ -8,6 +8,7 @@
 #include <msxml2.h>
 
 #include <functional>
+#include <span>
 
 #include "document_parts.h"
 #include "support/owners.h"
@@ -24,7 +25,7 @@ Bstr Build(const DocumentParts& parts,
 
 /// The paths that the agent looks up in an appointment before it appends an element: what the exceptions of a
 /// series deviate from, and at the end whether there is a kind of calendar already. None for other elements.
-std::vector<const wchar_t*> SelectionsBefore(const ElementPart& part);
+std::span<const wchar_t* const> SelectionsBefore(const ElementPart& part);
 
 /// Looks an element up by its path and takes its text, if it is there.
 void Select(IXMLDOMDocument* document, const wchar_t* path);

@@ -3,13 +3,14 @@
 // A document of an item, taken apart into what has to be told to the XML service to have it built again.
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace bench {
 
 /// The elements before which the agent looks into the document.
-constexpr const wchar_t* kExceptionsElement = L"ExceptionRule";
-constexpr const wchar_t* kCalendarKindElement = L"lCalType";
+constexpr std::wstring_view kExceptionsElement = L"ExceptionRule";
+constexpr std::wstring_view kCalendarKindElement = L"lCalType";
 
 struct Attribute {
     std::wstring name;

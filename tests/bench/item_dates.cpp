@@ -13,7 +13,7 @@ constexpr const wchar_t* kMoment = L"%m/%d/%Y %H:%M:%S";
 constexpr const wchar_t* kDay = L"%Y-%m-%d";
 
 struct DateElement {
-    const wchar_t* name;
+    std::wstring_view name;
     const wchar_t* format;
 };
 // The end of a series is not among them: it is local as it stands in the store.

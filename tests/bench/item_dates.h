@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "document_parts.h"
@@ -14,7 +15,7 @@ namespace bench {
 /// A moment in UTC, the element of the document that tells it, and the form of its text there.
 struct ItemDate {
     FILETIME utc;
-    const wchar_t* element;
+    std::wstring_view element;
     const wchar_t* format;
 };
 

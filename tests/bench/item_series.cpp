@@ -14,7 +14,7 @@ namespace bench {
 namespace {
 
 /// The text of the first element of a name; empty without one.
-CString TextOf(const DocumentParts& parts, const wchar_t* name) {
+CString TextOf(const DocumentParts& parts, std::wstring_view name) {
     const auto found = std::find_if(parts.elements.begin(), parts.elements.end(),
                                     [name](const ElementPart& part) { return part.name == name; });
     return found == parts.elements.end() ? CString() : CString(found->text.data(), found->text.size());

@@ -13,7 +13,7 @@
 namespace bench {
 
 /// The first element of a document for which the property is needed.
-constexpr const wchar_t* kSeriesElement = L"lRecurInterval";
+constexpr std::wstring_view kSeriesElement = L"lRecurInterval";
 
 struct ItemSeries {
     std::vector<std::uint8_t> bytes;
