@@ -36,7 +36,8 @@ class OwnBuilding {
             m_document.GetNodeText(m_document.SelectSingleNode(path).Get());
         }
         if (m_nextDate < m_item.dates.size() && part.name == m_item.dates[m_nextDate].element) {
-            return bench::TextOf(m_item.dates[m_nextDate++]).c_str();
+            const std::wstring text = bench::TextOf(m_item.dates[m_nextDate++]);
+            return {text.data(), text.size()};
         }
         if (!m_series.bytes.empty()) {
             if (part.name == bench::kSeriesElement) {

@@ -7,6 +7,12 @@ namespace bench {
 
 namespace {
 
+// What the exceptions of a series deviate from, and the kind of calendar, with the root's name as the agent
+// asks for it.
+constexpr const wchar_t* kDefaults[] = {L"/Calendar/Description", L"/Calendar/Location",
+                                        L"/Calendar/bAllDayEvent", L"/Calendar/lReminderMinutes"};
+constexpr const wchar_t* kKind[] = {L"/Calnedar/lCalType"};
+
 Bstr MakeBstr(const std::wstring& text) {
     Bstr result(SysAllocStringLen(text.data(), static_cast<UINT>(text.size())));
     RequireResult(result ? S_OK : E_OUTOFMEMORY, "SysAllocStringLen");
@@ -62,9 +68,6 @@ Bstr Build(const DocumentParts& parts,
 }
 
 std::span<const wchar_t* const> SelectionsBefore(const ElementPart& part) {
-    static constexpr const wchar_t* kDefaults[] = {L"/Calendar/Description", L"/Calendar/Location",
-                                                   L"/Calendar/bAllDayEvent", L"/Calendar/lReminderMinutes"};
-    static constexpr const wchar_t* kKind[] = {L"/Calnedar/lCalType"};
     if (part.name == kExceptionsElement) {
         return kDefaults;
     }
