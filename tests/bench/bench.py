@@ -8,12 +8,14 @@ that is not planned. Each line of the file is one measurement:
 All reads are by a desktop program that does nothing with what it gets. "agent-first" is the first full read of a new agent,
 and "store-first" the same by a process that does nothing but the read's store calls; "msgreader-cold" takes turns with both.
 "agent" is a repeated full read. It takes turns with "callbacks", "store" and "documents", the three parts of its floor, each
-alone, and with two parts of what is the agent's own: "selections" are those that it makes in the documents while they are
-built, "dates" the conversion of the items' dates. "full" is a repeated full read that takes turns with "changed" alone, a read
-of changes of a folder in which nothing changed; each size of a folder is measured so. "store-again" and "store-changed" are
-the store calls of both, "folders" is the folder document, "comparison" the comparison with a map alone. What took turns has
-the same word as its turn. The bytes are what the process grows by in its first full read, at its peak: the agent's, and that
-of the process that does nothing but the store's part, both after a read of the other kind.
+alone, and with parts of what is the agent's own: "selections" are those that it makes in the documents while they are built,
+"dates" the conversion of the items' dates, "series" the text that tells the exceptions of a series, out of the property that
+holds it; "class" builds the documents by the agent's class instead of direct calls. With them takes turns too what does the
+parts one item after the other: "turns" those of the floor, "own-turns" all of these. "full" is a repeated full read that takes
+turns with "changed" alone, a read of changes of a folder in which nothing changed; each size of a folder is measured so.
+"store-again" and "store-changed" are the store calls of both, "folders" is the folder document, "comparison" the comparison
+with a map alone. What took turns has the same word as its turn. The bytes are what the process grows by in its first full read,
+at its peak: the agent's, and that of the process that does nothing but the store's part, both after a read of the other kind.
 
 The environment is that of the end-to-end tests, and ZEB_BENCH_BIN_DIR holds the measuring programs.
 """
@@ -238,16 +240,23 @@ class Measuring:
         callbacks = self.start("bench_callbacks.exe", windows_path(texts), self.read)
         store = self.store()
         documents = self.start("bench_documents.exe", windows_path(texts))
+        one_by_one = self.start("bench_turns.exe", windows_path(texts), windows_path(self.place.bin / "MAPI32.dll"),
+                                self.profile, self.read)
         parts = {
             "agent": (client, self.read),
             "callbacks": (callbacks, self.read),
             "store": (store, self.read),
             "documents": (documents, "documents"),
             "dates": (documents, "dates"),
+            "class": (documents, "class"),
+            "turns": (one_by_one, "turns"),
+            "own-turns": (one_by_one, "own-turns"),
         }
-        # Nothing is selected in a contact's document.
+        # Nothing is selected in a contact's document, and only recurring appointments are series.
         if self.read != "contacts":
             parts["selections"] = (documents, "selections")
+        if self.kind in ("recurring", "exceptions"):
+            parts["series"] = (one_by_one, "series")
         seconds = {name: [] for name in parts}
         for turn in range(turns + 1):
             for name, (program, line) in parts.items():
@@ -256,7 +265,7 @@ class Measuring:
                 if turn > 0:
                     seconds[name].append(taken)
         self.write_all(seconds, "floor")
-        for program in (callbacks, store, documents):
+        for program in (callbacks, store, documents, one_by_one):
             program.close()
 
     def measure_comparison(self):

@@ -4,29 +4,20 @@
 
 #include <windows.h>
 
-#include <rpc.h>
-
 #include <stdexcept>
 
-#include "callback.h"
+#include "callbacks.h"
 #include "command_loop.h"
-#include "support/rpc_endpoints.h"
-#include "support/rpc_guard.h"
-#include "tests/rpc_binding.h"
 #include "text_file.h"
 
 namespace {
 
 void Run(const std::wstring& path, const std::wstring& kind) {
     std::vector<std::wstring> texts = bench::ReadTexts(path);
-    auto* const procedure = kind == L"contacts" ? MAPISendBackOneContact : MAPISendBackOneCalenda;
-    if (const RPC_STATUS status = MakeBinding(kCallbackEndpoint, &g_hOutlookBinding); status != RPC_S_OK) {
-        throw std::runtime_error("the binding gives " + std::to_string(status));
-    }
+    const bench::Callback callback = bench::BindCallback(kind);
     bench::AnswerWithSeconds([&] {
         for (std::wstring& text : texts) {
-            wchar_t* const units = text.data();
-            GuardedRpc([procedure, units] { procedure(units); });
+            bench::Send(callback, text.data());
         }
     });
 }

@@ -11,18 +11,10 @@
 
 namespace {
 
-constexpr ULONG kContactFolder = 0x36D10102;   // PR_IPM_CONTACT_ENTRYID
-constexpr ULONG kCalendarFolder = 0x36D00102;  // PR_IPM_APPOINTMENT_ENTRYID
-
 void Run(const wchar_t* library, const std::wstring& profile) {
-    const Library loaded(LoadLibraryW(library));
-    if (!loaded || FillMAPIEntryPoints(loaded.Get()) == 0) {
-        throw std::runtime_error("the MAPI library cannot be loaded");
-    }
-    MAPIINIT_0 init{MAPI_INIT_VERSION, 0};
-    bench::RequireResult(pfnMAPIInitialize(&init), "MAPIInitialize");
-    const bench::OpenedFolder contacts = bench::OpenDefaultFolder(profile, kContactFolder);
-    const bench::OpenedFolder calendar = bench::OpenDefaultFolder(profile, kCalendarFolder);
+    const Library loaded = bench::LoadMapi(library);
+    const bench::OpenedFolder contacts = bench::OpenDefaultFolder(profile, bench::kContactFolder);
+    const bench::OpenedFolder calendar = bench::OpenDefaultFolder(profile, bench::kCalendarFolder);
     bench::AnswerLines([&](const std::string& line) {
         const bool isContacts = line.ends_with("contacts");
         const bench::StoreLoop& loop = isContacts ? bench::kContactLoop : bench::kCalendarLoop;

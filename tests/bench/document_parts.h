@@ -3,9 +3,14 @@
 // A document of an item, taken apart into what has to be told to the XML service to have it built again.
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace bench {
+
+/// The elements before which the agent looks into the document.
+constexpr std::wstring_view kExceptionsElement = L"ExceptionRule";
+constexpr std::wstring_view kCalendarKindElement = L"lCalType";
 
 struct Attribute {
     std::wstring name;

@@ -13,7 +13,7 @@ constexpr const wchar_t* kMoment = L"%m/%d/%Y %H:%M:%S";
 constexpr const wchar_t* kDay = L"%Y-%m-%d";
 
 struct DateElement {
-    const wchar_t* name;
+    std::wstring_view name;
     const wchar_t* format;
 };
 // The end of a series is not among them: it is local as it stands in the store.
@@ -55,7 +55,7 @@ std::vector<ItemDate> DatesOf(const DocumentParts& parts) {
             if (part.name != element.name || part.text.empty()) {
                 continue;
             }
-            dates.push_back({StoredTime(part.text, element.format), element.format});
+            dates.push_back({StoredTime(part.text, element.format), element.name, element.format});
             if (TextOf(dates.back()) != part.text) {
                 throw std::runtime_error("a date that was converted again is another one");
             }

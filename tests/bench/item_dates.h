@@ -5,15 +5,17 @@
 #include <windows.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "document_parts.h"
 
 namespace bench {
 
-/// A moment in UTC, and the form of its text in the document.
+/// A moment in UTC, the element of the document that tells it, and the form of its text there.
 struct ItemDate {
     FILETIME utc;
+    std::wstring_view element;
     const wchar_t* format;
 };
 

@@ -18,10 +18,17 @@ KINDS = {
 }
 # The parts of the least that an item can cost, measured alone.
 FLOOR = ("callbacks", "store", "documents")
-# Parts of what is left of the agent's time: the selections that it makes in documents, and the conversion of dates.
-OWN = ("selections", "dates")
+# Parts of what is left of the agent's time: the selections that it makes in documents, the conversion of dates, and the texts of
+# series. What a kind does not have takes no time: nothing is selected in a contact's document.
+OWN = ("selections", "dates", "series")
+WITHOUT = {"selections": {"contacts"}, "series": {"contacts", "appointments"}}
 WHATS = {"agent", "agent-first", "full", "changed", "folders", "comparison", "store-first", "store-again", "store-changed",
-         "msgreader-cold", "msgreader-warm", *FLOOR, *OWN}
+         "msgreader-cold", "msgreader-warm", "class", "turns", "own-turns", *FLOOR, *OWN}
+
+# What the agent's own time consists of, in seconds an item. "handing" is what its class takes more for the documents than direct
+# calls do. "floor_by_turns" is what the parts of the floor take more one item after the other than each in a loop of its own,
+# "own_by_turns" what these parts then take more besides, and "neither" what is left. Each may be None.
+OwnTime = namedtuple("OwnTime", "selections dates series handing floor_by_turns own_by_turns neither")
 
 # The median of what the repetitions gave, and the least and the most of it, which are None if there is but one value.
 Spread = namedtuple("Spread", "median least most")
@@ -130,6 +137,21 @@ class Measurements:
     def rest(self, kind, items):
         """The spread of the seconds an item that the agent takes beyond the floor, or None."""
         return spread_of(self.by_turns(("agent", *FLOOR), kind, items, lambda agent, *parts: (agent - sum(parts)) / items))
+
+    def own_time(self, kind, items):
+        """What the agent takes beyond the floor, taken apart."""
+        def more(what, *others):
+            spread = spread_of(self.by_turns((what, *others), kind, items, lambda one, *parts: (one - sum(parts)) / items))
+            return spread.median if spread else None
+
+        def less(time, *parts):
+            return None if time is None or None in parts else time - sum(parts)
+
+        alone = [0 if kind in WITHOUT.get(what, ()) else self.median_per_item(what, kind, items) for what in OWN]
+        alone.append(more("class", "documents"))
+        rest = self.rest(kind, items)
+        by_turns = [more("turns", *FLOOR), less(more("own-turns", "turns"), *alone)]
+        return OwnTime(*alone, *by_turns, less(rest.median if rest else None, *alone, *by_turns))
 
     def growth(self, kind, most, least, what="full"):
         """How many times as long an item takes in a large folder as in a small one, or None. Two folders do not take turns."""

@@ -2,21 +2,35 @@
 
 from measurements import FLOOR, KINDS
 from report_aims import aims, is_missed, values_text, verdict
-from report_tables import NOT_MEASURED, SIZES, cell, own_parts, time_text
+from report_tables import NOT_MEASURED, SIZES, cell, time_text
 
 
 def time_cell(seconds):
     return cell(time_text, seconds)
 
 
+# What stands behind the time of each part of the agent's own.
+OWN_WORDS = {
+    "selections": "in selections in the document",
+    "dates": "in the conversion of dates",
+    "series": "in reading the series and telling its exceptions",
+    "handing": "in handing texts to the XML service and taking the document from it",
+    "floor_by_turns": "because the parts of the floor take turns",
+    "own_by_turns": "because these do so too",
+    "neither": "not taken apart",
+}
+
+
 def own_text(found, kind, items):
-    """What the agent's own time consists of, as far as it was measured."""
+    """What the agent's own time consists of, as far as it was measured. Nothing is said of what the kind does not have."""
     rest = found.rest(kind, items)
     if rest is None:
         return f"What the agent's own time is was {NOT_MEASURED}."
-    selections, dates, neither = own_parts(found, kind, items)
-    return (f"{time_text(rest.median)} an item are the agent's own: {time_cell(selections)} in selections in the document, "
-            f"{time_cell(dates)} in the conversion of dates, and {time_cell(neither)} not taken apart.")
+    parts = {name: time for name, time in found.own_time(kind, items)._asdict().items() if time != 0}
+    words = [f"{time_text(time)} {OWN_WORDS[name]}" for name, time in parts.items() if time is not None]
+    words += [f"the rest of it was {NOT_MEASURED}"] * (None in parts.values())
+    *words, last = words
+    return f"{time_text(rest.median)} an item are the agent's own: {', '.join(words)}{', and ' * bool(words)}{last}."
 
 
 def beyond_floor(kind):

@@ -1,6 +1,6 @@
 """The tables of docs/performance.md, from measurements. What was not measured says so."""
 
-from measurements import FLOOR, KINDS, OWN
+from measurements import FLOOR, KINDS
 
 NOT_MEASURED = "not measured"
 SIZES = (500, 5000, 50000)
@@ -73,29 +73,38 @@ def ratio_table(found):
                  ratio_rows(found))
 
 
-def part_rows(found):
-    """A row for each size at which the agent and all of the floor were measured."""
+def measured_parts(found):
+    """Each kind and number of items for which the agent and all of the floor were measured, with the first cells of its row and
+    what writes a time of an item and its part of the agent's."""
     for kind, name in KINDS.items():
         for items in found.sizes(kind, "agent", *FLOOR):
             agent = found.median_per_item("agent", kind, items)
-            times = [*(found.median_per_item(part, kind, items) for part in FLOOR), found.rest(kind, items).median,
-                     *own_parts(found, kind, items)]
-            yield [name, f"{items:,}", time_text(agent),
-                   *(cell(lambda time: f"{time_text(time)}, {100 * time / agent:.0f} %", time) for time in times)]
+            yield kind, items, [name, f"{items:,}"], lambda time, whole=agent: cell(
+                lambda seconds: f"{time_text(seconds)}, {100 * seconds / whole:.0f} %", time)
 
 
-def own_parts(found, kind, items):
-    """The seconds an item, of the agent's own, that selections and dates take, and those of neither; each may be None."""
-    # Nothing is selected in a contact's document.
-    parts = [0 if (what, kind) == ("selections", "contacts") else found.median_per_item(what, kind, items) for what in OWN]
-    rest = found.rest(kind, items)
-    return [*parts, None if rest is None or None in parts else rest.median - sum(parts)]
+def part_rows(found):
+    for kind, items, head, form in measured_parts(found):
+        yield [*head, time_text(found.median_per_item("agent", kind, items)),
+               *(form(found.median_per_item(part, kind, items)) for part in FLOOR), form(found.rest(kind, items).median)]
+
+
+def own_rows(found):
+    for kind, items, head, form in measured_parts(found):
+        yield [*head, *map(form, [found.rest(kind, items).median, *found.own_time(kind, items)])]
 
 
 def part_table(found):
     rows = list(part_rows(found))
-    return table(["Items", "Number", "Agent, repeated read", "Callbacks", "Store", "Documents", "The agent's own",
-                  "Of it selections", "Of it dates", "Of it neither"], rows) if rows else f"{NOT_MEASURED}\n".capitalize()
+    if not rows:
+        return f"{NOT_MEASURED}\n".capitalize()
+    return (table(["Items", "Number", "Agent, repeated read", "Callbacks", "Store", "Documents", "The agent's own"], rows) +
+            "\n" + own_table(found))
+
+
+def own_table(found):
+    return table(["Items", "Number", "The agent's own", "Of it selections", "Of it dates", "Of it series", "Of it handing",
+                  "Of it the floor by turns", "Of it these by turns", "Of it neither"], own_rows(found))
 
 
 def growth_rows(found):

@@ -85,12 +85,6 @@ const SBinary& IdOfRow(const SRow& row) {
 
 }  // namespace
 
-void RequireResult(HRESULT result, const char* what) {
-    if (result != S_OK) {
-        throw std::runtime_error(std::string(what) + " gives " + std::to_string(result));
-    }
-}
-
 ULONG TagOf(IMAPIProp* object, ULONG set, LONG number, const wchar_t* word) {
     GUID guid = {set, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
     MAPINAMEID name{};
@@ -146,16 +140,20 @@ void ReadStream(IMAPIProp* object, ULONG tag, ULONG pieceBytes) {
     } while (read != 0);
 }
 
-ULONG ReadWholeFolder(const StoreLoop& loop, IMAPIFolder* folder) {
+ULONG VisitWholeFolder(const StoreLoop& loop, IMAPIFolder* folder, const MessageVisit& visit) {
     CountItems(loop, folder);
     const MapiBuffer<SPropValue> identity = IdentityOf(folder);
     const Contents contents = QueryContents(loop, folder, loop.columns, identity.Get()[1].Value.bin);
     for (ULONG i = 0; i < contents.rows->cRows; ++i) {
-        const ComPtr<IMessage> message =
-            Open<IMessage>(folder, IdOfRow(contents.rows->aRow[i]), MAPI_BEST_ACCESS | MAPI_MODIFY);
-        loop.readMessage(message.Get());
+        visit(Open<IMessage>(folder, IdOfRow(contents.rows->aRow[i]), MAPI_BEST_ACCESS | MAPI_MODIFY), i);
     }
     return contents.rows->cRows;
+}
+
+ULONG ReadWholeFolder(const StoreLoop& loop, IMAPIFolder* folder) {
+    return VisitWholeFolder(loop, folder, [&loop](const ComPtr<IMessage>& message, std::size_t /*number*/) {
+        loop.readMessage(message.Get());
+    });
 }
 
 ULONG ListWholeFolder(const StoreLoop& loop, IMAPIFolder* folder) {
@@ -166,6 +164,16 @@ ULONG ListWholeFolder(const StoreLoop& loop, IMAPIFolder* folder) {
     const Contents contents = QueryContents(loop, folder, reinterpret_cast<const SPropTagArray*>(&kColumns),
                                             identity.Get()[1].Value.bin);
     return contents.rows->cRows;
+}
+
+Library LoadMapi(const wchar_t* library) {
+    Library loaded(LoadLibraryW(library));
+    if (!loaded || FillMAPIEntryPoints(loaded.Get()) == 0) {
+        throw std::runtime_error("the MAPI library cannot be loaded");
+    }
+    MAPIINIT_0 init{MAPI_INIT_VERSION, 0};
+    RequireResult(pfnMAPIInitialize(&init), "MAPIInitialize");
+    return loaded;
 }
 
 OpenedFolder OpenDefaultFolder(const std::wstring& profile, ULONG tag) {
