@@ -35,7 +35,9 @@ bool IsPlain(WideView text) noexcept {
     wide others = 0;
     for (const wide unit : text) {
         const bool isSpace = (unit == WIDE('\t')) | (unit == WIDE('\n')) | (unit == WIDE('\r'));
-        others |= ((unit < 0x20) & !isSpace) | (unit >= 0xD800);
+        const bool isControl = unit < 0x20;
+        const bool isFromSurrogates = unit >= 0xD800;
+        others |= (isControl & !isSpace) | isFromSurrogates;
     }
     return others == 0;
 }
