@@ -23,7 +23,6 @@ constexpr const wchar_t* kCategories = L"friends;work";
 constexpr const wchar_t* kBirthday = L"1980-03-07 00:00:00";
 constexpr const wchar_t* kAnniversary = L"2005-12-24 00:00:00";
 
-constexpr std::int32_t kCompanyField = 4004;
 constexpr std::int32_t kCategoriesField = 3018;
 constexpr std::int32_t kBirthdayField = 4003;
 constexpr std::int32_t kAnniversaryField = 4019;

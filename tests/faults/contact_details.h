@@ -4,7 +4,13 @@
 
 #include <mapidefs.h>
 
+#include <cstdint>
+#include <string>
+
 #include "tests/faults/operation.h"
+
+/// The field of a contact's company.
+inline constexpr std::int32_t kCompanyField = 4004;
 
 /// The picture of the contact that is changed, before that.
 std::string OldPicture();

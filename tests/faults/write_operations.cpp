@@ -10,7 +10,6 @@
 #include "support/xml_parser.h"
 #include "tests/faults/appointment_details.h"
 #include "tests/faults/contact_details.h"
-#include "tests/faults/detail_checks.h"
 #include "tests/faults/preparations.h"
 
 namespace {
@@ -20,9 +19,6 @@ constexpr int kSucceeded = 0;
 /// The sub-folders, which hold the items that are changed and deleted, and nothing else.
 constexpr const wchar_t* kContactsBelow = L"Contacts\\Below";
 constexpr const wchar_t* kCalendarBelow = L"Calendar\\Below";
-
-/// The field of a contact's company.
-constexpr std::int32_t kCompanyField = 4004;
 
 /// An element of a document that comes in.
 CString Element(const wchar_t* name, const CString& text) {
