@@ -37,7 +37,7 @@ bool IsPlain(WideView text) noexcept {
         const bool isSpace = (unit == WIDE('\t')) | (unit == WIDE('\n')) | (unit == WIDE('\r'));
         const bool isControl = unit < 0x20;
         const bool isFromSurrogates = unit >= 0xD800;
-        others |= (isControl & !isSpace) | isFromSurrogates;
+        others |= static_cast<wide>((isControl && !isSpace) || isFromSurrogates);
     }
     return others == 0;
 }
