@@ -146,8 +146,8 @@ void AddCalendarChoice(Lines& lines, const CString& selection) {
 
 /// A walk through a folder and the one below it, and the words in which its lines differ from others.
 struct Walk {
-    const wchar_t* operation;
-    const wchar_t* opener;
+    const wchar_t* operation = nullptr;
+    const wchar_t* opener = nullptr;
     const wchar_t* firstLine = L"Begin";
     const wchar_t* beforeSubFolders = nullptr;
     const wchar_t* lastLine = L"Finish(Succeeded)";
