@@ -32,6 +32,15 @@ TEST(LinearForm, BothDirectionsAreEachOthersInverse) {
     }
 }
 
+TEST(LinearForm, WhatIsNextToAMidnightBeforeTheEpochMayBecomeThatOfAnotherDay) {
+    // Its whole part is the day before, and what that day lacks to its end is too little for the digits.
+    const double inFront = std::nextafter(-1.0, -2.0);
+    EXPECT_EQ(DateFromLinear(inFront), -3.0);
+    EXPECT_EQ(LinearFromDate(DateFromLinear(inFront)), -3.0);
+    const double fromTheEpochOn = std::nextafter(1.0, 0.0);
+    EXPECT_EQ(DateFromLinear(fromTheEpochOn), fromTheEpochOn);
+}
+
 TEST(Span, IsTheSumOfItsParts) {
     EXPECT_EQ(DaysOf(1, 0, 0, 0), 1.0);
     EXPECT_EQ(DaysOf(0, 6, 0, 0), 0.25);
