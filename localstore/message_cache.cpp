@@ -40,20 +40,20 @@ MessageCache& MessageCache::Instance() {
     return cache;
 }
 
-LoadedMessage MessageCache::Load(const Text& path, const FileEntry& listed) {
+LoadedMessage MessageCache::Load(const Text& path, FileEntry listed) {
     const auto found = m_places.find(path);
     if (found == m_places.end() || found->second->stamp != listed.stamp) {
         return Read(path);
     }
     m_entries.splice(m_entries.begin(), m_entries, found->second);
     Require(found->second->content != nullptr, MAPI_E_CORRUPT_DATA);
-    return {found->second->content, listed};
+    return {found->second->content, std::move(listed)};
 }
 
 LoadedMessage MessageCache::Load(const Text& path) {
-    const std::optional<FileEntry> file = QueryFile(path);
+    std::optional<FileEntry> file = QueryFile(path);
     Require(file.has_value() && !file->isFolder, MAPI_E_NOT_FOUND);
-    return Load(path, *file);
+    return Load(path, std::move(*file));
 }
 
 LoadedMessage MessageCache::Read(const Text& path) {
@@ -68,7 +68,7 @@ LoadedMessage MessageCache::Read(const Text& path) {
     // Whatever memory may be short for comes first, so that list and places always agree.
     std::list<Entry> entry;
     entry.push_front({path, file.stamp, file.creationTime, content});
-    m_places[path] = entry.begin();
+    m_places.emplace(entry.front().path, entry.begin());
     m_entries.splice(m_entries.begin(), entry);
     m_bytes += m_entries.front().Weight();
     Trim();
@@ -90,15 +90,16 @@ void MessageCache::Trim() {
 void MessageCache::Forget(const Text& path) noexcept {
     const auto found = m_places.find(path);
     if (found != m_places.end()) {
-        m_bytes -= found->second->Weight();
-        m_entries.erase(found->second);
+        const Place place = found->second;
+        m_bytes -= place->Weight();
         m_places.erase(found);
+        m_entries.erase(place);
     }
 }
 
 void MessageCache::Clear() {
-    m_entries.clear();
     m_places.clear();
+    m_entries.clear();
     m_bytes = 0;
 }
 

@@ -4,6 +4,7 @@
 
 #include <list>
 #include <memory>
+#include <string_view>
 #include <unordered_map>
 
 #include "localstore/file_system.h"
@@ -34,7 +35,7 @@ class MessageCache {
     static MessageCache& Instance();
 
     /// The message of a file whose listing was just read: an unchanged file is not touched.
-    LoadedMessage Load(const Text& path, const FileEntry& listed);
+    LoadedMessage Load(const Text& path, FileEntry listed);
     /// The message of a file as it is now.
     LoadedMessage Load(const Text& path);
     /// Forgets a file that was written or removed.
@@ -63,7 +64,8 @@ class MessageCache {
     std::uint64_t m_mostBytes;
     /// The most recently used first.
     std::list<Entry> m_entries;
-    std::unordered_map<Text, Place> m_places;
+    /// The entries by their own paths.
+    std::unordered_map<std::wstring_view, Place> m_places;
     std::uint64_t m_bytes = 0;
     std::size_t m_filesRead = 0;
 };

@@ -84,18 +84,11 @@ EntryId StoreTree::FolderId(const Text& path) const {
     return id;
 }
 
-EntryId StoreTree::MessageId(const Text& folder, const Text& name) const {
+EntryId StoreTree::MessageId(const NameDigest& folder, const NameDigest& message) const {
     EntryId id = StoreId();
     id.kind = EntryKind::Message;
-    const auto index = m_messages.find(folder);
-    if (index == m_messages.end()) {
-        id.folder = DigestOf(folder);
-        id.message = DigestOf(name);
-        return id;
-    }
-    id.folder = index->second.folder;
-    const auto digest = index->second.digests.find(name);
-    id.message = digest == index->second.digests.end() ? DigestOf(name) : digest->second;
+    id.folder = folder;
+    id.message = message;
     return id;
 }
 
@@ -142,28 +135,42 @@ std::size_t StoreTree::DigestHash::operator()(const NameDigest& digest) const no
 }
 
 bool StoreTree::MessageIndex::HasNamesOf(const std::vector<FileEntry>& files) const {
-    return files.size() == digests.size() &&
-           std::all_of(files.begin(), files.end(),
-                       [this](const FileEntry& file) { return digests.contains(file.name); });
+    return std::equal(
+        files.begin(), files.end(), names.begin(), names.end(),
+        [](const FileEntry& file, const IndexedName& known) { return file.name == known.name; });
 }
 
-std::vector<FileEntry> StoreTree::MessageFiles(const Text& folder) {
+StoreTree::MessageIndex StoreTree::MessageIndex::Of(const std::vector<FileEntry>& files) const {
+    MessageIndex fresh;
+    fresh.names.reserve(files.size());
+    fresh.places.reserve(files.size());
+    // Both stand in order of the names, so one walk along the known ones finds those that stay.
+    auto known = names.begin();
+    for (const FileEntry& file : files) {
+        known =
+            std::find_if(known, names.end(), [&](const IndexedName& one) { return one.name >= file.name; });
+        const bool stays = known != names.end() && known->name == file.name;
+        const NameDigest digest = stays ? known->digest : DigestOf(file.name);
+        fresh.places.emplace(digest, fresh.names.size());
+        fresh.names.push_back({file.name, digest});
+    }
+    return fresh;
+}
+
+std::vector<MessageFile> StoreTree::MessageFiles(const Text& folder) {
     std::vector<FileEntry> files = ListFolder(FullPath(folder));
     std::erase_if(files,
                   [](const FileEntry& entry) { return entry.isFolder || !IsMessageFileName(entry.name); });
-    MessageIndex& kept = m_messages.try_emplace(folder, folder).first->second;
-    if (kept.HasNamesOf(files)) {
-        return files;
+    MessageIndex& index = m_messages[folder];
+    if (!index.HasNamesOf(files)) {
+        index = index.Of(files);
     }
-    MessageIndex fresh(folder);
-    for (const FileEntry& file : files) {
-        const auto known = kept.digests.find(file.name);
-        const NameDigest digest = known == kept.digests.end() ? DigestOf(file.name) : known->second;
-        fresh.digests.emplace(file.name, digest);
-        fresh.names.emplace(digest, file.name);
+    std::vector<MessageFile> messages;
+    messages.reserve(files.size());
+    for (FileEntry& file : files) {
+        messages.push_back({std::move(file), index.names[messages.size()].digest});
     }
-    kept = std::move(fresh);
-    return files;
+    return messages;
 }
 
 void StoreTree::IndexFolders(const Text& path, int depth) {
@@ -201,9 +208,9 @@ std::optional<Text> StoreTree::FindMessage(const Text& folder, const NameDigest&
         if (index == m_messages.end()) {
             continue;
         }
-        const auto found = index->second.names.find(digest);
-        if (found != index->second.names.end()) {
-            return found->second;
+        const auto found = index->second.places.find(digest);
+        if (found != index->second.places.end()) {
+            return index->second.names[found->second].name;
         }
     }
     return std::nullopt;
