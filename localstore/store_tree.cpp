@@ -119,10 +119,8 @@ FolderInfo StoreTree::Folder(const Text& path) const {
 
 std::vector<FolderInfo> StoreTree::SubFolders(const Text& path) const {
     std::vector<FolderInfo> folders;
-    for (const FileEntry& entry : ListFolder(FullPath(path))) {
-        if (entry.isFolder) {
-            folders.push_back(Folder(JoinPath(path, entry.name)));
-        }
+    for (const Text& name : ListSubFolders(FullPath(path))) {
+        folders.push_back(Folder(JoinPath(path, name)));
     }
     return folders;
 }
@@ -178,10 +176,8 @@ void StoreTree::IndexFolders(const Text& path, int depth) {
     if (depth == kDeepestFolder) {
         return;
     }
-    for (const FileEntry& entry : ListFolder(FullPath(path))) {
-        if (entry.isFolder) {
-            IndexFolders(JoinPath(path, entry.name), depth + 1);
-        }
+    for (const Text& name : ListSubFolders(FullPath(path))) {
+        IndexFolders(JoinPath(path, name), depth + 1);
     }
 }
 
@@ -219,12 +215,10 @@ std::optional<Text> StoreTree::FindMessage(const Text& folder, const NameDigest&
 std::optional<Text> StoreTree::TopFolder(std::wstring_view name) const {
     // A look at the listing, and not at the name asked for: the identifier is made of the name as it is
     // written on the disk.
-    for (const FileEntry& entry : ListFolder(m_directory)) {
-        if (entry.isFolder && SameName(entry.name, name)) {
-            return entry.name;
-        }
-    }
-    return std::nullopt;
+    const std::vector<Text> names = ListSubFolders(m_directory);
+    const auto found =
+        std::find_if(names.begin(), names.end(), [&](const Text& one) { return SameName(one, name); });
+    return found == names.end() ? std::nullopt : std::optional(*found);
 }
 
 std::optional<Text> StoreTree::DefaultFolder(PropertyId property) const {

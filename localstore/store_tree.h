@@ -59,6 +59,9 @@ class StoreTree {
 
     [[nodiscard]] FolderInfo Folder(const Text& path) const;
     [[nodiscard]] std::vector<FolderInfo> SubFolders(const Text& path) const;
+    [[nodiscard]] bool HasSubFolders(const Text& path) const {
+        return localstore::HasSubFolders(FullPath(path));
+    }
     /// The message files of a folder in order of their names, damaged ones included.
     std::vector<MessageFile> MessageFiles(const Text& folder);
 
