@@ -181,23 +181,27 @@ void StoreTree::IndexFolders(const Text& path, int depth) {
     }
 }
 
-std::optional<Text> StoreTree::FindFolder(const NameDigest& digest) {
-    for (const bool again : {false, true}) {
-        if (again) {
-            m_folders.clear();
-            IndexFolders({}, 0);
-        }
-        const auto found = m_folders.find(digest);
-        if (found != m_folders.end() && FolderExists(FullPath(found->second))) {
-            return found->second;
-        }
+std::optional<Text> StoreTree::LastSeenFolder(const NameDigest& digest) {
+    auto found = m_folders.find(digest);
+    if (found == m_folders.end()) {
+        m_folders.clear();
+        IndexFolders({}, 0);
+        found = m_folders.find(digest);
     }
-    return std::nullopt;
+    return found == m_folders.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<Text> StoreTree::FindFolder(const NameDigest& digest) {
+    std::optional<Text> path = LastSeenFolder(digest);
+    return path && FolderExists(FullPath(*path)) ? path : std::nullopt;
 }
 
 std::optional<Text> StoreTree::FindMessage(const Text& folder, const NameDigest& digest) {
     for (const bool again : {false, true}) {
         if (again) {
+            if (!FolderExists(FullPath(folder))) {
+                break;
+            }
             MessageFiles(folder);
         }
         const auto index = m_messages.find(folder);

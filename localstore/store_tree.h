@@ -65,6 +65,8 @@ class StoreTree {
     /// The message files of a folder in order of their names, damaged ones included.
     std::vector<MessageFile> MessageFiles(const Text& folder);
 
+    /// The folder of a digest, if there was one when the folders were last looked through or is one now.
+    std::optional<Text> LastSeenFolder(const NameDigest& digest);
     /// The folder of a digest, if there is one now.
     std::optional<Text> FindFolder(const NameDigest& digest);
     /// The file name of a message's digest, if the folder had one when it was last listed or has one now.
