@@ -206,8 +206,11 @@ std::vector<FileEntry> ListFolder(const Text& path) {
         entries.push_back(EntryOf(information));
         return true;
     });
-    std::sort(entries.begin(), entries.end(),
-              [](const FileEntry& left, const FileEntry& right) { return left.name < right.name; });
+    const auto before = [](const FileEntry& left, const FileEntry& right) { return left.name < right.name; };
+    // Most systems list by name.
+    if (!std::is_sorted(entries.begin(), entries.end(), before)) {
+        std::sort(entries.begin(), entries.end(), before);
+    }
     return entries;
 }
 
