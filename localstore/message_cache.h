@@ -57,7 +57,9 @@ class MessageCache {
     };
     using Place = std::list<Entry>::iterator;
 
+    [[nodiscard]] Place Find(const Text& path);
     LoadedMessage Read(const Text& path);
+    void Erase(Place place) noexcept;
     void Trim();
 
     StorageCalls m_calls;
@@ -66,6 +68,9 @@ class MessageCache {
     std::list<Entry> m_entries;
     /// The entries by their own paths.
     std::unordered_map<std::wstring_view, Place> m_places;
+    /// The entry that was used next after the one that was looked for last. Folders are read in the same
+    /// order again and again, so it is mostly the one that is looked for now; the end if there is none.
+    Place m_next = m_entries.end();
     std::uint64_t m_bytes = 0;
     std::size_t m_filesRead = 0;
 };
