@@ -93,39 +93,42 @@ UINT ContentSource::CodePage() const {
     return CodePageOf(m_content->properties);
 }
 
-MessageSource::MessageSource(std::shared_ptr<StoreTree> tree, Text folder, LoadedMessage message, Role role)
+MessageSource::MessageSource(std::shared_ptr<StoreTree> tree, SharedFolder folder, LoadedMessage message,
+                             Role role, std::optional<NameDigest> digest)
     : ContentSource(std::move(tree), std::move(message.content)),
       m_folder(std::move(folder)),
       m_file(std::move(message.file)),
-      m_role(role) {}
+      m_role(role),
+      m_digest(digest) {}
 
 Text MessageSource::Label() const {
-    return JoinPath(m_folder, Name().empty() ? L"(new)" : Name());
+    return JoinPath(Folder(), Name().empty() ? L"(new)" : Name());
+}
+
+EntryId MessageSource::EntryIdOfMessage() const {
+    return Tree().MessageId(m_folder->digest, m_digest ? *m_digest : DigestOf(Name()));
 }
 
 std::optional<Property> MessageSource::Computed(PropertyId id) const {
     const bool hasId = !Name().empty();
     switch (id) {
         case Id(PR_ENTRYID):
-            return hasId ? std::optional(IdProperty(PR_ENTRYID, Tree().MessageId(m_folder, Name())))
-                         : std::nullopt;
+            return hasId ? std::optional(IdProperty(PR_ENTRYID, EntryIdOfMessage())) : std::nullopt;
         case Id(PR_RECORD_KEY):
-            return hasId ? std::optional(IdProperty(PR_RECORD_KEY, Tree().MessageId(m_folder, Name())))
-                         : std::nullopt;
+            return hasId ? std::optional(IdProperty(PR_RECORD_KEY, EntryIdOfMessage())) : std::nullopt;
         case Id(PR_INSTANCE_KEY):
-            return m_role == Role::Message
-                       ? std::nullopt
-                       : std::optional(IdProperty(PR_INSTANCE_KEY, Tree().MessageId(m_folder, Name())));
+            return m_role == Role::Message ? std::nullopt
+                                           : std::optional(IdProperty(PR_INSTANCE_KEY, EntryIdOfMessage()));
         case IdOf(kLongTermEntryIdFromTable): {
             if (m_role != Role::RowWithLongTermId) {
                 return std::nullopt;
             }
-            EntryId longTerm = Tree().MessageId(m_folder, Name());
+            EntryId longTerm = EntryIdOfMessage();
             longTerm.isLongTerm = true;
             return IdProperty(kLongTermEntryIdFromTable, longTerm);
         }
         case Id(PR_PARENT_ENTRYID):
-            return IdProperty(PR_PARENT_ENTRYID, Tree().FolderId(m_folder));
+            return IdProperty(PR_PARENT_ENTRYID, Tree().FolderId(Folder()));
         case Id(PR_STORE_ENTRYID):
             return IdProperty(PR_STORE_ENTRYID, Tree().StoreId());
         case Id(PR_STORE_RECORD_KEY):

@@ -48,15 +48,24 @@ class ContentSource : public PropertySource {
 /// The code page of a message's 8-bit strings: PR_MESSAGE_CODEPAGE, else PR_INTERNET_CPID, else the system's.
 UINT CodePageOf(const PropertyBag& message);
 
+/// The folder of messages, which those of a table share: its path below the store with the digest.
+struct MessageFolder {
+    Text path;
+    NameDigest digest{};
+};
+using SharedFolder = std::shared_ptr<const MessageFolder>;
+
 /// A message in a folder, or one that was never saved.
 class MessageSource : public ContentSource {
   public:
     /// Rows of tables have properties that messages do not have.
     enum class Role { Message, Row, RowWithLongTermId };
 
-    MessageSource(std::shared_ptr<StoreTree> tree, Text folder, LoadedMessage message, Role role);
+    /// `digest` is that of the file's name, if it is known.
+    MessageSource(std::shared_ptr<StoreTree> tree, SharedFolder folder, LoadedMessage message, Role role,
+                  std::optional<NameDigest> digest = std::nullopt);
 
-    [[nodiscard]] const Text& Folder() const { return m_folder; }
+    [[nodiscard]] const Text& Folder() const { return m_folder->path; }
     /// The file name; empty as long as a new message has none.
     [[nodiscard]] const Text& Name() const { return m_file.name; }
     [[nodiscard]] const FileStamp& Stamp() const { return m_file.stamp; }
@@ -66,7 +75,10 @@ class MessageSource : public ContentSource {
     void SetContent(std::shared_ptr<const MessageContent> content) {
         ContentSource::SetContent(std::move(content));
     }
-    void SetName(Text name) { m_file.name = std::move(name); }
+    void SetName(Text name) {
+        m_file.name = std::move(name);
+        m_digest.reset();
+    }
     void SetStamp(const FileStamp& stamp) { m_file.stamp = stamp; }
 
   protected:
@@ -76,9 +88,12 @@ class MessageSource : public ContentSource {
     [[nodiscard]] std::vector<PropertyId> OwnIds() const override;
 
   private:
-    Text m_folder;
+    [[nodiscard]] EntryId EntryIdOfMessage() const;
+
+    SharedFolder m_folder;
     FileEntry m_file;
     Role m_role;
+    std::optional<NameDigest> m_digest;
 };
 
 /// An attachment or recipient of a message.

@@ -49,24 +49,30 @@ Bytes EntryId::Encode() const {
 }
 
 std::optional<EntryId> EntryId::Decode(const std::uint8_t* bytes, std::size_t size) {
-    if (bytes == nullptr || size < kHead || size > kLongestEntryId) {
+    if (bytes == nullptr || size < kHead) {
         return std::nullopt;
     }
-    Bytes whole(bytes, bytes + size);
+    const bool hasKind = bytes[kKindAt] >= static_cast<std::uint8_t>(EntryKind::Store) &&
+                         bytes[kKindAt] <= static_cast<std::uint8_t>(EntryKind::Message);
+    const bool isUsual = std::all_of(bytes, bytes + kFlags, [](std::uint8_t flag) { return flag == 0; }) &&
+                         bytes[kVersionAt] == kVersion && bytes[kFormAt] <= 1 && bytes[kFormAt + 1] == 0;
+    if (!hasKind || !isUsual) {
+        return std::nullopt;
+    }
     EntryId id;
-    id.kind = static_cast<EntryKind>(whole[kKindAt]);
-    if (whole[kKindAt] < static_cast<std::uint8_t>(EntryKind::Store) ||
-        whole[kKindAt] > static_cast<std::uint8_t>(EntryKind::Message)) {
+    id.kind = static_cast<EntryKind>(bytes[kKindAt]);
+    if (size != SizeOf(id.kind)) {
         return std::nullopt;
     }
-    id.isLongTerm = whole[kFormAt] == 1;
+    id.isLongTerm = bytes[kFormAt] == 1;
     std::copy_n(bytes + kFlags, kDigest, id.store.begin());
-    whole.resize(kLongestEntryId);
-    std::copy_n(whole.begin() + kHead, kDigest, id.folder.begin());
-    std::copy_n(whole.begin() + kHead + kDigest, kDigest, id.message.begin());
-    const Bytes again = id.Encode();
-    return again.size() == size && std::equal(again.begin(), again.end(), bytes) ? std::optional(id)
-                                                                                 : std::nullopt;
+    if (size > kHead) {
+        std::copy_n(bytes + kHead, kDigest, id.folder.begin());
+    }
+    if (size > kHead + kDigest) {
+        std::copy_n(bytes + kHead + kDigest, kDigest, id.message.begin());
+    }
+    return id;
 }
 
 }  // namespace localstore

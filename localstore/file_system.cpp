@@ -75,20 +75,57 @@ FileEntry EntryOf(const FileHandle& file) {
     return entry;
 }
 
-bool IsShown(const FILE_ID_BOTH_DIR_INFO& information, const Text& name) {
-    constexpr DWORD left = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_REPARSE_POINT;
-    return (information.FileAttributes & left) == 0 && !name.empty() && name.front() != L'.';
+Text NameOf(const FILE_ID_BOTH_DIR_INFO& information) {
+    return {information.FileName, information.FileNameLength / sizeof(wchar_t)};
 }
 
-FileEntry EntryOf(const FILE_ID_BOTH_DIR_INFO& information, Text name) {
+bool IsFolder(const FILE_ID_BOTH_DIR_INFO& information) {
+    return (information.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool IsShown(const FILE_ID_BOTH_DIR_INFO& information) {
+    constexpr DWORD left = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_REPARSE_POINT;
+    return (information.FileAttributes & left) == 0 && information.FileNameLength != 0 &&
+           information.FileName[0] != L'.';
+}
+
+FileEntry EntryOf(const FILE_ID_BOTH_DIR_INFO& information) {
     FileEntry entry;
-    entry.name = std::move(name);
-    entry.isFolder = (information.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    entry.name = NameOf(information);
+    entry.isFolder = IsFolder(information);
     entry.stamp.size = static_cast<std::uint64_t>(information.EndOfFile.QuadPart);
     entry.stamp.writeTime = static_cast<std::uint64_t>(information.LastWriteTime.QuadPart);
     entry.stamp.fileId = static_cast<std::uint64_t>(information.FileId.QuadPart);
     entry.creationTime = static_cast<std::uint64_t>(information.CreationTime.QuadPart);
     return entry;
+}
+
+/// Calls `visit` for each entry of a folder that is shown, until it returns false.
+template<class Visit>
+void VisitFolder(const Text& path, const Visit& visit) {
+    const FileHandle folder(CreateFileW(LongPath(path).c_str(), FILE_LIST_DIRECTORY, kShareAll, nullptr,
+                                        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    if (!folder) {
+        Require(CodeOfFileError(GetLastError()) == MAPI_E_NOT_FOUND, CodeOfFileError(GetLastError()));
+        return;
+    }
+    constexpr std::size_t bufferSize = std::size_t{64} * 1024;
+    std::vector<std::uint64_t> buffer(bufferSize / sizeof(std::uint64_t));
+    while (GetFileInformationByHandleEx(folder.Get(), FileIdBothDirectoryInfo, buffer.data(), bufferSize) !=
+           FALSE) {
+        const auto* place = reinterpret_cast<const BYTE*>(buffer.data());
+        for (;;) {
+            const auto* information = reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(place);
+            if (IsShown(*information) && !visit(*information)) {
+                return;
+            }
+            if (information->NextEntryOffset == 0) {
+                break;
+            }
+            place += information->NextEntryOffset;
+        }
+    }
+    Require(GetLastError() == ERROR_NO_MORE_FILES, CodeOfFileError(GetLastError()));
 }
 
 void WriteAll(const FileHandle& file, const Bytes& bytes) {
@@ -165,33 +202,37 @@ Text LastComponent(const Text& path) {
 
 std::vector<FileEntry> ListFolder(const Text& path) {
     std::vector<FileEntry> entries;
-    const FileHandle folder(CreateFileW(LongPath(path).c_str(), FILE_LIST_DIRECTORY, kShareAll, nullptr,
-                                        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-    if (!folder) {
-        Require(CodeOfFileError(GetLastError()) == MAPI_E_NOT_FOUND, CodeOfFileError(GetLastError()));
-        return entries;
+    VisitFolder(path, [&](const FILE_ID_BOTH_DIR_INFO& information) {
+        entries.push_back(EntryOf(information));
+        return true;
+    });
+    const auto before = [](const FileEntry& left, const FileEntry& right) { return left.name < right.name; };
+    // Most systems list by name.
+    if (!std::is_sorted(entries.begin(), entries.end(), before)) {
+        std::sort(entries.begin(), entries.end(), before);
     }
-    constexpr std::size_t bufferSize = std::size_t{64} * 1024;
-    std::vector<std::uint64_t> buffer(bufferSize / sizeof(std::uint64_t));
-    while (GetFileInformationByHandleEx(folder.Get(), FileIdBothDirectoryInfo, buffer.data(), bufferSize) !=
-           FALSE) {
-        const auto* place = reinterpret_cast<const BYTE*>(buffer.data());
-        for (;;) {
-            const auto* information = reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(place);
-            Text name(information->FileName, information->FileNameLength / sizeof(wchar_t));
-            if (IsShown(*information, name)) {
-                entries.push_back(EntryOf(*information, std::move(name)));
-            }
-            if (information->NextEntryOffset == 0) {
-                break;
-            }
-            place += information->NextEntryOffset;
-        }
-    }
-    Require(GetLastError() == ERROR_NO_MORE_FILES, CodeOfFileError(GetLastError()));
-    std::sort(entries.begin(), entries.end(),
-              [](const FileEntry& left, const FileEntry& right) { return left.name < right.name; });
     return entries;
+}
+
+std::vector<Text> ListSubFolders(const Text& path) {
+    std::vector<Text> names;
+    VisitFolder(path, [&](const FILE_ID_BOTH_DIR_INFO& information) {
+        if (IsFolder(information)) {
+            names.push_back(NameOf(information));
+        }
+        return true;
+    });
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+bool HasSubFolders(const Text& path) {
+    bool found = false;
+    VisitFolder(path, [&](const FILE_ID_BOTH_DIR_INFO& information) {
+        found = IsFolder(information);
+        return !found;
+    });
+    return found;
 }
 
 bool FolderExists(const Text& path) {

@@ -48,6 +48,10 @@ Text LastComponent(const Text& path);
 /// What a folder holds, ordered by name. Hidden entries, links to elsewhere and names that begin with a point
 /// are left out. A folder that is not there is empty.
 std::vector<FileEntry> ListFolder(const Text& path);
+/// The names of the folders among that.
+std::vector<Text> ListSubFolders(const Text& path);
+/// True if one of them is there. Stops at the first.
+bool HasSubFolders(const Text& path);
 
 bool FolderExists(const Text& path);
 bool IsReadOnlyFile(const Text& path);

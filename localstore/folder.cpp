@@ -55,12 +55,17 @@ void DeleteOne(StoreTree& tree, const Text& folder, const SBinary& entry) {
 std::vector<TableRow> MessageRows(const std::shared_ptr<StoreTree>& tree, const Text& folder,
                                   MessageSource::Role role) {
     const Text directory = tree->FullPath(folder);
+    std::vector<MessageFile> files = tree->MessageFiles(folder);
+    const auto shared = std::make_shared<const MessageFolder>(MessageFolder{folder, DigestOf(folder)});
     std::vector<TableRow> rows;
-    for (const FileEntry& file : tree->MessageFiles(folder)) {
-        const Text path = JoinPath(directory, file.name);
+    rows.reserve(files.size());
+    Text path;
+    for (MessageFile& one : files) {
+        path.assign(directory).append(1, L'\\').append(one.file.name);
         try {
-            LoadedMessage message = MessageCache::Instance().Load(path, file);
-            rows.push_back(std::make_shared<MessageSource>(tree, folder, std::move(message), role));
+            LoadedMessage message = MessageCache::Instance().Load(path, std::move(one.file));
+            rows.push_back(
+                std::make_shared<MessageSource>(tree, shared, std::move(message), role, one.digest));
         } catch (const StoreError& error) {
             // A damaged file is no reason to hide the others, and one that vanished is none any more. One
             // that is there and cannot be read now must not be left out in silence: who compares the table
@@ -134,8 +139,9 @@ STDMETHODIMP Folder::CreateMessage(LPCIID iid, ULONG flags, LPMESSAGE* message) 
         Require((flags & ~static_cast<ULONG>(MAPI_DEFERRED_ERRORS)) == 0, MAPI_E_NO_SUPPORT);
         Require(!m_source->IsRoot(), MAPI_E_NO_ACCESS);
         const LoadedMessage empty{std::make_shared<const MessageContent>(), {}};
-        auto created =
-            MakeObject<Message>(m_source->Tree(), m_source->Folder().path, empty, Message::Mode::New);
+        const Text& path = m_source->Folder().path;
+        auto created = MakeObject<Message>(m_source->Tree(), MessageFolder{path, DigestOf(path)}, empty,
+                                           Message::Mode::New);
         RequireInterface(*created.Get(), iid);
         *message = created.Detach();
         return S_OK;

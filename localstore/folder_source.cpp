@@ -89,7 +89,7 @@ std::optional<Property> FolderSource::Find(PropertyId id) const {
                        ? std::optional(Property::OfText(PR_CONTAINER_CLASS_W, *m_folder.containerClass))
                        : std::nullopt;
         case IdPart(PR_SUBFOLDERS):
-            return BooleanProperty(PR_SUBFOLDERS, !SubFolders().empty());
+            return BooleanProperty(PR_SUBFOLDERS, m_isRoot || m_tree->HasSubFolders(m_folder.path));
         case IdPart(PR_CONTENT_COUNT):
             return LongProperty(PR_CONTENT_COUNT, m_isRoot ? 0 : MessageCount());
         case IdPart(PR_FOLDER_TYPE):

@@ -64,8 +64,10 @@ FileStamp NameNewFile(WrittenFile& file, const Text& folder, const Text& title, 
 
 }  // namespace
 
-Message::Message(std::shared_ptr<StoreTree> tree, Text folder, LoadedMessage message, Mode mode)
-    : m_source(std::move(tree), std::move(folder), std::move(message), MessageSource::Role::Message),
+Message::Message(std::shared_ptr<StoreTree> tree, MessageFolder folder, LoadedMessage message, Mode mode,
+                 std::optional<NameDigest> digest)
+    : m_source(std::move(tree), std::make_shared<const MessageFolder>(std::move(folder)), std::move(message),
+               MessageSource::Role::Message, digest),
       m_mode(mode),
       m_nextAttachment(m_source.Content().NextAttachment()) {}
 

@@ -14,7 +14,9 @@ class Message final : public WritablePropObject<RefusingMessage> {
   public:
     enum class Mode { ReadOnly, ReadWrite, New };
 
-    Message(std::shared_ptr<StoreTree> tree, Text folder, LoadedMessage message, Mode mode);
+    /// `digest` is that of the file's name, if it is known.
+    Message(std::shared_ptr<StoreTree> tree, MessageFolder folder, LoadedMessage message, Mode mode,
+            std::optional<NameDigest> digest = std::nullopt);
 
     STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG flags, ULONG* count, LPSPropValue* values) override;
     STDMETHODIMP SaveChanges(ULONG flags) override;

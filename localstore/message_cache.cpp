@@ -40,20 +40,40 @@ MessageCache& MessageCache::Instance() {
     return cache;
 }
 
-LoadedMessage MessageCache::Load(const Text& path, const FileEntry& listed) {
-    const auto found = m_places.find(path);
-    if (found == m_places.end() || found->second->stamp != listed.stamp) {
+LoadedMessage MessageCache::Load(const Text& path, FileEntry listed) {
+    const Place place = Find(path);
+    if (place == m_entries.end() || place->stamp != listed.stamp) {
         return Read(path);
     }
-    m_entries.splice(m_entries.begin(), m_entries, found->second);
-    Require(found->second->content != nullptr, MAPI_E_CORRUPT_DATA);
-    return {found->second->content, listed};
+    m_entries.splice(m_entries.begin(), m_entries, place);
+    Require(place->content != nullptr, MAPI_E_CORRUPT_DATA);
+    return {place->content, std::move(listed)};
+}
+
+MessageCache::Place MessageCache::Find(const Text& path) {
+    Place place = m_next;
+    if (place == m_entries.end() || place->path != path) {
+        const auto found = m_places.find(path);
+        place = found == m_places.end() ? m_entries.end() : found->second;
+    }
+    const bool hasNext = place != m_entries.end() && place != m_entries.begin();
+    m_next = hasNext ? std::prev(place) : m_entries.end();
+    return place;
+}
+
+void MessageCache::Erase(Place place) noexcept {
+    if (m_next == place) {
+        m_next = m_entries.end();
+    }
+    m_bytes -= place->Weight();
+    m_places.erase(place->path);
+    m_entries.erase(place);
 }
 
 LoadedMessage MessageCache::Load(const Text& path) {
-    const std::optional<FileEntry> file = QueryFile(path);
+    std::optional<FileEntry> file = QueryFile(path);
     Require(file.has_value() && !file->isFolder, MAPI_E_NOT_FOUND);
-    return Load(path, *file);
+    return Load(path, std::move(*file));
 }
 
 LoadedMessage MessageCache::Read(const Text& path) {
@@ -68,7 +88,7 @@ LoadedMessage MessageCache::Read(const Text& path) {
     // Whatever memory may be short for comes first, so that list and places always agree.
     std::list<Entry> entry;
     entry.push_front({path, file.stamp, file.creationTime, content});
-    m_places[path] = entry.begin();
+    m_places.emplace(entry.front().path, entry.begin());
     m_entries.splice(m_entries.begin(), entry);
     m_bytes += m_entries.front().Weight();
     Trim();
@@ -80,25 +100,21 @@ void MessageCache::Trim() {
     // Folders are read from end to end, again and again. What was used last is what such a reader needs last.
     // Were the least recently used to go, it would find nothing of a folder for which there is no room.
     while (m_bytes > m_mostBytes && m_entries.size() > 1) {
-        const auto second = std::next(m_entries.begin());
-        m_bytes -= second->Weight();
-        m_places.erase(second->path);
-        m_entries.erase(second);
+        Erase(std::next(m_entries.begin()));
     }
 }
 
 void MessageCache::Forget(const Text& path) noexcept {
     const auto found = m_places.find(path);
     if (found != m_places.end()) {
-        m_bytes -= found->second->Weight();
-        m_entries.erase(found->second);
-        m_places.erase(found);
+        Erase(found->second);
     }
 }
 
 void MessageCache::Clear() {
-    m_entries.clear();
     m_places.clear();
+    m_entries.clear();
+    m_next = m_entries.end();
     m_bytes = 0;
 }
 

@@ -4,6 +4,7 @@
 
 #include <list>
 #include <memory>
+#include <string_view>
 #include <unordered_map>
 
 #include "localstore/file_system.h"
@@ -34,7 +35,7 @@ class MessageCache {
     static MessageCache& Instance();
 
     /// The message of a file whose listing was just read: an unchanged file is not touched.
-    LoadedMessage Load(const Text& path, const FileEntry& listed);
+    LoadedMessage Load(const Text& path, FileEntry listed);
     /// The message of a file as it is now.
     LoadedMessage Load(const Text& path);
     /// Forgets a file that was written or removed.
@@ -56,14 +57,20 @@ class MessageCache {
     };
     using Place = std::list<Entry>::iterator;
 
+    [[nodiscard]] Place Find(const Text& path);
     LoadedMessage Read(const Text& path);
+    void Erase(Place place) noexcept;
     void Trim();
 
     StorageCalls m_calls;
     std::uint64_t m_mostBytes;
     /// The most recently used first.
     std::list<Entry> m_entries;
-    std::unordered_map<Text, Place> m_places;
+    /// The entries by their own paths.
+    std::unordered_map<std::wstring_view, Place> m_places;
+    /// The entry that was used next after the one that was looked for last. Folders are read in the same
+    /// order again and again, so it is mostly the one that is looked for now; the end if there is none.
+    Place m_next = m_entries.end();
     std::uint64_t m_bytes = 0;
     std::size_t m_filesRead = 0;
 };

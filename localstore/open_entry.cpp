@@ -25,16 +25,22 @@ Opened OpenFolder(std::unique_ptr<const FolderSource> source, LPCIID iid) {
     return Handed(MakeObject<Folder>(std::move(source)), MAPI_FOLDER, iid);
 }
 
-Opened OpenMessage(const std::shared_ptr<StoreTree>& tree, const Text& folder, const Text& name, LPCIID iid,
-                   ULONG flags) {
-    const Text path = tree->FullPath(JoinPath(folder, name));
+Opened OpenMessage(const std::shared_ptr<StoreTree>& tree, const EntryId& id, LPCIID iid, ULONG flags) {
+    // Whether the folder is still there needs no question of its own: a file that is has one.
+    std::optional<Text> folder = tree->LastSeenFolder(id.folder);
+    Require(folder.has_value(), MAPI_E_NOT_FOUND);
+    const std::optional<Text> name = tree->FindMessage(*folder, id.message);
+    Require(name.has_value(), MAPI_E_NOT_FOUND);
+    const Text path = tree->FullPath(JoinPath(*folder, *name));
     LoadedMessage message = MessageCache::Instance().Load(path);
     const bool best = (flags & MAPI_BEST_ACCESS) != 0;
     const bool modify = (flags & MAPI_MODIFY) != 0;
     // With the best access that there is, a file that cannot be written shows at SaveChanges.
     Require(!modify || best || !IsReadOnlyFile(path), MAPI_E_NO_ACCESS);
     const Message::Mode mode = modify || best ? Message::Mode::ReadWrite : Message::Mode::ReadOnly;
-    return Handed(MakeObject<Message>(tree, folder, std::move(message), mode), MAPI_MESSAGE, iid);
+    auto object = MakeObject<Message>(tree, MessageFolder{std::move(*folder), id.folder}, std::move(message),
+                                      mode, id.message);
+    return Handed(std::move(object), MAPI_MESSAGE, iid);
 }
 
 Opened Open(const std::shared_ptr<StoreTree>& tree, ULONG size, const ENTRYID* bytes, LPCIID iid,
@@ -47,14 +53,12 @@ Opened Open(const std::shared_ptr<StoreTree>& tree, ULONG size, const ENTRYID* b
     if (id->kind == EntryKind::Root) {
         return OpenFolder(std::make_unique<FolderSource>(tree), iid);
     }
+    if (id->kind == EntryKind::Message) {
+        return OpenMessage(tree, *id, iid, flags);
+    }
     const std::optional<Text> folder = tree->FindFolder(id->folder);
     Require(folder.has_value(), MAPI_E_NOT_FOUND);
-    if (id->kind == EntryKind::Folder) {
-        return OpenFolder(std::make_unique<FolderSource>(tree, tree->Folder(*folder), 0), iid);
-    }
-    const std::optional<Text> name = tree->FindMessage(*folder, id->message);
-    Require(name.has_value(), MAPI_E_NOT_FOUND);
-    return OpenMessage(tree, *folder, *name, iid, flags);
+    return OpenFolder(std::make_unique<FolderSource>(tree, tree->Folder(*folder), 0), iid);
 }
 
 }  // namespace

@@ -79,12 +79,10 @@ std::vector<ProfileInfo> ListProfiles() {
     std::vector<ProfileInfo> profiles;
     std::vector<std::optional<bool>> wishes;
     const Text root = RootPath();
-    for (const FileEntry& entry : ListFolder(root)) {
-        if (entry.isFolder) {
-            const FolderIni ini = ReadFolderIni(JoinPath(root, entry.name));
-            profiles.push_back({ini.Find(L"Profile", L"Name").value_or(entry.name), entry.name, false});
-            wishes.push_back(ini.FindFlag(L"Profile", L"Default"));
-        }
+    for (const Text& name : ListSubFolders(root)) {
+        const FolderIni ini = ReadFolderIni(JoinPath(root, name));
+        profiles.push_back({ini.Find(L"Profile", L"Name").value_or(name), name, false});
+        wishes.push_back(ini.FindFlag(L"Profile", L"Default"));
     }
     ChooseDefault(profiles, wishes);
     return profiles;
@@ -94,13 +92,11 @@ std::vector<StoreInfo> ListStores(const Text& directory) {
     std::vector<StoreInfo> stores;
     std::vector<std::optional<bool>> wishes;
     const Text folder = JoinPath(RootPath(), directory);
-    for (const FileEntry& entry : ListFolder(folder)) {
-        if (entry.isFolder) {
-            const FolderIni ini = ReadFolderIni(JoinPath(folder, entry.name));
-            const bool refuses = ini.FindFlag(L"Store", L"Refuse").value_or(false);
-            stores.push_back({StoreTree::Of(folder, directory, entry.name), false, refuses});
-            wishes.push_back(ini.FindFlag(L"Store", L"Default"));
-        }
+    for (const Text& name : ListSubFolders(folder)) {
+        const FolderIni ini = ReadFolderIni(JoinPath(folder, name));
+        const bool refuses = ini.FindFlag(L"Store", L"Refuse").value_or(false);
+        stores.push_back({StoreTree::Of(folder, directory, name), false, refuses});
+        wishes.push_back(ini.FindFlag(L"Store", L"Default"));
     }
     ChooseDefault(stores, wishes);
     return stores;

@@ -48,9 +48,15 @@ std::vector<PropertyTag> TagsOfClient(const SPropTagArray* tags) {
 bool FillValues(const PropertySource& source, const std::vector<PropertyTag>& tags, bool unicode,
                 std::size_t longest, void* parent, SPropValue* values) {
     bool complete = true;
-    ValueRequest request{0, unicode, source.CodePage(), longest};
+    ValueRequest request{0, unicode, CP_ACP, longest};
+    bool knowsCodePage = false;
     for (std::size_t i = 0; i < tags.size(); ++i) {
         const std::optional<Property> property = source.Find(IdOf(tags[i]));
+        if (!knowsCodePage && property && (property->Type() & ~kMultipleFlag) == kTypeString8) {
+            // Only 8-bit strings need it, and most messages have none.
+            request.codePage = source.CodePage();
+            knowsCodePage = true;
+        }
         request.tag = tags[i];
         complete = PutValue(property ? &*property : nullptr, request, parent, values[i]) && complete;
     }

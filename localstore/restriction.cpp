@@ -55,20 +55,48 @@ bool HoldsRelation(ULONG relation, std::partial_ordering order) {
     }
 }
 
+/// The order of a string property of a row and a text. Unicode is compared as it is kept: a table asks this
+/// of each of its rows.
+std::partial_ordering CompareText(const Property& property, const PropertySource& row, const Text& text) {
+    if (property.Type() == kTypeString8) {
+        return DecodeText(property.Data(), row.CodePage()) <=> text;
+    }
+    const Bytes& bytes = property.Data();
+    const std::size_t units = bytes.size() / 2;
+    for (std::size_t i = 0; i < units && i < text.size(); ++i) {
+        const auto unit = static_cast<wchar_t>(bytes[2 * i] | bytes[2 * i + 1] << 8U);
+        if (unit != text[i]) {
+            return unit <=> text[i];
+        }
+    }
+    return units <=> text.size();
+}
+
 class PropertyCondition final : public Condition {
   public:
     PropertyCondition(ULONG relation, PropertyId id, Property value)
-        : m_relation(relation), m_id(id), m_value(std::move(value)) {}
+        : m_relation(relation), m_id(id), m_value(std::move(value)) {
+        if (IsString(m_value.Type())) {
+            m_text = TextOf(m_value, CP_ACP);
+        }
+    }
     [[nodiscard]] bool Holds(const PropertySource& row) const override {
         // A row without the property matches no relation, not even RELOP_NE.
         const std::optional<Property> property = row.Find(m_id);
-        return property && HoldsRelation(m_relation, CompareValues(*property, m_value, row.CodePage()));
+        return property && HoldsRelation(m_relation, Compare(*property, row));
     }
 
   private:
+    [[nodiscard]] std::partial_ordering Compare(const Property& property, const PropertySource& row) const {
+        return m_text && IsString(property.Type()) ? CompareText(property, row, *m_text)
+                                                   : CompareValues(property, m_value, CP_ACP);
+    }
+
     ULONG m_relation;
     PropertyId m_id;
     Property m_value;
+    /// The value as a text, if it is a string.
+    std::optional<Text> m_text;
 };
 
 class ContentCondition final : public Condition {

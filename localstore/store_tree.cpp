@@ -84,18 +84,11 @@ EntryId StoreTree::FolderId(const Text& path) const {
     return id;
 }
 
-EntryId StoreTree::MessageId(const Text& folder, const Text& name) const {
+EntryId StoreTree::MessageId(const NameDigest& folder, const NameDigest& message) const {
     EntryId id = StoreId();
     id.kind = EntryKind::Message;
-    const auto index = m_messages.find(folder);
-    if (index == m_messages.end()) {
-        id.folder = DigestOf(folder);
-        id.message = DigestOf(name);
-        return id;
-    }
-    id.folder = index->second.folder;
-    const auto digest = index->second.digests.find(name);
-    id.message = digest == index->second.digests.end() ? DigestOf(name) : digest->second;
+    id.folder = folder;
+    id.message = message;
     return id;
 }
 
@@ -126,10 +119,8 @@ FolderInfo StoreTree::Folder(const Text& path) const {
 
 std::vector<FolderInfo> StoreTree::SubFolders(const Text& path) const {
     std::vector<FolderInfo> folders;
-    for (const FileEntry& entry : ListFolder(FullPath(path))) {
-        if (entry.isFolder) {
-            folders.push_back(Folder(JoinPath(path, entry.name)));
-        }
+    for (const Text& name : ListSubFolders(FullPath(path))) {
+        folders.push_back(Folder(JoinPath(path, name)));
     }
     return folders;
 }
@@ -142,28 +133,42 @@ std::size_t StoreTree::DigestHash::operator()(const NameDigest& digest) const no
 }
 
 bool StoreTree::MessageIndex::HasNamesOf(const std::vector<FileEntry>& files) const {
-    return files.size() == digests.size() &&
-           std::all_of(files.begin(), files.end(),
-                       [this](const FileEntry& file) { return digests.contains(file.name); });
+    return std::equal(
+        files.begin(), files.end(), names.begin(), names.end(),
+        [](const FileEntry& file, const IndexedName& known) { return file.name == known.name; });
 }
 
-std::vector<FileEntry> StoreTree::MessageFiles(const Text& folder) {
+StoreTree::MessageIndex StoreTree::MessageIndex::Of(const std::vector<FileEntry>& files) const {
+    MessageIndex fresh;
+    fresh.names.reserve(files.size());
+    fresh.places.reserve(files.size());
+    // Both stand in order of the names, so one walk along the known ones finds those that stay.
+    auto known = names.begin();
+    for (const FileEntry& file : files) {
+        known =
+            std::find_if(known, names.end(), [&](const IndexedName& one) { return one.name >= file.name; });
+        const bool stays = known != names.end() && known->name == file.name;
+        const NameDigest digest = stays ? known->digest : DigestOf(file.name);
+        fresh.places.emplace(digest, fresh.names.size());
+        fresh.names.push_back({file.name, digest});
+    }
+    return fresh;
+}
+
+std::vector<MessageFile> StoreTree::MessageFiles(const Text& folder) {
     std::vector<FileEntry> files = ListFolder(FullPath(folder));
     std::erase_if(files,
                   [](const FileEntry& entry) { return entry.isFolder || !IsMessageFileName(entry.name); });
-    MessageIndex& kept = m_messages.try_emplace(folder, folder).first->second;
-    if (kept.HasNamesOf(files)) {
-        return files;
+    MessageIndex& index = m_messages[folder];
+    if (!index.HasNamesOf(files)) {
+        index = index.Of(files);
     }
-    MessageIndex fresh(folder);
-    for (const FileEntry& file : files) {
-        const auto known = kept.digests.find(file.name);
-        const NameDigest digest = known == kept.digests.end() ? DigestOf(file.name) : known->second;
-        fresh.digests.emplace(file.name, digest);
-        fresh.names.emplace(digest, file.name);
+    std::vector<MessageFile> messages;
+    messages.reserve(files.size());
+    for (FileEntry& file : files) {
+        messages.push_back({std::move(file), index.names[messages.size()].digest});
     }
-    kept = std::move(fresh);
-    return files;
+    return messages;
 }
 
 void StoreTree::IndexFolders(const Text& path, int depth) {
@@ -171,39 +176,41 @@ void StoreTree::IndexFolders(const Text& path, int depth) {
     if (depth == kDeepestFolder) {
         return;
     }
-    for (const FileEntry& entry : ListFolder(FullPath(path))) {
-        if (entry.isFolder) {
-            IndexFolders(JoinPath(path, entry.name), depth + 1);
-        }
+    for (const Text& name : ListSubFolders(FullPath(path))) {
+        IndexFolders(JoinPath(path, name), depth + 1);
     }
 }
 
-std::optional<Text> StoreTree::FindFolder(const NameDigest& digest) {
-    for (const bool again : {false, true}) {
-        if (again) {
-            m_folders.clear();
-            IndexFolders({}, 0);
-        }
-        const auto found = m_folders.find(digest);
-        if (found != m_folders.end() && FolderExists(FullPath(found->second))) {
-            return found->second;
-        }
+std::optional<Text> StoreTree::LastSeenFolder(const NameDigest& digest) {
+    auto found = m_folders.find(digest);
+    if (found == m_folders.end()) {
+        m_folders.clear();
+        IndexFolders({}, 0);
+        found = m_folders.find(digest);
     }
-    return std::nullopt;
+    return found == m_folders.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<Text> StoreTree::FindFolder(const NameDigest& digest) {
+    std::optional<Text> path = LastSeenFolder(digest);
+    return path && FolderExists(FullPath(*path)) ? path : std::nullopt;
 }
 
 std::optional<Text> StoreTree::FindMessage(const Text& folder, const NameDigest& digest) {
     for (const bool again : {false, true}) {
         if (again) {
+            if (!FolderExists(FullPath(folder))) {
+                break;
+            }
             MessageFiles(folder);
         }
         const auto index = m_messages.find(folder);
         if (index == m_messages.end()) {
             continue;
         }
-        const auto found = index->second.names.find(digest);
-        if (found != index->second.names.end()) {
-            return found->second;
+        const auto found = index->second.places.find(digest);
+        if (found != index->second.places.end()) {
+            return index->second.names[found->second].name;
         }
     }
     return std::nullopt;
@@ -212,12 +219,10 @@ std::optional<Text> StoreTree::FindMessage(const Text& folder, const NameDigest&
 std::optional<Text> StoreTree::TopFolder(std::wstring_view name) const {
     // A look at the listing, and not at the name asked for: the identifier is made of the name as it is
     // written on the disk.
-    for (const FileEntry& entry : ListFolder(m_directory)) {
-        if (entry.isFolder && SameName(entry.name, name)) {
-            return entry.name;
-        }
-    }
-    return std::nullopt;
+    const std::vector<Text> names = ListSubFolders(m_directory);
+    const auto found =
+        std::find_if(names.begin(), names.end(), [&](const Text& one) { return SameName(one, name); });
+    return found == names.end() ? std::nullopt : std::optional(*found);
 }
 
 std::optional<Text> StoreTree::DefaultFolder(PropertyId property) const {

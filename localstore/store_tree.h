@@ -25,6 +25,12 @@ struct FolderInfo {
     std::optional<Text> containerClass;
 };
 
+/// A file with the digest of its name.
+struct MessageFile {
+    FileEntry file;
+    NameDigest digest{};
+};
+
 class StoreTree {
   public:
     /// The store of a folder. One object stands for it as long as the process lives, so that the identifiers
@@ -45,16 +51,22 @@ class StoreTree {
     [[nodiscard]] EntryId StoreId() const;
     [[nodiscard]] EntryId RootId() const;
     [[nodiscard]] EntryId FolderId(const Text& path) const;
-    [[nodiscard]] EntryId MessageId(const Text& folder, const Text& name) const;
+    /// The identifier of a message, from the digests of its folder's path and of its file's name.
+    [[nodiscard]] EntryId MessageId(const NameDigest& folder, const NameDigest& message) const;
 
     /// The file or folder that a path below the store stands for.
     [[nodiscard]] Text FullPath(const Text& path) const { return JoinPath(m_directory, path); }
 
     [[nodiscard]] FolderInfo Folder(const Text& path) const;
     [[nodiscard]] std::vector<FolderInfo> SubFolders(const Text& path) const;
-    /// The message files of a folder, damaged ones included.
-    std::vector<FileEntry> MessageFiles(const Text& folder);
+    [[nodiscard]] bool HasSubFolders(const Text& path) const {
+        return localstore::HasSubFolders(FullPath(path));
+    }
+    /// The message files of a folder in order of their names, damaged ones included.
+    std::vector<MessageFile> MessageFiles(const Text& folder);
 
+    /// The folder of a digest, if there was one when the folders were last looked through or is one now.
+    std::optional<Text> LastSeenFolder(const NameDigest& digest);
     /// The folder of a digest, if there is one now.
     std::optional<Text> FindFolder(const NameDigest& digest);
     /// The file name of a message's digest, if the folder had one when it was last listed or has one now.
@@ -72,16 +84,20 @@ class StoreTree {
     struct DigestHash {
         std::size_t operator()(const NameDigest& digest) const noexcept;
     };
-    /// The digest of a folder's path, and the names of its messages and theirs.
+    struct IndexedName {
+        Text name;
+        NameDigest digest{};
+    };
+    /// The names of a folder's messages, in order, and the place of each by its digest. A folder that is
+    /// listed again is compared from end to end, which takes no look at a hash table.
     struct MessageIndex {
-        explicit MessageIndex(const Text& path) : folder(DigestOf(path)) {}
-
-        NameDigest folder;
-        std::unordered_map<Text, NameDigest> digests;
-        std::unordered_map<NameDigest, Text, DigestHash> names;
+        std::vector<IndexedName> names;
+        std::unordered_map<NameDigest, std::size_t, DigestHash> places;
 
         /// True if it has the names of these files and no others.
         [[nodiscard]] bool HasNamesOf(const std::vector<FileEntry>& files) const;
+        /// An index of these files, with the digests that this one knows already.
+        [[nodiscard]] MessageIndex Of(const std::vector<FileEntry>& files) const;
     };
 
     /// The class of a folder below the top with its folder.ini.

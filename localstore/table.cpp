@@ -50,7 +50,9 @@ std::partial_ordering CompareRows(const PropertySource& left, const PropertySour
 }  // namespace
 
 Table::Table(CallSubject subject, std::vector<TableRow> rows, std::vector<PropertyTag> columns)
-    : m_subject(std::move(subject)), m_all(std::move(rows)), m_rows(m_all), m_columns(std::move(columns)) {}
+    : m_subject(std::move(subject)), m_all(std::move(rows)), m_columns(std::move(columns)) {
+    Arrange();
+}
 
 bool Table::Supports(REFIID iid) const {
     return IsEqualGUID(iid, IID_IUnknown) || IsEqualGUID(iid, IID_IMAPITable);
@@ -164,7 +166,7 @@ STDMETHODIMP Table::FindRow(LPSRestriction restriction, BOOKMARK origin, ULONG f
     };
     return Call("FindRow", describe, [&] {
         const std::unique_ptr<const Condition> condition = ConditionOf(restriction);
-        const auto matches = [&](const TableRow& row) { return condition->Holds(*row); };
+        const auto matches = [&](const PropertySource* row) { return condition->Holds(*row); };
         const auto begin = m_rows.begin() + static_cast<std::ptrdiff_t>(PlaceOf(origin));
         if ((flags & DIR_BACKWARD) != 0) {
             const auto found = std::find_if(std::make_reverse_iterator(begin), m_rows.rend(), matches);
@@ -221,21 +223,24 @@ STDMETHODIMP Table::SortTable(LPSSortOrderSet order, ULONG flags) {
 }
 
 void Table::Arrange() {
-    std::vector<TableRow> rows;
-    const auto wanted = [this](const TableRow& row) {
-        return m_condition == nullptr || m_condition->Holds(*row);
-    };
-    std::copy_if(m_all.begin(), m_all.end(), std::back_inserter(rows), wanted);
+    std::vector<const PropertySource*> rows;
+    rows.reserve(m_all.size());
+    for (const TableRow& row : m_all) {
+        if (m_condition == nullptr || m_condition->Holds(*row)) {
+            rows.push_back(row.get());
+        }
+    }
     if (!m_order.empty()) {
-        std::stable_sort(rows.begin(), rows.end(), [this](const TableRow& left, const TableRow& right) {
-            for (const SSortOrder& order : m_order) {
-                const std::partial_ordering result = CompareRows(*left, *right, order);
-                if (std::is_lt(result) || std::is_gt(result)) {
-                    return std::is_lt(result);
-                }
-            }
-            return false;
-        });
+        std::stable_sort(rows.begin(), rows.end(),
+                         [this](const PropertySource* left, const PropertySource* right) {
+                             for (const SSortOrder& order : m_order) {
+                                 const std::partial_ordering result = CompareRows(*left, *right, order);
+                                 if (std::is_lt(result) || std::is_gt(result)) {
+                                     return std::is_lt(result);
+                                 }
+                             }
+                             return false;
+                         });
     }
     m_rows = std::move(rows);
     m_position = 0;

@@ -46,8 +46,8 @@ class Table final : public ComObject<RefusingTable> {
 
     CallSubject m_subject;
     std::vector<TableRow> m_all;
-    /// The rows that the restriction lets through, in order.
-    std::vector<TableRow> m_rows;
+    /// Those of all rows that the restriction lets through, in order.
+    std::vector<const PropertySource*> m_rows;
     std::vector<PropertyTag> m_columns;
     std::unique_ptr<const Condition> m_condition;
     std::vector<SSortOrder> m_order;

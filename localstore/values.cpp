@@ -27,22 +27,6 @@ bool IsStreamed(const Property& property) {
     return !IsString(BaseType(property.Type())) || property.Id() == body;
 }
 
-/// The bytes of a string in the type that a client asked for, with a terminator behind them.
-Bytes StringBytes(const SharedBytes& stored, PropertyType storedType, PropertyType askedType, UINT codePage) {
-    Bytes bytes = *stored;
-    if (storedType == kTypeString8 && askedType == kTypeUnicode) {
-        bytes = BytesOfText(DecodeText(bytes, codePage));
-    } else if (storedType == kTypeUnicode && askedType == kTypeString8) {
-        bytes = EncodeText(TextOfBytes(bytes), CP_ACP);
-    } else if (storedType == kTypeUnicode) {
-        bytes.resize(bytes.size() / 2 * 2);
-    } else if (UsableCodePage(codePage) != CP_ACP && codePage != GetACP()) {
-        bytes = EncodeText(DecodeText(bytes, codePage), CP_ACP);
-    }
-    bytes.resize(bytes.size() + 2);
-    return bytes;
-}
-
 void* Copy(const void* bytes, std::size_t size, void* parent) {
     void* copy = NewBufferUnder(parent, size);
     if (size != 0) {
@@ -51,18 +35,51 @@ void* Copy(const void* bytes, std::size_t size, void* parent) {
     return copy;
 }
 
+/// Copies a string of either type, with a terminator that does for both.
+void* CopyString(const void* string, std::size_t size, void* parent) {
+    constexpr std::size_t terminator = 2;
+    auto* copy = static_cast<BYTE*>(NewBufferUnder(parent, size + terminator));
+    if (size != 0) {
+        std::memcpy(copy, string, size);
+    }
+    std::memset(copy + size, 0, terminator);
+    return copy;
+}
+
+/// A string in the type that a client asked for.
+void* StringOf(const Bytes& stored, PropertyType storedType, PropertyType askedType, UINT codePage,
+               void* parent) {
+    if (storedType == kTypeUnicode && askedType == kTypeUnicode) {
+        return CopyString(stored.data(), stored.size() / 2 * 2, parent);
+    }
+    if (askedType == kTypeUnicode) {
+        const Text text = DecodeText(stored, codePage);
+        return CopyString(text.data(), text.size() * sizeof(wchar_t), parent);
+    }
+    if (storedType == kTypeUnicode) {
+        const Bytes bytes = EncodeText(TextOfBytes(stored), CP_ACP);
+        return CopyString(bytes.data(), bytes.size(), parent);
+    }
+    if (UsableCodePage(codePage) != CP_ACP && codePage != GetACP()) {
+        const Bytes bytes = EncodeText(DecodeText(stored, codePage), CP_ACP);
+        return CopyString(bytes.data(), bytes.size(), parent);
+    }
+    return CopyString(stored.data(), stored.size(), parent);
+}
+
 void PutVariable(const SharedBytes& data, PropertyType stored, const ValueRequest& request, void* parent,
                  SPropValue& value) {
-    const SharedBytes bytes = data ? data : std::make_shared<const Bytes>();
+    static const Bytes none;
+    const Bytes& bytes = data ? *data : none;
     const PropertyType asked = BaseType(TypeOf(value.ulPropTag));
     if (IsString(asked)) {
-        const Bytes text = StringBytes(bytes, BaseType(stored), asked, request.codePage);
-        value.Value.lpszA = static_cast<LPSTR>(Copy(text.data(), text.size(), parent));
+        value.Value.lpszA =
+            static_cast<LPSTR>(StringOf(bytes, BaseType(stored), asked, request.codePage, parent));
     } else if (asked == kTypeGuid) {
-        value.Value.lpguid = static_cast<LPGUID>(Copy(bytes->data(), sizeof(GUID), parent));
+        value.Value.lpguid = static_cast<LPGUID>(Copy(bytes.data(), sizeof(GUID), parent));
     } else {
-        value.Value.bin.cb = static_cast<ULONG>(bytes->size());
-        value.Value.bin.lpb = static_cast<LPBYTE>(Copy(bytes->data(), bytes->size(), parent));
+        value.Value.bin.cb = static_cast<ULONG>(bytes.size());
+        value.Value.bin.lpb = static_cast<LPBYTE>(Copy(bytes.data(), bytes.size(), parent));
     }
 }
 

@@ -11,8 +11,8 @@
 
 namespace {
 
-/// Identifiers of the local store have 60 bytes, which are two digits each.
-constexpr std::size_t kIdDigits = 120;
+/// Identifiers of the local store have 56 bytes, which are two digits each.
+constexpr std::size_t kIdDigits = 112;
 
 LogItems MakeItems(unsigned long count) {
     LogItems items;

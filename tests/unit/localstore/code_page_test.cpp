@@ -57,6 +57,18 @@ TEST_F(CodePages, TheMessagesOwnComesFirst) {
     EXPECT_EQ(FirstTexts(ContentsOf(contacts.Get(), {PR_SURNAME_W})), (std::vector<std::wstring>{kGreek}));
 }
 
+TEST_F(CodePages, ARestrictionComparesInTheMessagesOwn) {
+    WriteMessageFile({{kMessageCodePage, 1253}});
+    const ComPtr<IMAPIFolder> contacts = OpenContacts();
+    for (const auto& [text, count] : {std::pair(kGreek, 1U), std::pair(kLatin, 0U)}) {
+        SPropValue value = StringValue(PR_SURNAME_W, text);
+        SRestriction restriction{};
+        restriction.rt = RES_PROPERTY;
+        restriction.res.resProperty = {RELOP_EQ, value.ulPropTag, &value};
+        EXPECT_EQ(ContentsOf(contacts.Get(), {PR_SURNAME_W}, &restriction)->cRows, count);
+    }
+}
+
 TEST_F(CodePages, TheInternetCodePageComesSecond) {
     WriteMessageFile({{kInternetCodePage, 1253}});
     EXPECT_EQ(TextOf(TheMessage().Get(), PR_SURNAME_W), kGreek);

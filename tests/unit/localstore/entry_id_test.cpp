@@ -111,6 +111,17 @@ TEST(EntryIdOfTheStore, RefusesEveryOtherLength) {
     EXPECT_FALSE(EntryId::Decode(nullptr, 0));
 }
 
+TEST(EntryIdOfTheStore, RefusesTheLengthOfAnotherKind) {
+    for (const EntryKind kind : {EntryKind::Store, EntryKind::Root, EntryKind::Folder}) {
+        Bytes bytes = SomeMessage().Encode();
+        bytes[21] = static_cast<std::uint8_t>(kind);
+        const std::size_t right = kind == EntryKind::Folder ? 40 : 24;
+        for (std::size_t size = 0; size <= bytes.size(); ++size) {
+            EXPECT_EQ(EntryId::Decode(bytes.data(), size).has_value(), size == right) << size;
+        }
+    }
+}
+
 TEST(EntryIdOfTheStore, RefusesAnyChangeOfItsHead) {
     const Bytes bytes = SomeMessage().Encode();
     for (const std::size_t offset : {0U, 1U, 2U, 3U, 20U, 21U, 22U, 23U}) {

@@ -1,3 +1,6 @@
+#include <algorithm>
+
+#include "localstore/entry_id.h"
 #include "store_fixture.h"
 
 using namespace localstore_test;
@@ -97,6 +100,50 @@ TEST_F(EntryIds, OfAFileThatCameFromOutsideOpens) {
     EXPECT_EQ(OpenMessage(contacts.Get(), id), nullptr);
     ASSERT_TRUE(MoveFileW(away.c_str(), path.c_str()));
     EXPECT_NE(OpenMessage(contacts.Get(), id), nullptr);
+}
+
+TEST_F(EntryIds, AreThoseOfTheNamesWhateverFilesComeAndGo) {
+    const ComPtr<IMAPIFolder> contacts = OpenContacts();
+    for (const wchar_t* subject : {L"b", L"c", L"d"}) {
+        AddContact(contacts.Get(), subject);
+    }
+    const std::wstring folder = PathOf(kContactsPath) + L"\\";
+    const auto check = [&](const std::vector<std::wstring>& names) {
+        const RowSet rows = ContentsOf(contacts.Get(), {PR_ENTRYID});
+        ASSERT_EQ(rows->cRows, names.size());
+        for (ULONG i = 0; i < rows->cRows; ++i) {
+            const SBinary& id = rows->aRow[i].lpProps[0].Value.bin;
+            ASSERT_EQ(id.cb, 56U);
+            const localstore::NameDigest digest = localstore::DigestOf(names[i]);
+            EXPECT_TRUE(std::equal(digest.begin(), digest.end(), id.lpb + 40)) << i;
+            EXPECT_NE(OpenMessage(contacts.Get(), {id.lpb, id.lpb + id.cb}), nullptr) << i;
+        }
+    };
+    check({L"b.msg", L"c.msg", L"d.msg"});
+    ASSERT_TRUE(CopyFileW((folder + L"b.msg").c_str(), (folder + L"a.msg").c_str(), TRUE));
+    ASSERT_TRUE(MoveFileW((folder + L"c.msg").c_str(), (folder + L"cc.msg").c_str()));
+    ASSERT_TRUE(CopyFileW((folder + L"b.msg").c_str(), (folder + L"e.msg").c_str(), TRUE));
+    check({L"a.msg", L"b.msg", L"cc.msg", L"d.msg", L"e.msg"});
+    ASSERT_TRUE(DeleteFileW((folder + L"a.msg").c_str()));
+    ASSERT_TRUE(DeleteFileW((folder + L"e.msg").c_str()));
+    check({L"b.msg", L"cc.msg", L"d.msg"});
+}
+
+TEST_F(EntryIds, OfAMessageInAFolderThatIsGoneOrAFileIsNotFound) {
+    MakeFolder(L"Work\\Mail\\Later");
+    const ComPtr<IMsgStore> mail = OpenStore(LogOn().Get());
+    const std::vector<BYTE> id = AddContact(OpenFolder(mail.Get(), L"Later").Get(), L"John Doe");
+    ASSERT_EQ(Open(mail.Get(), id), S_OK);
+    std::vector<BYTE> other = id;
+    other.back() ^= 1U;
+    const std::wstring folder = PathOf(L"Work\\Mail\\Later");
+    ASSERT_TRUE(DeleteFileW((folder + L"\\John Doe.msg").c_str()));
+    ASSERT_TRUE(RemoveDirectoryW(folder.c_str()));
+    EXPECT_EQ(Open(mail.Get(), id), MAPI_E_NOT_FOUND);
+    EXPECT_EQ(Open(mail.Get(), other), MAPI_E_NOT_FOUND);
+    WriteFileText(L"Work\\Mail\\Later", "no folder");
+    EXPECT_EQ(Open(mail.Get(), id), MAPI_E_NOT_FOUND);
+    EXPECT_EQ(Open(mail.Get(), other), MAPI_E_NOT_FOUND);
 }
 
 TEST_F(EntryIds, OfAFolderThatCameLaterOpens) {

@@ -121,6 +121,18 @@ TEST_F(Folders, CountAndSubFoldersAreWhatTheyHold) {
     EXPECT_EQ(TextOf(contacts.Get(), PR_DISPLAY_NAME_W), L"Contacts");
 }
 
+TEST_F(Folders, OnlyFoldersThatAreShownCountAsSubFolders) {
+    const ComPtr<IMAPIFolder> contacts = OpenContacts();
+    const auto hasSubFolders = [&] { return OneValue(contacts.Get(), PR_SUBFOLDERS).Value().Value.b; };
+    AddContact(contacts.Get(), L"one");
+    MakeFolder(L"Work\\Mail\\Contacts\\.hidden");
+    EXPECT_EQ(hasSubFolders(), FALSE);
+    MakeFolder(L"Work\\Mail\\Contacts\\two.msg");
+    EXPECT_EQ(hasSubFolders(), TRUE);
+    ASSERT_TRUE(RemoveDirectoryW(PathOf(L"Work\\Mail\\Contacts\\two.msg").c_str()));
+    EXPECT_EQ(hasSubFolders(), FALSE);
+}
+
 TEST_F(Folders, TheDeepTableShowsAllLevels) {
     MakeFolder(L"Work\\Mail\\Contacts\\Family");
     MakeFolder(L"Work\\Mail\\Contacts\\Family\\Far");

@@ -132,6 +132,26 @@ TEST_F(MessageCaching, AWalkThroughMoreThanThereIsRoomForFindsWhatHasRoom) {
     EXPECT_EQ(readsOfTwoWalks(1), (std::vector<std::size_t>{3, 3}));
 }
 
+TEST_F(MessageCaching, WhatIsForgottenInTheMiddleOfAWalkIsReadAgain) {
+    MessageCache cache;
+    const auto reads = [&](const wchar_t* name) {
+        const std::size_t before = cache.FilesRead();
+        EXPECT_EQ(cache.Load(File(name)).file.name, name);
+        return cache.FilesRead() - before;
+    };
+    for (const wchar_t* name : {L"a.msg", L"b.msg", L"c.msg"}) {
+        EXPECT_EQ(reads(name), 1U);
+    }
+    EXPECT_EQ(reads(L"a.msg"), 0U);
+    cache.Forget(File(L"b.msg"));
+    EXPECT_EQ(reads(L"b.msg"), 1U);
+    EXPECT_EQ(reads(L"c.msg"), 0U);
+    EXPECT_EQ(reads(L"a.msg"), 0U);
+    EXPECT_EQ(reads(L"c.msg"), 0U);
+    cache.Clear();
+    EXPECT_EQ(reads(L"a.msg"), 1U);
+}
+
 TEST_F(MessageCaching, AQuarterOfTheMachinesMemoryIsKept) {
     MEMORYSTATUSEX memory{};
     memory.dwLength = sizeof(memory);

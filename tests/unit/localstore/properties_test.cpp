@@ -51,6 +51,16 @@ TEST_F(Properties, StringsComeInTheWidthAskedFor) {
     EXPECT_STREQ(back, L"M\x00FCller");
 }
 
+TEST_F(Properties, AnEmptyStringHasItsTerminatorInBothWidths) {
+    ASSERT_EQ(Set(m_message.Get(), {StringValue(PR_SURNAME_W, L"")}), S_OK);
+    const OneValue wide(m_message.Get(), PR_SURNAME_W);
+    ASSERT_EQ(wide.Value().ulPropTag, PR_SURNAME_W);
+    EXPECT_STREQ(wide.Value().Value.lpszW, L"");
+    const OneValue narrow(m_message.Get(), PR_SURNAME_A);
+    ASSERT_EQ(narrow.Value().ulPropTag, PR_SURNAME_A);
+    EXPECT_STREQ(narrow.Value().Value.lpszA, "");
+}
+
 TEST_F(Properties, AnUnspecifiedStringFollowsTheFlag) {
     ASSERT_EQ(Set(m_message.Get(), {StringValue(PR_SURNAME_W, L"Doe")}), S_OK);
     const ULONG unspecified = CHANGE_PROP_TYPE(PR_SURNAME_W, PT_UNSPECIFIED);

@@ -145,6 +145,20 @@ TEST_F(Restrictions, CompareStringsExactly) {
     EXPECT_EQ(Rows(PropertyIs(RELOP_EQ, &narrow)), L"a");
 }
 
+TEST_F(Restrictions, OrderStringsUnitByUnit) {
+    const auto rows = [this](ULONG relation, const wchar_t* text) {
+        SPropValue value = StringValue(PR_MESSAGE_CLASS_W, text);
+        return Rows(PropertyIs(relation, &value));
+    };
+    EXPECT_EQ(rows(RELOP_LT, L"IPM.Contact.Custom"), L"a");
+    EXPECT_EQ(rows(RELOP_GE, L"IPM.Contact.Custom"), L"Bc");
+    EXPECT_EQ(rows(RELOP_GT, L"IPM"), L"Bac");
+    EXPECT_EQ(rows(RELOP_GT, L""), L"Bac");
+    // The largest unit is larger than a point.
+    EXPECT_EQ(rows(RELOP_LT, L"IPM.Contact\xFFFF"), L"Ba");
+    EXPECT_EQ(rows(RELOP_NE, L"IPM.Note"), L"Ba");
+}
+
 TEST_F(Restrictions, EveryValueButZeroIsTrue) {
     SPropValue value = BoolValue(PR_HASATTACH, true);
     value.Value.b = 0x100;
