@@ -6,20 +6,28 @@ that is not planned. Each line of the file is one measurement:
  "peak_bytes": ..., "store_bytes": ...}
 
 All reads are by a desktop program that does nothing with what it gets. "agent-first" is the first full read of a new agent,
-and "store-first" the same by a process that does nothing but the read's store calls; "msgreader-cold" takes turns with both.
-"agent" is a repeated full read. It takes turns with "callbacks", "store" and "documents", the three parts of its floor, each
-alone, and with parts of what is the agent's own: "selections" are those that it makes in the documents while they are built,
-"dates" the conversion of the items' dates, "series" the text that tells the exceptions of a series, out of the property that
-holds it; "class" builds the documents by the agent's class instead of direct calls. With them takes turns too what does the
-parts one item after the other: "turns" those of the floor, "own-turns" all of these. "full" is a repeated full read that takes
-turns with "changed" alone, a read of changes of a folder in which nothing changed; each size of a folder is measured so.
-"store-again" and "store-changed" are the store calls of both, "folders" is the folder document, "comparison" the comparison
-with a map alone. What took turns has the same word as its turn. The bytes are what the process grows by in its first full read,
-at its peak: the agent's, and that of the process that does nothing but the store's part, both after a read of the other kind.
+"start" and "logon" are what is before it, and "store-first" is the same read by a process that does nothing but its store
+calls; "msgreader-cold" takes turns with them. "agent" is a repeated full read. It takes turns with "callbacks", "store" and
+"documents", the three parts of its floor, each alone, and with parts of what is the agent's own: "selections" are those that it
+makes in the documents while they are built, "dates" the conversion of the items' dates, "series" the text that tells the
+exceptions of a series, out of the property that holds it; "class" builds the documents by the agent's class instead of direct
+calls. With them takes turns too what does the parts one item after the other: "turns" those of the floor, "own-turns" all of
+these.
+
+Each size of a folder is measured so: "grown-first" is the first full read of an agent that has read one item of the other kind,
+and "store-grown-first" the same by the store calls alone; "full" is a repeated one that takes turns with "changed" alone, a read
+of changes of a folder in which nothing changed. "store-again" are the store calls of "full", "folders" is the folder document.
+A read of changes is then measured again, as "unchanged", by turns with its parts: "store-changed" are its store calls,
+"listing" is what the system does for these, "rows" the list of identifiers and dates, "row-dates" the conversion of the dates
+in it, and "comparison" that of the list with the map. "unchanged-one", "store-changed-one" and "comparison-one" are the same
+of a folder with one item, of the other kind. What took turns has the same word as its turn. The bytes are what the process
+grows by in its first full read, at its peak: the agent's, and that of the process that does nothing but the store's part, both
+after a read of the other kind.
 
 The environment is that of the end-to-end tests, and ZEB_BENCH_BIN_DIR holds the measuring programs.
 """
 
+import functools
 import json
 import os
 import pathlib
@@ -33,6 +41,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
 
 import bench_items  # noqa: E402
 import harness  # noqa: E402
+import item_fields  # noqa: E402
 from harness import windows_path  # noqa: E402
 
 MSGREADER = pathlib.Path(__file__).resolve().parent / "msgreader/run.sh"
@@ -52,9 +61,11 @@ PLAN = [
 ]
 # For a folder that is not planned: everything, but not often.
 TURNS_TO_TRY = (2, 3, 3)
-# Comparisons are quick, and the folder document too.
+# Reads of changes and their parts are quick, and the folder document too.
 QUICK_REPETITIONS = 7
 STORE_REPETITIONS = 3
+# How soon the agent is found that has started.
+LOOK_AGAIN_SECONDS = 0.005
 # The turn of new processes, for which the independent program writes lines of its own.
 FIRST = "first"
 
@@ -133,7 +144,7 @@ class Measuring:
         self.output.write(json.dumps(line) + "\n")
         self.output.flush()
         best = min(seconds)
-        say(f"{self.profile} {what}: {best:.3f} s, {best / self.count * 1e6:.1f} us an item" +
+        say(f"{self.profile} {what}: {best:.6f} s, {best / self.count * 1e6:.1f} us an item" +
             "".join(f", {name} {value / self.count:.0f} an item" for name, value in more.items() if name != "turn"))
 
     def start(self, program, *arguments):
@@ -148,12 +159,15 @@ class Measuring:
             self.write(name, taken, turn=turn, **(more if number == 0 else {}))
 
     def start_session(self):
-        """An agent that is logged on to the profile, and the desktop program."""
-        agent = self.place.start_agent()
+        """An agent that is logged on to the profile, and the desktop program, with the seconds of the start and the logon."""
+        begin = time.perf_counter()
+        agent = self.place.start_agent(LOOK_AGAIN_SECONDS)
+        started = time.perf_counter()
         client = self.start("bench_client.exe")
+        ready = time.perf_counter()
         if client.ask(f"logon {self.profile}") != ["0"]:
             raise RuntimeError("no logon")
-        return agent, client
+        return agent, client, (started - begin, time.perf_counter() - ready)
 
     def end_session(self, agent, client):
         client.ask("logoff")
@@ -170,21 +184,23 @@ class Measuring:
 
     def run(self, first_turns, turns, floor_turns):
         self.measure_first(first_turns)
-        agent, client = self.start_session()
-        self.measure_growing(agent, client, turns)
+        agent, client, _ = self.start_session()
+        store = self.measure_growing(agent, client, turns)
+        self.measure_unchanged(client, store)
         if floor_turns:
             self.measure_with_floor(client, floor_turns)
         self.write("folders", [client.seconds("folders") for _ in range(QUICK_REPETITIONS)])
         self.end_session(agent, client)
-        self.measure_comparison()
         if floor_turns:
             self.measure_independent_reader("warm", floor_turns)
 
     def measure_first(self, turns):
         """First reads: of an agent, of the store's calls alone and of the independent program, each a new process."""
-        seconds = {"agent-first": [], "store-first": []}
+        seconds = {"start": [], "logon": [], "agent-first": [], "store-first": []}
         for _ in range(turns):
-            agent, client = self.start_session()
+            agent, client, before = self.start_session()
+            for name, taken in zip(("start", "logon"), before):
+                seconds[name].append(taken)
             seconds["agent-first"].append(self.read_all(client))
             self.end_session(agent, client)
             store = self.store()
@@ -197,46 +213,97 @@ class Measuring:
     def measure_independent_reader(self, how, repetitions):
         """Another program that reads the same files. It says for itself what it needs and whether it is there; where it is not,
         it is not asked again."""
+        self.output.flush()
+        self.run_independent_reader(how, repetitions, self.output.name)
+
+    def run_independent_reader(self, how, repetitions, output):
+        length = os.path.getsize(output) if os.path.exists(output) else 0
         if Measuring.has_reader:
-            self.output.flush()
-            length = os.path.getsize(self.output.name)
-            subprocess.run([MSGREADER, self.folder, self.kind, how, str(repetitions), self.output.name, FIRST], check=True)
-            Measuring.has_reader = os.path.getsize(self.output.name) > length
+            subprocess.run([MSGREADER, self.folder, self.kind, how, str(repetitions), output, FIRST], check=True)
+            Measuring.has_reader = os.path.exists(output) and os.path.getsize(output) > length
+
+    def changes_of(self, read):
+        """The line that has the client read the changes of a folder, against a map of its own."""
+        return f"{read} {windows_path(self.place.path / f'{self.profile}-{read}.map')}"
+
+    @staticmethod
+    def read_unchanged(client, line):
+        """The seconds of a read of changes that finds none."""
+        taken, documents, _ = client.ask(line)
+        if int(documents) != 0:
+            raise RuntimeError("something changed")
+        return float(taken)
 
     def measure_growing(self, agent, client, turns):
-        """What is measured of a folder of any size, in the same way."""
+        """What is measured of a folder of any size, in the same way. Gives the program that makes the store's calls, which has
+        read the folder."""
         client.ask(self.other)
         memory = Memory(agent.pid)
-        self.read_all(client)
+        self.write("grown-first", [self.read_all(client)])
         peak = memory.growth()
-        own = self.measure_store()
-        changes = f"{self.read} {windows_path(self.place.path / f'{self.profile}.map')}"
+        store, own = self.measure_store()
+        changes = self.changes_of(self.read)
         client.ask(changes)
         seconds = {"full": [], "changed": []}
         for _ in range(turns):
             seconds["full"].append(self.read_all(client))
-            taken, documents, _ = client.ask(changes)
-            if int(documents) != 0:
-                raise RuntimeError("something changed")
-            seconds["changed"].append(float(taken))
+            seconds["changed"].append(self.read_unchanged(client, changes))
         self.write_all(seconds, "growth", peak_bytes=peak, store_bytes=own)
+        return store
 
     def measure_store(self):
-        """What the store's part of a read takes in memory. Its time is that of a repeated one."""
+        """The program that makes the store's calls, and what the store's part of a read takes in memory."""
         store = self.store()
         store.ask(self.other)
         memory = store.memory()
-        store.ask(self.read)
+        self.write("store-grown-first", [store.seconds(self.read)])
         own = memory.growth()
         self.write("store-again", [store.seconds(self.read) for _ in range(STORE_REPETITIONS)])
-        self.write("store-changed", [store.seconds(f"list {self.read}") for _ in range(STORE_REPETITIONS)])
-        store.close()
-        return own
+        return store, own
 
-    def measure_with_floor(self, client, turns):
+    def measure_unchanged(self, client, store):
+        """A read of changes that finds none by turns with its parts, and what it costs where there is but one item."""
+        lines = {read: self.changes_of(read) for read in (self.read, self.other)}
+        client.ask(lines[self.other])
+        listing = self.start("bench_listing.exe", windows_path(self.folder))
+        comparison = self.start_comparison(self.count)
+        comparison_of_one = self.start_comparison(1)
+        self.take_turns({
+            "unchanged": lambda: self.read_unchanged(client, lines[self.read]),
+            "store-changed": lambda: store.seconds(f"list {self.read}"),
+            "listing": lambda: self.list_files(listing),
+            "rows": lambda: comparison.seconds("rows"),
+            "row-dates": lambda: comparison.seconds("dates"),
+            "comparison": lambda: comparison.seconds("compare"),
+            "unchanged-one": lambda: self.read_unchanged(client, lines[self.other]),
+            "store-changed-one": lambda: store.seconds(f"list {self.other}"),
+            "comparison-one": lambda: comparison_of_one.seconds("compare"),
+        }, QUICK_REPETITIONS, "unchanged")
+        for program in (store, listing, comparison, comparison_of_one):
+            program.close()
+
+    def list_files(self, listing):
+        seconds, files = listing.ask()
+        if int(files) < self.count:
+            raise RuntimeError(f"{files} files of {self.count}")
+        return float(seconds)
+
+    def take_turns(self, parts, turns, turn_name):
+        """Writes the seconds of several things that take turns, each of which is a function that gives its seconds."""
+        seconds = {name: [] for name in parts}
+        for turn in range(turns + 1):
+            for name, measure in parts.items():
+                taken = measure()
+                # The first one warms up.
+                if turn > 0:
+                    seconds[name].append(taken)
+        self.write_all(seconds, turn_name)
+
+    def measure_with_floor(self, client, floor_turns):
         texts = self.place.path / "documents.texts"
         client.ask(f"keep {windows_path(texts)}")
         client.ask(self.read)
+        self.compare_fields(texts)
         callbacks = self.start("bench_callbacks.exe", windows_path(texts), self.read)
         store = self.store()
         documents = self.start("bench_documents.exe", windows_path(texts))
@@ -257,22 +324,23 @@ class Measuring:
             parts["selections"] = (documents, "selections")
         if self.kind in ("recurring", "exceptions"):
             parts["series"] = (one_by_one, "series")
-        seconds = {name: [] for name in parts}
-        for turn in range(turns + 1):
-            for name, (program, line) in parts.items():
-                taken = program.seconds(line)
-                # The first one warms up.
-                if turn > 0:
-                    seconds[name].append(taken)
-        self.write_all(seconds, "floor")
+        self.take_turns({name: functools.partial(program.seconds, line) for name, (program, line) in parts.items()},
+                        floor_turns, "floor")
         for program in (callbacks, store, documents, one_by_one):
             program.close()
 
-    def measure_comparison(self):
-        comparison = self.start_beside_agent("bench_comparison.exe",
-                                             windows_path(self.place.path / f"{self.profile}-alone.map"), self.count)
-        self.write("comparison", [comparison.seconds() for _ in range(QUICK_REPETITIONS)])
-        comparison.close()
+    def compare_fields(self, texts):
+        """Holds what the independent program prints of every item against the agent's documents."""
+        printed = self.place.path / "printed.jsonl"
+        printed.unlink(missing_ok=True)
+        self.run_independent_reader("fields", 1, printed)
+        if printed.exists():
+            number = item_fields.require_same(item_fields.documents_of(texts.read_bytes()), item_fields.printed_of(printed))
+            say(f"{self.profile}: the independent program prints the agent's fields, {number} of them")
+
+    def start_comparison(self, count):
+        return self.start_beside_agent("bench_comparison.exe",
+                                       windows_path(self.place.path / f"{self.profile}-alone{count}.map"), count)
 
     def start_beside_agent(self, program, *arguments):
         """Starts a program where it finds the agent's libraries."""

@@ -17,7 +17,7 @@ STYLE = """
   .ground { fill: #ffffff; } .grid { stroke: #d8dee4; } .axis { stroke: #57606a; } .text { fill: #24292f; }
   .line { fill: none; stroke-width: 2; }
   .kind0 { stroke: #0969da; } .kind1 { stroke: #bc4c00; } .kind2 { stroke: #1a7f37; } .kind3 { stroke: #8250df; }
-  .mark { fill: #ffffff; stroke-width: 2; }
+  .mark { fill: #ffffff; stroke-width: 2; } .pale { stroke-opacity: 0.45; }
   text { font: 13px sans-serif; } .title { font-weight: bold; }
   @media (prefers-color-scheme: dark) {
     .ground { fill: #0d1117; } .grid { stroke: #30363d; } .axis { stroke: #8b949e; } .text { fill: #e6edf3; }
@@ -28,8 +28,8 @@ STYLE = """
 # Kinds are told apart by their dashes too, not by their colour alone.
 DASHES = ("", "8 4", "2 4", "10 4 2 4")
 
-# One plot of the two: its title, where it begins, and the points of each kind.
-Panel = namedtuple("Panel", "title left lines")
+# One plot of the two: its title, where it begins, the points of each kind, and those of it that are drawn paler.
+Panel = namedtuple("Panel", "title left lines pale", defaults=({},))
 
 
 def element(name, content=None, **attributes):
@@ -54,7 +54,7 @@ class Scale:
     """Where a point stands in a panel."""
 
     def __init__(self, panel, sizes):
-        points = [value for line in panel.lines.values() for _, value in line]
+        points = [value for lines in (panel.lines, panel.pale) for line in lines.values() for _, value in line]
         self.left = panel.left
         self.steps = steps_up_to(max(points, default=0))
         self.least, self.most = math.log10(sizes[0]), math.log10(sizes[-1])
@@ -81,14 +81,14 @@ def draw_axes(panel, scale, sizes):
     yield text(panel.left + PANEL_WIDTH / 2, BOTTOM + 40, "items in the folder (logarithmic)")
 
 
-def draw_lines(panel, scale):
+def draw_lines(lines, scale, how=""):
     for place, kind in enumerate(KINDS):
-        points = [(scale.x(items), scale.y(value)) for items, value in panel.lines.get(kind, [])]
+        points = [(scale.x(items), scale.y(value)) for items, value in lines.get(kind, [])]
         path = " ".join(f"{x:.1f},{y:.1f}" for x, y in points)
         if points:
-            yield element("polyline", points=path, stroke_dasharray=DASHES[place], **{"class": f"line kind{place}"})
+            yield element("polyline", points=path, stroke_dasharray=DASHES[place], **{"class": f"line kind{place}{how}"})
         for x, y in points:
-            yield element("circle", cx=f"{x:.1f}", cy=f"{y:.1f}", r=4, **{"class": f"mark kind{place}"})
+            yield element("circle", cx=f"{x:.1f}", cy=f"{y:.1f}", r=4, **{"class": f"mark kind{place}{how}"})
 
 
 def draw_panel(panel, sizes):
@@ -98,7 +98,8 @@ def draw_panel(panel, sizes):
         return
     scale = Scale(panel, sizes)
     yield from draw_axes(panel, scale, sizes)
-    yield from draw_lines(panel, scale)
+    yield from draw_lines(panel.pale, scale, " pale")
+    yield from draw_lines(panel.lines, scale)
 
 
 def draw_legend(kinds):
@@ -129,16 +130,22 @@ def lines_of(found, value_of):
 
 def plot(found):
     """The text of the SVG file."""
-    times = lines_of(found, lambda kind, items: found.median_per_item("full", kind, items) * 1000)
+    times = lines_of(found, lambda kind, items: milliseconds_or_none(found.median_per_item("full", kind, items)))
+    first = lines_of(found, lambda kind, items: milliseconds_or_none(found.median_per_item("grown-first", kind, items)))
+    title = "Time an item, in ms" + (" (paler: first read)" if first else "")
     memory = lines_of(found, lambda kind, items: kb_or_none(found.bytes_an_item(kind, items)))
     sizes = sorted({items for kind in KINDS for items in found.sizes(kind, "full")})
     shapes = [element("title", "A full read: time and memory an item, by the number of items"),
               element("style", STYLE), element("rect", width=WIDTH, height=HEIGHT, **{"class": "ground"}),
-              *draw_panel(Panel("Time an item, in ms", LEFTS[0], times), sizes),
+              *draw_panel(Panel(title, LEFTS[0], times, first), sizes),
               *draw_panel(Panel("Memory an item beyond the store's own, in KB", LEFTS[1], memory), sizes),
               *draw_legend(times)]
     head = f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {HEIGHT}" width="{WIDTH}" height="{HEIGHT}" role="img">'
     return "\n".join([head, *shapes, "</svg>"]) + "\n"
+
+
+def milliseconds_or_none(seconds):
+    return None if seconds is None else seconds * 1000
 
 
 def kb_or_none(count):

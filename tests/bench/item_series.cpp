@@ -56,7 +56,7 @@ NAMESPACE_MAPI::tagRecurrencePattern PatternOf(const ItemSeries& series) {
 
 CString ExceptionsOf(const ItemSeries& series, const NAMESPACE_MAPI::tagRecurrencePattern& pattern) {
     return pattern.DeletedInstanceCount != 0 && pattern.DeletedInstanceDates
-               ? ExceptionRuleText(pattern, series.defaults)
+               ? ExceptionRuleText(pattern, [&series] { return series.defaults; })
                : CString();
 }
 

@@ -22,13 +22,22 @@ FLOOR = ("callbacks", "store", "documents")
 # series. What a kind does not have takes no time: nothing is selected in a contact's document.
 OWN = ("selections", "dates", "series")
 WITHOUT = {"selections": {"contacts"}, "series": {"contacts", "appointments"}}
-WHATS = {"agent", "agent-first", "full", "changed", "folders", "comparison", "store-first", "store-again", "store-changed",
-         "msgreader-cold", "msgreader-warm", "class", "turns", "own-turns", *FLOOR, *OWN}
+# A read of changes that finds none, and its parts.
+UNCHANGED = ("unchanged", "listing", "store-changed", "rows", "row-dates", "comparison", "unchanged-one", "store-changed-one",
+             "comparison-one")
+WHATS = {"start", "logon", "agent", "agent-first", "grown-first", "full", "changed", "folders", "store-first",
+         "store-grown-first", "store-again", "msgreader-cold", "msgreader-warm", "class", "turns", "own-turns", *FLOOR, *OWN,
+         *UNCHANGED}
 
 # What the agent's own time consists of, in seconds an item. "handing" is what its class takes more for the documents than direct
 # calls do. "floor_by_turns" is what the parts of the floor take more one item after the other than each in a loop of its own,
 # "own_by_turns" what these parts then take more besides, and "neither" what is left. Each may be None.
 OwnTime = namedtuple("OwnTime", "selections dates series handing floor_by_turns own_by_turns neither")
+
+# What a read of changes consists of that finds none, in seconds an item: the system's part of the store's calls and the rest of
+# them, the conversion of the dates, the list with its identifiers, the comparison with the map, what is done but once, and what
+# is left. Each may be None.
+ChangedTime = namedtuple("ChangedTime", "listing store dates identifiers comparison once neither")
 
 # The median of what the repetitions gave, and the least and the most of it, which are None if there is but one value.
 Spread = namedtuple("Spread", "median least most")
@@ -39,6 +48,11 @@ def spread_of(values):
     if not values:
         return None
     return Spread(statistics.median(values), *((min(values), max(values)) if len(values) > 1 else (None, None)))
+
+
+def less(time, *parts):
+    """A time without its parts, or None if one of them is not known."""
+    return None if time is None or None in parts else time - sum(parts)
 
 
 class Measurement:
@@ -138,20 +152,26 @@ class Measurements:
         """The spread of the seconds an item that the agent takes beyond the floor, or None."""
         return spread_of(self.by_turns(("agent", *FLOOR), kind, items, lambda agent, *parts: (agent - sum(parts)) / items))
 
+    def more(self, kind, items, what, *others):
+        """The median of the seconds an item that a thing takes more than others together, or None."""
+        spread = spread_of(self.by_turns((what, *others), kind, items, lambda one, *parts: (one - sum(parts)) / items))
+        return spread.median if spread else None
+
     def own_time(self, kind, items):
         """What the agent takes beyond the floor, taken apart."""
-        def more(what, *others):
-            spread = spread_of(self.by_turns((what, *others), kind, items, lambda one, *parts: (one - sum(parts)) / items))
-            return spread.median if spread else None
-
-        def less(time, *parts):
-            return None if time is None or None in parts else time - sum(parts)
-
         alone = [0 if kind in WITHOUT.get(what, ()) else self.median_per_item(what, kind, items) for what in OWN]
-        alone.append(more("class", "documents"))
+        alone.append(self.more(kind, items, "class", "documents"))
         rest = self.rest(kind, items)
-        by_turns = [more("turns", *FLOOR), less(more("own-turns", "turns"), *alone)]
+        by_turns = [self.more(kind, items, "turns", *FLOOR), less(self.more(kind, items, "own-turns", "turns"), *alone)]
         return OwnTime(*alone, *by_turns, less(rest.median if rest else None, *alone, *by_turns))
+
+    def changed_time(self, kind, items):
+        """What a read of changes takes that finds none, taken apart."""
+        parts = [self.median_per_item("listing", kind, items), self.more(kind, items, "store-changed", "listing"),
+                 self.median_per_item("row-dates", kind, items), self.more(kind, items, "rows", "row-dates"),
+                 self.median_per_item("comparison", kind, items),
+                 self.more(kind, items, "unchanged-one", "store-changed-one", "comparison-one")]
+        return ChangedTime(*parts, less(self.median_per_item("unchanged", kind, items), *parts))
 
     def growth(self, kind, most, least, what="full"):
         """How many times as long an item takes in a large folder as in a small one, or None. Two folders do not take turns."""

@@ -27,9 +27,11 @@ def content(found, machine_text, plot):
     sections = [
         ("What it came to", report_aims.aim_table(found)),
         ("Side by side, the time an item", report_tables.ratio_table(found)),
+        ("Before a first read", report_tables.before_table(found)),
         ("Where the time of an item goes", report_tables.part_table(found)),
         ("As folders grow", f"![Time and memory an item, by the number of items]({plot})\n\n" +
          report_tables.growth_table(found)),
+        ("Where the time of a changed read goes", report_tables.changed_table(found)),
         ("Memory", report_tables.memory_table(found)),
         ("The list of folders, and the comparison alone", report_tables.list_table(found)),
         ("Where aims are missed", report_misses.miss_list(found)),

@@ -67,27 +67,55 @@ def kinds_that_miss(aim):
             if any(value is not None and is_missed(aim, value) for of, value in aim.values.items() if of.split(",")[0] == name)]
 
 
+# What stands behind the time of each part of a read of changes that finds none.
+CHANGED_WORDS = {
+    "listing": "in the system's listing of the folder",
+    "store": "in the store's calls beyond that",
+    "dates": "in the conversion of its date",
+    "identifiers": "in the list with its identifier",
+    "comparison": "in the comparison with the map",
+    "once": "in what a read does but once",
+    "neither": "not taken apart",
+}
+
+
+def changed_text(found, kind, items):
+    """What a read of changes consists of, as far as it was measured."""
+    whole = found.median_per_item("unchanged", kind, items)
+    if whole is None:
+        return f"What a changed read of {items:,} {KINDS[kind]} consists of was {NOT_MEASURED}."
+    parts = found.changed_time(kind, items)._asdict()
+    words = [f"{time_text(time)} {CHANGED_WORDS[name]}" for name, time in parts.items() if time is not None]
+    words += [f"the rest of it was {NOT_MEASURED}"] * (None in parts.values())
+    *words, last = words
+    return f"Of {items:,} {KINDS[kind]} an unchanged one takes {time_text(whole)}: {', '.join(words)}, and {last}."
+
+
+def store_share_text(found, kind, items):
+    """How much of a full read the store's calls of a changed one are alone."""
+    full, store, listing = (found.median_per_item(what, kind, items) for what in ("full", "store-changed", "listing"))
+    if None in (full, store, listing):
+        return ""
+    return (f" The store's calls alone are {100 * store / full:.2f} % of the full read, and the system's part of them "
+            f"{100 * listing / full:.2f} %.")
+
+
 def explain_changed(found, aim):
-    words = []
-    for kind in kinds_that_miss(aim):
-        items = found.sizes(kind, "full", "changed")[-1]
-        changed, *parts = (found.median_per_item(what, kind, items) for what in ("changed", "store-changed", "comparison"))
-        own = None if None in parts else changed - sum(parts)
-        words.append(f"Of {items:,} {KINDS[kind]} an unchanged one takes {time_text(changed)}: {time_cell(parts[0])} in the "
-                     f"store's calls alone, {time_cell(parts[1])} in the comparison with the map, and {time_cell(own)} in the "
-                     "agent.")
-    return " ".join(words)
+    return " ".join(changed_text(found, kind, items) + store_share_text(found, kind, items)
+                    for kind in kinds_that_miss(aim) for items in found.sizes(kind, "full", "changed"))
 
 
 def explain_program(found, aim):
     words = []
     for kind in kinds_that_miss(aim):
         items = found.sizes(kind, "agent-first", "msgreader-cold")[-1]
-        first, again, store, cold, warm = (found.median_per_item(what, kind, items) for what in (
-            "agent-first", "agent", "store-first", "msgreader-cold", "msgreader-warm"))
+        first, again, store, callbacks, documents, cold, warm = (found.median_per_item(what, kind, items) for what in (
+            "agent-first", "agent", "store-first", "callbacks", "documents", "msgreader-cold", "msgreader-warm"))
         words.append(f"One of {items:,} {KINDS[kind]} takes {time_text(first)} in the first read and {time_cell(again)} in a "
                      f"repeated one. The store's calls alone take {time_cell(store)} of the first read, in a new process too. "
-                     f"The program takes {time_text(cold)} cold and {time_cell(warm)} warm.")
+                     f"The program takes {time_text(cold)} cold and {time_cell(warm)} warm. It hands nothing to another process "
+                     "and builds no documents of the XML service, which as parts of the floor take "
+                     f"{time_cell(callbacks)} and {time_cell(documents)} an item.")
     return " ".join(words)
 
 

@@ -1,6 +1,6 @@
 """The tables of docs/performance.md, from measurements. What was not measured says so."""
 
-from measurements import FLOOR, KINDS
+from measurements import FLOOR, KINDS, spread_of
 
 NOT_MEASURED = "not measured"
 SIZES = (500, 5000, 50000)
@@ -80,7 +80,7 @@ def measured_parts(found):
         for items in found.sizes(kind, "agent", *FLOOR):
             agent = found.median_per_item("agent", kind, items)
             yield kind, items, [name, f"{items:,}"], lambda time, whole=agent: cell(
-                lambda seconds: f"{time_text(seconds)}, {100 * seconds / whole:.0f} %", time)
+                share_form(whole), time)
 
 
 def part_rows(found):
@@ -107,21 +107,63 @@ def own_table(found):
                   "Of it the floor by turns", "Of it these by turns", "Of it neither"], own_rows(found))
 
 
+def whole_cell(spread, items):
+    """The time of all items."""
+    return cell(lambda time: time_text(time.median * items), spread)
+
+
+def before_rows(found):
+    """A row for each size of which there is a first read, with what is before it."""
+    for kind, name in KINDS.items():
+        for items in found.sizes(kind, "agent-first"):
+            times = [whole_cell(found.per_item(what, kind, items), items)
+                     for what in ("start", "logon", "agent-first", "msgreader-cold")]
+            together = spread_of(found.by_turns(("msgreader-cold", "start", "logon", "agent-first"), kind, items,
+                                                lambda program, *parts: sum(parts) / program))
+            yield [name, f"{items:,}", *times, cell(ratio_text, together)]
+
+
+def before_table(found):
+    rows = list(before_rows(found))
+    if not rows:
+        return f"{NOT_MEASURED}\n".capitalize()
+    return table(["Items", "Number", "Start of the agent", "Logon", "First read", "Program, cold",
+                  "Start, logon and first read to program, cold"], rows)
+
+
 def growth_rows(found):
     for kind, name in KINDS.items():
         for items in sizes_of_growth(found, kind, "full"):
-            full, changed = (found.per_item(what, kind, items) for what in ("full", "changed"))
-            yield [name, f"{items:,}",
-                   cell(lambda time: time_text(time.median * items), full), median_cell(full),
-                   median_cell(found.per_item("store-again", kind, items)),
-                   cell(lambda time: time_text(time.median * items), changed), median_cell(changed),
-                   median_cell(found.per_item("store-changed", kind, items)),
+            first, store_first, full, store, changed = (found.per_item(what, kind, items) for what in (
+                "grown-first", "store-grown-first", "full", "store-again", "changed"))
+            yield [name, f"{items:,}", median_cell(first), median_cell(store_first), whole_cell(full, items), median_cell(full),
+                   median_cell(store), whole_cell(changed, items), median_cell(changed),
                    cell(percent_text, found.ratio("changed", "full", kind, items))]
 
 
 def growth_table(found):
-    return table(["Items", "Number", "Full read", "An item of it", "Store's calls alone, an item of it", "Changed read",
-                  "An item of it", "Store's calls alone, an item of it", "Changed to full"], growth_rows(found))
+    return table(["Items", "Number", "First read, an item", "Store's calls alone, an item of it", "Full read", "An item of it",
+                  "Store's calls alone, an item of it", "Changed read", "An item of it", "Changed to full"], growth_rows(found))
+
+
+def changed_rows(found):
+    for kind, name in KINDS.items():
+        for items in sizes_of_growth(found, kind, "unchanged"):
+            whole = found.median_per_item("unchanged", kind, items)
+            parts = found.changed_time(kind, items)
+            yield [name, f"{items:,}", cell(time_text, whole), *(cell(share_form(whole), part) for part in parts),
+                   cell(lambda time, number=items: time_text(time * number), parts.once)]
+
+
+def share_form(whole):
+    """What writes a part of a time with how much of it it is."""
+    return lambda part: time_text(part) if whole is None else f"{time_text(part)}, {100 * part / whole:.0f} %"
+
+
+def changed_table(found):
+    return table(["Items", "Number", "Changed read, an item", "System's listing", "Store beyond it", "Dates",
+                  "Identifiers and list", "Comparison with the map", "Once a read", "None of these", "Once a read, in all"],
+                 changed_rows(found))
 
 
 def sizes_of_growth(found, kind, *whats):
@@ -149,8 +191,7 @@ def list_rows(found):
     for kind, name in KINDS.items():
         for items in sizes_of_growth(found, kind, "folders", "comparison"):
             lists, comparison = (found.per_item(what, kind, items) for what in ("folders", "comparison"))
-            yield [name, f"{items:,}", cell(lambda time: time_text(time.median * items), lists),
-                   cell(lambda time: time_text(time.median * items), comparison), median_cell(comparison)]
+            yield [name, f"{items:,}", whole_cell(lists, items), whole_cell(comparison, items), median_cell(comparison)]
 
 
 def list_table(found):

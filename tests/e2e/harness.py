@@ -56,13 +56,13 @@ def read_terminal(terminal):
         return b""
 
 
-def wait_until(condition, what):
-    """Polls until the condition holds."""
+def wait_until(condition, what, pause=0.05):
+    """Polls until the condition holds, with a pause of some seconds between two looks."""
     deadline = time.monotonic() + PATIENCE
     while not condition():
         if time.monotonic() > deadline:
             raise AssertionError(f"waited in vain: {what}")
-        time.sleep(0.05)
+        time.sleep(pause)
 
 
 def limit_file_size(size):
@@ -168,8 +168,8 @@ class Place:
         output, errors = (stream.read_bytes().decode() for stream in process.streams)
         return status, output, errors
 
-    def start_agent(self, **more):
-        """Starts the agent and waits until it can be reached.
+    def start_agent(self, pause=0.05, **more):
+        """Starts the agent and waits until it can be reached, with a pause of some seconds between two looks.
 
         A desktop program that came too early would start another one, which nobody would end.
         """
@@ -177,7 +177,8 @@ class Place:
         before = self.log().count(ready)
         agent = self.start(self.bin / AGENT, **more)
         self._agents.append(agent)
-        wait_until(lambda: self.log().count(ready) > before or agent.poll() is not None, "the agent starts")
+        wait_until(lambda: self.log().count(ready) > before or agent.poll() is not None, "the agent starts",
+                   pause)
         return agent
 
     def settings(self, **keys):

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Times print_messages.js over a folder and appends what it found to a file of JSON lines: measure.py FOLDER KIND cold|warm
-REPETITIONS OUTFILE TURN. Cold is a process a repetition; TURN is the word for what those take turns with. NODE_PATH names the
-folder of the package."""
+"""Times print_messages.js over a folder and appends what it found to a file of JSON lines: measure.py FOLDER KIND cold|warm|fields
+REPETITIONS OUTFILE TURN. Cold is a process a repetition; TURN is the word for what those take turns with. With "fields" nothing
+is timed and the lines that are appended are those that the program prints. NODE_PATH names the folder of the package."""
 
 import json
 import os
@@ -47,8 +47,18 @@ def measure_warm(folder, kind, repetitions, place):
     return [float(line) for line in times.read_text(encoding="ascii").split()], peak, items
 
 
+def append_fields(folder, kind, outfile):
+    with tempfile.TemporaryDirectory() as place:
+        run([folder, kind, place], pathlib.Path(place) / "lines")
+        with open(outfile, "ab") as file:
+            file.write((pathlib.Path(place) / "lines").read_bytes())
+
+
 def main(folder, kind, how, repetitions, outfile, turn):
     messages = "contacts" if kind == "contacts" else "appointments"
+    if how == "fields":
+        append_fields(folder, messages, pathlib.Path(outfile))
+        return
     measure = {"cold": measure_cold, "warm": measure_warm}[how]
     with tempfile.TemporaryDirectory() as place:
         seconds, peak, items = measure(folder, messages, int(repetitions), pathlib.Path(place))

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Measures how long an independent program takes to read a folder of .msg files and to print the fields that the agent's
-# documents have: run.sh FOLDER contacts|appointments|recurring|exceptions cold|warm REPETITIONS OUTFILE TURN. Appends a line
-# of JSON: for processes that are started anew, which take the turns of that name with something else, or for one that has read
-# the folder before. What it needs is installed when it is not there: node, npm, and the package into build/bench. Where that
-# cannot be had it says so, appends nothing and ends with 0.
+# documents have: run.sh FOLDER contacts|appointments|recurring|exceptions cold|warm|fields REPETITIONS OUTFILE TURN. Appends a
+# line of JSON: for processes that are started anew, which take the turns of that name with something else, or for one that has
+# read the folder before; with "fields" it appends what is printed instead. What it needs is installed when it is not there:
+# node, npm, and the package into build/bench. Where that cannot be had it says so, appends nothing and ends with 0.
 set -euo pipefail
-[ $# -eq 6 ] || { printf 'usage: run.sh FOLDER KIND cold|warm REPETITIONS OUTFILE TURN\n' >&2; exit 2; }
+[ $# -eq 6 ] || { printf 'usage: run.sh FOLDER KIND cold|warm|fields REPETITIONS OUTFILE TURN\n' >&2; exit 2; }
 folder=$(realpath "$1") kind=$2 how=$3 repetitions=$4 outfile=$(realpath "$5") turn=$6
 here=$(cd "$(dirname "$0")" && pwd)
 cd "$here/../../.."
