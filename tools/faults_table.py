@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
-"""Writes the table of a sweep between its two marks in a document: faults_table.py DOCUMENT LIST LOG...
+"""Writes the table of a sweep between its two marks in a document: faults_table.py [--drop] DOCUMENT LIST LOG...
 
-The list is that of all tests, in whose order the rows come; each log is that of some of them.
+The list is that of all tests, in whose order the rows come; each log is that of some of them. A row that the document has and that
+would be lost, because its sweep meets no call any more or is gone, is an error, unless --drop allows it.
 """
 
+import argparse
 import pathlib
 import sys
 
-from marked_text import write_between
+from marked_text import text_between, write_between
 
 BEGIN = "<!-- the table of make faults begins -->"
 END = "<!-- the table of make faults ends -->"
@@ -40,6 +42,17 @@ def rows(log):
         sys.exit(f"faults_table: the program ended in {running}")
 
 
+def subject(row):
+    """What a row tells of: the operation and what fails in it."""
+    return tuple(cell.strip() for cell in row.strip().strip("|").split("|")[:2])
+
+
+def lost(old, table):
+    """The first row of an old table, the sums among it, that a new one has no row for."""
+    kept = {subject(row) for row in table}
+    return next((row for row in old.splitlines() if row.startswith("| ") and subject(row) not in kept), None)
+
+
 def total(table):
     """The row with the sums of all rows."""
     cells = [row.strip().strip("|").split("|")[2:] for row in table]
@@ -58,14 +71,22 @@ def names(listed):
 
 
 def main(arguments):
-    document, listed, *logs = arguments
-    found = {name: row for path in logs for name, row in rows(read(path))}
-    wanted = list(names(read(listed)))
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--drop", action="store_true", help="let rows go that the document has")
+    parser.add_argument("document")
+    parser.add_argument("list")
+    parser.add_argument("logs", nargs="+")
+    asked = parser.parse_args(arguments)
+    found = {name: row for path in asked.logs for name, row in rows(read(path))}
+    wanted = list(names(read(asked.list)))
     lacking = [name for name in wanted if name not in found]
     if lacking:
         sys.exit(f"faults_table: no log tells of {lacking[0]}, one of {len(lacking)}")
     table = [found[name] for name in wanted if found[name]]
-    write_between(document, BEGIN, END, HEADINGS + "".join(table) + total(table))
+    missing = lost(text_between(asked.document, BEGIN, END), [HEADINGS, *table, total(table)])
+    if missing and not asked.drop:
+        sys.exit(f"faults_table: the row {' in '.join(subject(missing))} is gone; --drop lets it go")
+    write_between(asked.document, BEGIN, END, HEADINGS + "".join(table) + total(table))
 
 
 if __name__ == "__main__":

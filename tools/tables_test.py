@@ -48,8 +48,8 @@ class TableTest(unittest.TestCase):
         path.write_bytes(text.encode())
         return str(path)
 
-    def document(self, module, places=1):
-        return self.write("testing.md", "above\n" + f"{module.BEGIN}\nold\n{module.END}\n" * places + "below\n")
+    def document(self, module, places=1, old="old\n"):
+        return self.write("testing.md", "above\n" + f"{module.BEGIN}\n{old}{module.END}\n" * places + "below\n")
 
     def expect(self, module, table):
         self.assertEqual((self.root / "testing.md").read_text(encoding="utf-8"),
@@ -57,9 +57,10 @@ class TableTest(unittest.TestCase):
 
 
 class FaultsTableTest(TableTest):
-    def run_it(self, *logs, places=1):
+    def run_it(self, *logs, places=1, old="old\n", options=()):
         names = [self.write(f"{number}.log", log) for number, log in enumerate(logs)]
-        faults_table.main([self.document(faults_table, places), self.write("list.txt", LIST), *names])
+        document = self.document(faults_table, places, old)
+        faults_table.main([*options, document, self.write("list.txt", LIST), *names])
 
     def refuse(self, text, *logs, **more):
         with self.assertRaisesRegex(SystemExit, text):
@@ -80,6 +81,22 @@ class FaultsTableTest(TableTest):
     def test_a_sweep_without_a_row_gives_no_table(self):
         self.refuse("no log tells of Of/Faults.End/LogOnInStore", FIRST, SECOND.replace("FAULTS: | LogOn", "| LogOn"))
         self.refuse("no log tells of Of/Faults.End/LogOnInStore", FIRST, SECOND.replace("[       OK ]", "[  SKIPPED ]", 1))
+
+    def test_a_row_that_is_gone_gives_no_table(self):
+        met = SWEPT.replace("| LogOn | Memory |", "| LogOff | Registry | 14 | 28 | 0 | 0 | 0 |\n| LogOn | Memory |")
+        self.refuse("the row LogOff in Registry is gone", FIRST, SECOND, old=met)
+        self.expect(faults_table, met)
+        renamed = SWEPT.replace("LogOn | Store", "LogOnTwice | Store")
+        self.refuse("the row LogOnTwice in Store is gone", FIRST, SECOND, old=renamed)
+        self.expect(faults_table, renamed)
+
+    def test_a_row_goes_if_that_is_allowed(self):
+        self.run_it(FIRST, SECOND, old=SWEPT.replace("LogOn | Store", "LogOnTwice | Store"), options=["--drop"])
+        self.expect(faults_table, SWEPT)
+
+    def test_rows_with_other_numbers_are_replaced_and_new_ones_come(self):
+        self.run_it(FIRST, SECOND, old=SWEPT.replace("26", "25").replace("| LogOn | Memory | 503 | 1006 | 0 | 1 | 2 |\n", ""))
+        self.expect(faults_table, SWEPT)
 
     def test_a_document_has_one_place(self):
         for places in (0, 2):

@@ -1,6 +1,7 @@
 #include "tests/faults/log_rules.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace {
@@ -100,6 +101,36 @@ bool IsSameBeforeTheValue(const LogLine& a, const LogLine& b) {
     return a.level == b.level && WithoutValue(a.text) == WithoutValue(b.text);
 }
 
+/// The result that a line tells of a call of the mail system. That of the end of the mail system has none,
+/// and its line tells the thread's last error.
+std::optional<std::uint32_t> ToldResult(const CString& text) {
+    constexpr WideView start = L"(0X";
+    constexpr WideView end = L")\r\n";
+    constexpr std::size_t digits = 8;
+    constexpr std::size_t length = start.size() + digits + end.size();
+    const WideView view = text;
+    if (view.size() < length || view.find(L" - pfnMAPIUninitialize(") != WideView::npos) {
+        return std::nullopt;
+    }
+    const WideView value = view.substr(view.size() - length);
+    const std::wstring number(value.substr(start.size(), digits));
+    if (!value.starts_with(start) || !value.ends_with(end) ||
+        number.find_first_not_of(L"0123456789ABCDEF") != std::wstring::npos) {
+        return std::nullopt;
+    }
+    constexpr int hexadecimal = 16;
+    return static_cast<std::uint32_t>(std::stoull(number, nullptr, hexadecimal));
+}
+
+std::size_t LinesBefore(const Outcome& outcome, std::size_t call) {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(outcome.callsBefore, [&](std::size_t begun) { return begun < call; }));
+}
+
+LogLines FirstLines(const LogLines& log, std::size_t count) {
+    return {log.begin(), log.begin() + static_cast<std::ptrdiff_t>(std::min(count, log.size()))};
+}
+
 }  // namespace
 
 bool IsLike(WideView text, WideView pattern) {
@@ -112,7 +143,7 @@ bool IsLike(WideView text, WideView pattern) {
     return text.size() >= first.size() + last.size() && text.starts_with(first) && text.ends_with(last);
 }
 
-LogRules::LogRules(const Operation& operation, LogLines clean)
+LogRules::LogRules(const Operation& operation, Outcome clean)
     : m_operation(CString(operation.firstLine)), m_clean(std::move(clean)) {}
 
 bool LogRules::IsFailureLine(const LogLine& line) const {
@@ -123,17 +154,36 @@ bool LogRules::IsFailureLine(const LogLine& line) const {
 }
 
 std::optional<LogLine> LogRules::Stray(const LogLines& lines) const {
-    auto next = m_clean.begin();
+    auto next = m_clean.log.begin();
     for (const LogLine& line : lines) {
         const auto found = std::find_if(
-            next, m_clean.end(), [&](const LogLine& clean) { return IsSameBeforeTheValue(line, clean); });
-        if (found != m_clean.end()) {
+            next, m_clean.log.end(), [&](const LogLine& clean) { return IsSameBeforeTheValue(line, clean); });
+        if (found != m_clean.log.end()) {
             next = found + 1;
         } else if (!IsFailureLine(line)) {
             return line;
         }
     }
     return std::nullopt;
+}
+
+void LogRules::ExpectStoreFailure(const Outcome& outcome, std::size_t n, std::uint32_t code) const {
+    const std::size_t before = LinesBefore(m_clean, n);
+    EXPECT_EQ(LinesBefore(outcome, n), before);
+    LogLines wanted = FirstLines(m_clean.log, LinesBefore(m_clean, n + 1));
+    const auto told = std::find_if(wanted.begin() + static_cast<std::ptrdiff_t>(before), wanted.end(),
+                                   [](const LogLine& line) { return ToldResult(line.text).has_value(); });
+    if (told == wanted.end()) {
+        wanted.resize(before);
+    } else {
+        told->text = CString(WithoutValue(told->text)) + CString::Format(L"(0X%08X)\r\n", code);
+        wanted.erase(told + 1, wanted.end());
+    }
+    EXPECT_EQ(FirstLines(outcome.log, wanted.size()), wanted);
+    for (const LogLine& line : outcome.log) {
+        const std::uint32_t result = ToldResult(line.text).value_or(0);
+        EXPECT_TRUE(result == 0 || result == code) << testing::PrintToString(line);
+    }
 }
 
 void ExpectOutcomeLine(const Operation& operation, const LogLines& log, std::optional<bool> succeeded,

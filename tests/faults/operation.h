@@ -2,6 +2,7 @@
 
 // The remote operations, each made ready, run once and looked at.
 
+#include <cstddef>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -38,6 +39,8 @@ struct Outcome {
     /// Nothing failed, so that all of it has to be done.
     bool complete = false;
     LogLines log;
+    /// With each line of the log, how many calls of the store had begun before it.
+    std::vector<std::size_t> callsBefore;
 };
 
 struct Operation {

@@ -104,7 +104,12 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         static const bool counted = PrepareToCountLiving();
         ASSERT_TRUE(counted);
     }
+    void SetUp() override {
+        FaultTest::SetUp();
+        NumberLogLines(recorder::CallCount);
+    }
     void TearDown() override {
+        NumberLogLines(nullptr);
         m_expectedBuffers = m_buffersLeft;
         FaultTest::TearDown();
     }
@@ -123,7 +128,7 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         outcome.result = Op().run(State());
         const bool failed = Kind().disarm();
         recorder::Record(false);
-        outcome.log = TakeLog();
+        TakeLogInto(outcome);
         outcome.complete = !failed;
         outcome.forever = forever;
         if (failed) {
@@ -133,6 +138,9 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         }
         m_losses += Count([&] { Op().check(State(), outcome); });
         ExpectLog(outcome.log, outcome.result, outcome.memoryFailed);
+        if (outcome.storeFailed) {
+            m_rules->ExpectStoreFailure(outcome, n, code);
+        }
         if (!Op().changesSession) {
             m_leaks += Count([&] {
                 EXPECT_GE(recorder::LiveObjects(), objects);
@@ -175,15 +183,20 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         expectations();
         return !before && HasFailure() ? 1 : 0;
     }
-    /// Runs it once more without any fault. Returns what it wrote to the log.
-    LogLines RunClean() {
+    static void TakeLogInto(Outcome& outcome) {
+        outcome.callsBefore = LogNumbers();
+        outcome.log = TakeLog();
+    }
+    /// Runs it once more without any fault.
+    Outcome RunClean() {
         Op().prepare(State());
         TakeLog();
         const long buffers = recorder::LiveBuffers();
+        recorder::ClearCalls();
         Outcome outcome;
         outcome.result = Op().run(State());
         outcome.complete = true;
-        outcome.log = TakeLog();
+        TakeLogInto(outcome);
         EXPECT_EQ(outcome.result, Op().complete);
         ExpectCleanLog(Op(), State(), outcome.log);
         m_losses += Count([&] { Op().check(State(), outcome); });
@@ -193,7 +206,7 @@ class Faults : public FaultTest, public testing::WithParamInterface<std::tuple<F
         if (!Op().changesSession) {
             CountBuffersLeft(recorder::LiveBuffers() - buffers);
         }
-        return std::move(outcome.log);
+        return outcome;
     }
     void CountBuffersLeft(long left) {
         EXPECT_GE(left, 0);

@@ -1,6 +1,7 @@
 #include "tests/unit/recorded_log.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <mutex>
 #include <ostream>
@@ -37,6 +38,7 @@ using PlainText = std::basic_string<wchar_t, std::char_traits<wchar_t>, PlainAll
 struct KeptLine {
     int level;
     PlainText text;
+    std::size_t number;
 };
 
 std::mutex g_mutex;
@@ -44,11 +46,15 @@ std::vector<KeptLine, PlainAllocator<KeptLine>> g_lines;
 std::vector<PlainText, PlainAllocator<PlainText>> g_modules;
 CString g_awaited;
 std::function<void()> g_action;
+std::atomic<std::size_t (*)()> g_number = nullptr;
 
 /// The action that a line was waited for with, once.
 std::function<void()> NoteLine(const wchar_t* module, int level, const wchar_t* text) {
+    // Outside the lock: what is asked may have one of its own.
+    const auto ask = g_number.load();
+    const std::size_t number = ask == nullptr ? 0 : ask();
     const std::lock_guard lock(g_mutex);
-    g_lines.push_back({level, PlainText(text)});
+    g_lines.push_back({level, PlainText(text), number});
     if (std::ranges::find(g_modules, PlainText(module)) == g_modules.end()) {
         g_modules.emplace_back(module);
     }
@@ -62,6 +68,20 @@ void OutputString(const wchar_t* module, int level, const wchar_t* text) {
     if (const std::function<void()> action = NoteLine(module, level, text)) {
         action();
     }
+}
+
+void NumberLogLines(std::size_t (*number)()) {
+    g_number = number;
+}
+
+std::vector<std::size_t> LogNumbers() {
+    const std::lock_guard lock(g_mutex);
+    std::vector<std::size_t> numbers;
+    numbers.reserve(g_lines.size());
+    for (const KeptLine& line : g_lines) {
+        numbers.push_back(line.number);
+    }
+    return numbers;
 }
 
 void OnLogLine(const CString& text, std::function<void()> action) {
