@@ -105,6 +105,28 @@ class Overlapping(SharedSession):
             self.assertEqual(contact["SP-BODY"].split(), [contact["LastName"]] * 1000)
         self.assert_all_written(writers, self.place.contacts)
 
+    def test_an_agent_that_is_told_to_end_amid_writes_leaves_whole_contacts_to_the_next_one(self):
+        names = [f"new-{number}" for number in range(self.EACH * 8)]
+        # It serves callbacks, so that the agent has somebody to tell that it ends.
+        writer = self.place.client("logon", *self.writes(document(ADD, LastName=name, Body=f"{name} " * 1000) for name in names))
+        harness.wait_until(lambda: writer.streams[0].read_bytes().count(b"\nwrite ") >= 10, "writes")
+        self.place.run_client("--no-endpoint", "shutdown")
+        self.assert_exit(self.agent)
+        done = len(self.results(self.place.finish(writer)[1].splitlines()))
+        # Otherwise nothing would have been shown.
+        self.assertLess(done, len(names))
+        left = self.messages()
+        # All that came back are there, and perhaps one more whose answer found the pipe gone.
+        self.assertIn(sorted(left), [sorted(names[:done]), sorted(names[:done + 1])])
+        for name, message in left.items():
+            self.assertEqual(message.tags[0x1000001F].split(), [name] * 1000)
+        self.assertEqual(len(self.files()), len(left))
+        harness.tell_measured(f"the agent was told to end amid {len(names)} adds: {done} came back, {len(left)} contacts are there")
+        self.agent = self.place.start_agent()
+        lines, _ = self.place.run_client("logon", "count", "logoff")
+        self.assertEqual(lines, ["logon 0", f"count {len(left)} 0"])
+        self.assert_works()
+
     def test_deletions_beside_changes_of_the_same_contacts_leave_each_gone_or_whole(self):
         names = [f"old-{number}" for number in range(self.EACH)]
         identifiers = [result[1] for result in self.send(

@@ -8,27 +8,22 @@
 #include <atomic>
 #include <cstdio>
 #include <cwchar>
-#include <map>
-#include <mutex>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <thread>
-#include <type_traits>
-#include <utility>
 #include <vector>
 
 #include "callback.h"
 #include "command.h"
 #include "support/rpc_guard.h"
 #include "tests/desktop_side.h"
+#include "tests/soak/overlapping_calls.h"
 #include "tests/soak/process_figures.h"
+#include "tests/soak/remote_calls.h"
 
 namespace {
-
-constexpr std::size_t kIdUnits = 400;
-constexpr std::size_t kTimeUnits = 40;
 
 constexpr const char* kUsage =
     "stress_client MAP-PREFIX soak PROGRAM ROUNDS ITEMS   whole days, each writes ITEMS of each kind three "
@@ -44,9 +39,6 @@ std::atomic<unsigned long> g_documents = 0;
 /// none.
 std::atomic<unsigned long> g_held = 0;
 std::atomic<bool> g_stopSaid = false;
-/// How often folders were chosen by their identifiers.
-std::atomic<unsigned long> g_chosen = 0;
-std::wstring g_mapPrefix;
 
 void PrintFigures(const std::wstring& program, unsigned long round) {
     const ProcessFigures figures = QueryFigures(program);
@@ -55,139 +47,37 @@ void PrintFigures(const std::wstring& program, unsigned long round) {
     (void)std::fflush(stdout);
 }
 
-// The remote procedures. Each returns its status; a call that fails throws.
-
-using TextCall = void (*)(wchar_t* text, long* status);
-
-long CallWithText(TextCall procedure, std::wstring text) {
-    long status = -1;
-    wchar_t* const units = text.data();
-    GuardedRpc([procedure, units, &status] { procedure(units, &status); });
-    return status;
-}
-
-using ReadCall = void (*)(wchar_t* ignored, wchar_t* map, long* status);
-
-long Read(ReadCall procedure, std::wstring map) {
-    long status = -1;
-    wchar_t nothing[] = L"";
-    wchar_t* const texts[] = {nothing, map.data()};
-    GuardedRpc([procedure, &texts, &status] { procedure(texts[0], texts[1], &status); });
-    return status;
-}
-
-using CountCall = void (*)(long* count, long* status);
-
-long Count(CountCall procedure) {
-    long count = -1;
-    long status = -1;
-    GuardedRpc([procedure, &count, &status] { procedure(&count, &status); });
-    return count;
-}
-
-using WriteCall = void (*)(wchar_t* xml, wchar_t* id, wchar_t* time, long* status);
-
-/// Writes a document; returns the identifier that came back.
-std::wstring Write(WriteCall procedure, std::wstring document) {
-    wchar_t id[kIdUnits] = L"";
-    wchar_t time[kTimeUnits] = L"";
-    long status = -1;
-    wchar_t* const texts[] = {document.data(), id, time};
-    GuardedRpc([procedure, &texts, &status] { procedure(texts[0], texts[1], texts[2], &status); });
-    if (status != 0) {
-        throw std::runtime_error("a write gives " + std::to_string(status));
-    }
-    return id;
-}
-
-void LogOn() {
-    if (const long status = CallWithText(MAPILogOn, L""); status != 0) {
-        throw std::runtime_error("the logon gives " + std::to_string(status));
-    }
-}
-
-void LogOff() {
-    GuardedRpc([] { MAPILogOff(); });
-}
-
-/// A kind of item, and what is written of it.
-struct Kind {
-    const wchar_t* root;
-    const wchar_t* texts;
-    CountCall count;
-    ReadCall read;
-    WriteCall write;
-    const wchar_t* map;
-};
-
-constexpr Kind kKinds[] = {
-    {L"Contact", L"<FirstName>Ada</FirstName><LastName>Lovelace</LastName><Email1>ada@example.org</Email1>",
-     GetContactCount, ReadContacts, WriteContacts, L"contacts.map"},
-    {L"Calendar",
-     L"<lCalType>3</lCalType><Description>Review</Description><dtStartTime>05/10/2010 10:00:00</dtStartTime>"
-     L"<dtEndTime>05/10/2010 "
-     L"11:00:00</dtEndTime><lRecurType>2</lRecurType><lRecurWeekMask>2</lRecurWeekMask>",
-     GetCalendarCount, ReadCalendars, WriteCalendars, L"calendars.map"},
-};
-
-std::wstring DocumentOf(const Kind& kind, int flag, const std::wstring& id) {
-    const std::wstring root = kind.root;
-    return L"<" + root + L"><lFlag>" + std::to_wstring(flag) + L"</lFlag><PIMID>" + id + L"</PIMID>" +
-           kind.texts + L"</" + root + L">";
-}
-
-/// Adds an item. Returns its identifier, without which a caller could not go on with it.
-std::wstring Add(const Kind& kind) {
-    std::wstring id = Write(kind.write, DocumentOf(kind, 8, L""));
-    if (id.empty()) {
-        throw std::runtime_error("an added item has no identifier");
-    }
-    return id;
-}
-
-void Change(const Kind& kind, const std::wstring& id) {
-    Write(kind.write, DocumentOf(kind, 4, id));
-}
-
-void Delete(const Kind& kind, const std::wstring& id) {
-    Write(kind.write, DocumentOf(kind, 32, id));
-}
-
-void RequireRead(const Kind& kind, const std::wstring& map) {
-    if (const long status = Read(kind.read, map); status != 0) {
-        throw std::runtime_error("a read gives " + std::to_string(status));
-    }
-}
-
 /// Reads everything and what changed, writes in between, and ends with the folder as it was.
-void WorkOn(const Kind& kind, unsigned long items) {
+void WorkOn(const Kind& kind, const std::wstring& mapPrefix, unsigned long items) {
+    const std::wstring map = mapPrefix + kind.map;
     RequireRead(kind, L"");
-    RequireRead(kind, g_mapPrefix + kind.map);
+    RequireRead(kind, map);
     std::vector<std::wstring> ids;
     for (unsigned long i = 0; i < items; ++i) {
         ids.push_back(Add(kind));
         Change(kind, ids.back());
     }
-    RequireRead(kind, g_mapPrefix + kind.map);
+    RequireRead(kind, map);
     for (const std::wstring& id : ids) {
         Delete(kind, id);
     }
-    RequireRead(kind, g_mapPrefix + kind.map);
+    RequireRead(kind, map);
 }
 
-void Round(unsigned long items) {
+void Round(const std::wstring& mapPrefix, unsigned long items) {
     LogOn();
     CallWithText(GetAppFolder, L"");
     for (const Kind& kind : kKinds) {
-        WorkOn(kind, items);
+        WorkOn(kind, mapPrefix, items);
     }
     LogOff();
 }
 
-void Soak(const std::wstring& program, unsigned long rounds, unsigned long items) {
+void Soak(const std::wstring& program, const std::wstring& mapPrefix, unsigned long rounds,
+          unsigned long items) {
     for (unsigned long round = 1; round <= rounds; ++round) {
         g_documents = 0;
-        Round(items);
+        Round(mapPrefix, items);
         PrintFigures(program, round);
     }
 }
@@ -235,7 +125,7 @@ StoppedRead StopRead(const Kind& kind, unsigned long after, bool isHeld) {
             g_stopSaid = true;
         }
     });
-    read.status = Read(kind.read, L"");
+    read.status = Read(kind, L"");
     ended = true;
     stopper.join();
     read.documents = g_documents;
@@ -269,7 +159,7 @@ void RequireAsDocumented(const StoppedRead& read, unsigned long items, bool isHe
 /// nothing.
 void StopReads(const Kind& kind, unsigned long rounds, unsigned seed, bool& stopIsKept) {
     std::mt19937 random(seed);
-    const auto items = static_cast<unsigned long>(Count(kind.count));
+    const auto items = static_cast<unsigned long>(Count(kind));
     unsigned long stopped = 0;
     unsigned long held = 0;
     unsigned long elsewhere = 0;
@@ -298,143 +188,6 @@ void StopAllReads(unsigned long rounds, unsigned seed) {
     }
 }
 
-/// What GetContactFolder takes, no more and no less. GetCalendarFolder takes the first of them.
-constexpr std::size_t kFolderUnits = 3000;
-
-/// A choice of both folders, as the two calls take it.
-struct FolderChoice {
-    std::wstring contacts;
-    std::wstring calendars;
-};
-
-/// Whether the agent took both choices.
-bool Choose(const FolderChoice& choice) {
-    const long contacts = CallWithText(SetContactFolder, choice.contacts);
-    return CallWithText(SetCalendarFolder, choice.calendars) == 0 && contacts == 0;
-}
-
-/// The call of a letter, as a client makes it that keeps to no rule. What it gives does not matter. What has
-/// no letter of its own is a write.
-void CallAnything(wchar_t call, const Kind& kind, const FolderChoice& otherFolders) {
-    switch (call) {
-        case L'n':
-            CallWithText(MAPILogOn, L"");
-            break;
-        case L'f':
-            LogOff();
-            break;
-        case L'F':
-            CallWithText(GetAppFolder, L"");
-            break;
-        case L'P':
-            CallWithText(GetAppProfile, L"");
-            break;
-        case L'g': {
-            std::wstring folder(kFolderUnits, L'x');
-            CallWithText(GetContactFolder, folder);
-            CallWithText(GetCalendarFolder, folder);
-            break;
-        }
-        case L's':
-            Choose({});
-            break;
-        case L'i':
-            g_chosen += Choose(otherFolders) ? 1 : 0;
-            break;
-        case L'c':
-            Count(kind.count);
-            break;
-        case L'r':
-            Read(kind.read, L"");
-            break;
-        case L'm':
-            Read(kind.read, g_mapPrefix + kind.map);
-            break;
-        case L'S':
-            GuardedRpc([] { Stop(); });
-            break;
-        default: {
-            const std::wstring id = Add(kind);
-            Change(kind, id);
-            Delete(kind, id);
-            break;
-        }
-    }
-}
-
-/// What became of the calls of all clients.
-struct Tally {
-    std::mutex mutex;
-    unsigned long calls = 0;
-    std::map<wchar_t, unsigned long> succeeded;  ///< by letter
-    /// By the status of the remote call, and by letter.
-    std::map<std::pair<unsigned long, wchar_t>, unsigned long> failed;
-
-    template<class Key>
-    void Add(std::map<Key, unsigned long>& counts, const std::type_identity_t<Key>& key) {
-        const std::lock_guard lock(mutex);
-        ++counts[key];
-    }
-};
-
-/// The calls that the clients make, each the more often the more often its letter stands there.
-struct Calls {
-    std::wstring letters;
-    FolderChoice otherFolders;
-};
-
-/// One client's calls until a time comes.
-void CallAtRandom(ULONGLONG end, unsigned seed, const Calls& all, Tally& tally) {
-    std::mt19937 random(seed);
-    unsigned long calls = 0;
-    bool isAgentThere = true;
-    while (isAgentThere && GetTickCount64() < end) {
-        ++calls;
-        const wchar_t call = all.letters[random() % all.letters.size()];
-        try {
-            CallAnything(call, kKinds[random() % 2], all.otherFolders);
-            tally.Add(tally.succeeded, call);
-        } catch (const RpcFailure& failure) {
-            tally.Add(tally.failed, {static_cast<unsigned long>(failure.Status()), call});
-            isAgentThere = failure.Status() != RPC_S_SERVER_UNAVAILABLE;
-        } catch (const std::exception&) {
-            // A write or a logon that another call took the session from.
-            Sleep(0);
-        }
-    }
-    const std::lock_guard lock(tally.mutex);
-    tally.calls += calls;
-}
-
-/// Adds an item of each kind to the other folders and then lets the clients loose.
-void Overlap(unsigned long seconds, unsigned long clients, unsigned seed, const Calls& all) {
-    // In the midst of the others the choice is often refused, for want of a session.
-    LogOn();
-    if (!Choose(all.otherFolders)) {
-        throw std::runtime_error("the other folders are refused");
-    }
-    for (const Kind& kind : kKinds) {
-        Add(kind);
-    }
-    Tally tally;
-    const ULONGLONG end = GetTickCount64() + seconds * 1000ULL;
-    std::vector<std::thread> threads;
-    threads.reserve(clients);
-    for (unsigned long client = 0; client < clients; ++client) {
-        threads.emplace_back([&, client] { CallAtRandom(end, seed + client, all, tally); });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    std::printf("calls %lu\nchosen %lu\n", tally.calls, g_chosen.load());
-    for (const auto& [call, count] : tally.succeeded) {
-        std::printf("succeeded %lc %lu\n", static_cast<wint_t>(call), count);
-    }
-    for (const auto& [failure, count] : tally.failed) {
-        std::printf("failed %lu%lc %lu\n", failure.first, static_cast<wint_t>(failure.second), count);
-    }
-}
-
 void Run(const std::vector<std::wstring>& words) {
     const auto word = [&](std::size_t place) {
         if (place >= words.size()) {
@@ -443,17 +196,16 @@ void Run(const std::vector<std::wstring>& words) {
         return words[place];
     };
     const auto number = [&](std::size_t place) { return std::wcstoul(word(place).c_str(), nullptr, 10); };
-    g_mapPrefix = word(0);
     const std::wstring mode = word(1);
     if (mode == L"soak") {
-        Soak(word(2), number(3), number(4));
+        Soak(word(2), word(0), number(3), number(4));
     } else if (mode == L"logon") {
         SoakLogons(word(2), number(3));
     } else if (mode == L"stop") {
         StopAllReads(number(2), number(3));
     } else if (mode == L"overlap") {
         const FolderChoice others{L"<id>" + word(6) + L"</id>", L"<id><event>" + word(7) + L"</event></id>"};
-        Overlap(number(2), number(3), number(4), {word(5), others});
+        Overlap(number(2), number(3), number(4), {word(5), others, word(0)});
     } else {
         throw std::invalid_argument(kUsage);
     }

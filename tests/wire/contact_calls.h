@@ -6,6 +6,7 @@
 
 #include "tests/wire/command_connection.h"
 
+inline constexpr std::uint16_t kMAPIServerShutdown = 0;
 inline constexpr std::uint16_t kMAPISendBackOneContact = 1;
 inline constexpr std::uint16_t kMAPISendBackOneCalenda = 2;
 

@@ -1,10 +1,12 @@
 // A call of the mail system hangs while one desktop program reads, writes or counts, and another one comes
-// by: it need not wait, and once the call returns the first one has its answer and the agent reads whole.
+// by: it need not wait, and once the call returns the first one has its answer and the agent reads whole, or
+// ends if that was what the other one wanted.
 
 #include <gmock/gmock.h>
 
 #include <cstdlib>
 #include <future>
+#include <iterator>
 #include <ostream>
 #include <string_view>
 
@@ -26,6 +28,7 @@ long Step() {
     return wanted != nullptr && std::string_view(wanted) == "full" ? 1 : 3;
 }
 
+constexpr std::uint16_t kShutdown = 0;
 constexpr std::uint16_t kStop = 1;
 constexpr std::uint16_t kReadContacts = 15;
 constexpr std::uint16_t kReadCalendars = 16;
@@ -137,7 +140,51 @@ class HangingStore : public testing::TestWithParam<Operation> {
         return held;
     }
 
+    /// Makes the call and tells the agent to end while its n-th call of the store is held.
+    void EndDuring(long n) {
+        CommandConnection first;
+        LogOn(first);
+        m_hold.HoldCall(n);
+        std::future<CallPdu> answer = std::async(std::launch::async, [&] {
+            return first.Call(GetParam().procedure,
+                              GetParam().arguments(m_agent.Contacts().parent_path() / L"new"));
+        });
+        ASSERT_TRUE(m_hold.WaitUntilHeld(answer));
+        const std::size_t sent = m_endpoint.Calls().size();
+        CommandConnection second;
+        EXPECT_EQ(second.Call(kShutdown).type, PduType::kResponse);
+        ASSERT_TRUE(m_endpoint.WaitForCalls(sent + 1));
+        EXPECT_EQ(m_endpoint.Calls().back().procedure, kMAPIServerShutdown);
+        WaitUntilLogged("RpcServerUnregisterIf returned");
+        EXPECT_TRUE(m_agent.IsRunning());
+        m_hold.LetGoOn();
+        // Besides its documents the endpoint had the word of the end.
+        const CallPdu ended = answer.get();
+        ExpectAnswer(ended, 1);
+        if (GetParam().kind == Kind::kRead) {
+            // Nobody stopped it.
+            EXPECT_EQ(ended.stub, Success());
+        }
+        EXPECT_EQ(m_agent.WaitForExit(), 0U);
+        if (GetParam().kind == Kind::kWrite) {
+            (m_items.*GetParam().items).emplace_back(L"new");
+        }
+        // One file an item, and none that was begun and left.
+        EXPECT_EQ(FilesIn(m_agent.Contacts()), m_items.contacts.size());
+        EXPECT_EQ(FilesIn(m_agent.MakeMailFolder(L"Calendar")), m_items.appointments.size());
+    }
+
   private:
+    void WaitUntilLogged(const char* line) const {
+        const ULONGLONG end = GetTickCount64() + kPatienceMilliseconds;
+        while (m_agent.Log().find(line) == std::string::npos && GetTickCount64() < end) {
+            Sleep(1);
+        }
+    }
+    static std::size_t FilesIn(const std::filesystem::path& folder) {
+        const std::filesystem::directory_iterator entries(folder);
+        return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+    }
     /// What another desktop program does. It must not have to wait.
     static void StopAndLogOn(CommandConnection& second) {
         EXPECT_EQ(second.Call(kStop).type, PduType::kResponse);
@@ -203,18 +250,32 @@ TEST_P(HangingStore, KeepsNobodyElseWaitingAndTheNextReadIsWhole) {
     EXPECT_GT(n, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    During, HangingStore,
-    testing::Values(Operation{"ReadContacts", Kind::kRead, kReadContacts, NoMap, &Items::contacts},
-                    Operation{"ReadCalendars", Kind::kRead, kReadCalendars, NoMap, &Items::appointments},
-                    Operation{"ReadContactChanges", Kind::kRead, kReadContacts, NewMap, &Items::contacts},
-                    Operation{"ReadCalendarChanges", Kind::kRead, kReadCalendars, NewMap,
-                              &Items::appointments},
-                    Operation{"CountContacts", Kind::kCount, 5, NoArguments, &Items::contacts},
-                    Operation{"CountCalendars", Kind::kCount, 6, NoArguments, &Items::appointments},
-                    Operation{"ListFolders", Kind::kList, 7, OneCharacter, &Items::contacts},
-                    Operation{"AddContact", Kind::kWrite, 13, NewContact, &Items::contacts},
-                    Operation{"AddCalendar", Kind::kWrite, 14, NewAppointment, &Items::appointments}),
-    [](const testing::TestParamInfo<Operation>& operation) { return std::string(operation.param.name); });
+/// An agent that is told to end while a call is at work.
+class EndingAgent : public HangingStore {};
+
+TEST_P(EndingAgent, FinishesACallThatHasJustBegunAndEndsWith0) {
+    EndDuring(1);
+}
+TEST_P(EndingAgent, FinishesACallInItsMidstAndEndsWith0) {
+    EndDuring(3);
+}
+
+const auto kOperations = testing::Values(
+    Operation{"ReadContacts", Kind::kRead, kReadContacts, NoMap, &Items::contacts},
+    Operation{"ReadCalendars", Kind::kRead, kReadCalendars, NoMap, &Items::appointments},
+    Operation{"ReadContactChanges", Kind::kRead, kReadContacts, NewMap, &Items::contacts},
+    Operation{"ReadCalendarChanges", Kind::kRead, kReadCalendars, NewMap, &Items::appointments},
+    Operation{"CountContacts", Kind::kCount, 5, NoArguments, &Items::contacts},
+    Operation{"CountCalendars", Kind::kCount, 6, NoArguments, &Items::appointments},
+    Operation{"ListFolders", Kind::kList, 7, OneCharacter, &Items::contacts},
+    Operation{"AddContact", Kind::kWrite, 13, NewContact, &Items::contacts},
+    Operation{"AddCalendar", Kind::kWrite, 14, NewAppointment, &Items::appointments});
+
+std::string NameOf(const testing::TestParamInfo<Operation>& operation) {
+    return operation.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(During, HangingStore, kOperations, NameOf);
+INSTANTIATE_TEST_SUITE_P(During, EndingAgent, kOperations, NameOf);
 
 }  // namespace

@@ -15,8 +15,6 @@ using testing::HasSubstr;
 using testing::SizeIs;
 using testing::StartsWith;
 
-constexpr std::uint16_t kMAPIServerShutdown = 0;
-
 std::wstring SurnameElement(const std::wstring& surname) {
     return L"\t<LastName>" + surname + L"</LastName>";
 }
