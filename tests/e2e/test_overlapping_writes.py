@@ -113,8 +113,6 @@ class Overlapping(SharedSession):
         self.place.run_client("--no-endpoint", "shutdown")
         self.assert_exit(self.agent)
         done = len(self.results(self.place.finish(writer)[1].splitlines()))
-        # Otherwise nothing would have been shown.
-        self.assertLess(done, len(names))
         left = self.messages()
         # All that came back are there, and perhaps one more whose answer found the pipe gone.
         self.assertIn(sorted(left), [sorted(names[:done]), sorted(names[:done + 1])])
