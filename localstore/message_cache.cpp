@@ -41,7 +41,7 @@ MessageCache& MessageCache::Instance() {
 }
 
 LoadedMessage MessageCache::Load(const Text& path, FileEntry listed) {
-    const Place place = Find(path);
+    const auto place = Find(path);
     if (place == m_entries.end() || place->stamp != listed.stamp) {
         return Read(path);
     }
@@ -51,7 +51,7 @@ LoadedMessage MessageCache::Load(const Text& path, FileEntry listed) {
 }
 
 MessageCache::Place MessageCache::Find(const Text& path) {
-    Place place = m_next;
+    auto place = m_next;
     if (place == m_entries.end() || place->path != path) {
         const auto found = m_places.find(path);
         place = found == m_places.end() ? m_entries.end() : found->second;
