@@ -15,8 +15,8 @@ OWN_WORDS = {
     "dates": "in the conversion of dates",
     "series": "in reading the series and telling its exceptions",
     "handing": "in handing texts to the XML service and taking the document from it",
-    "floor_by_turns": "because the parts of the floor take turns",
-    "own_by_turns": "because these do so too",
+    "floor_by_turns": "more where the parts of the floor take turns than where each runs alone",
+    "own_by_turns": "more where these take turns too",
     "neither": "not taken apart",
 }
 
@@ -116,6 +116,9 @@ def explain_program(found, aim):
                      f"The program takes {time_text(cold)} cold and {time_cell(warm)} warm. It hands nothing to another process "
                      "and builds no documents of the XML service, which as parts of the floor take "
                      f"{time_cell(callbacks)} and {time_cell(documents)} an item.")
+        rest = found.rest(kind, items)
+        if rest is not None:
+            words.append(f"Of the repeated read {time_text(rest.median)} are the agent's own.")
     return " ".join(words)
 
 

@@ -284,8 +284,8 @@ class MissesTest(unittest.TestCase):
                   for what, seconds in (("series", 0.04), ("class", 0.21), ("turns", 1.005), ("own-turns", 1.4))]
         self.assertIn("1.00 ms an item are the agent's own: 100 µs in selections in the document, 200 µs in the conversion of "
                       "dates, 80.0 µs in reading the series and telling its exceptions, 20.0 µs in handing texts to the XML "
-                      "service and taking the document from it, 10.0 µs because the parts of the floor take turns, 390 µs "
-                      "because these do so too, and 200 µs not taken apart.", self.misses(lines)[0])
+                      "service and taking the document from it, 10.0 µs more where the parts of the floor take turns than where each "
+                      "runs alone, 390 µs more where these take turns too, and 200 µs not taken apart.", self.misses(lines)[0])
 
     def test_nothing_is_said_of_what_a_kind_does_not_have(self):
         [entry] = self.misses([line("agent", [1.5]), *floor_of([1.0]), line("dates", [0.1]), line("class", [0.21]),
@@ -324,6 +324,10 @@ class MissesTest(unittest.TestCase):
                                line("documents", [0.5])])
         self.assertIn("It hands nothing to another process and builds no documents of the XML service, which as parts of the "
                       "floor take 500 µs and 1.00 ms an item.", entry)
+        self.assertNotIn("Of the repeated read", entry)
+        [entry] = self.misses([line("agent-first", [2.0]), line("msgreader-cold", [1.0]), line("agent", [1.04]),
+                               *floor_of([1.0])])
+        self.assertIn("an item. Of the repeated read 80.0 µs are the agent's own.", entry)
 
     def test_floor_of_exceptions_is_held_against_a_plain_one(self):
         # An item of the floor: 2 ms, of which 1 ms are the callback, plain. With exceptions 6 ms, of which 3 ms are the callback.
