@@ -31,7 +31,7 @@ CString TextOf(const SWStringArray& texts) {
 /// A number as the recorded calls show it.
 std::string Word(const char* format, ULONG number) {
     char word[16]{};
-    std::snprintf(word, sizeof(word), format, static_cast<unsigned>(number));
+    (void)std::snprintf(word, sizeof(word), format, static_cast<unsigned>(number));
     return word;
 }
 
