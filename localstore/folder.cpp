@@ -50,22 +50,14 @@ void DeleteOne(StoreTree& tree, const Text& folder, const SBinary& entry) {
     MessageCache::Instance().Forget(path);
 }
 
-}  // namespace
-
-std::vector<TableRow> MessageRows(const std::shared_ptr<StoreTree>& tree, const Text& folder,
-                                  MessageSource::Role role) {
-    const Text directory = tree->FullPath(folder);
-    std::vector<MessageFile> files = tree->MessageFiles(folder);
-    const auto shared = std::make_shared<const MessageFolder>(MessageFolder{folder, DigestOf(folder)});
-    std::vector<TableRow> rows;
-    rows.reserve(files.size());
+/// Calls `visit` with each message among some files of a folder, and with the digest of its file.
+template<class Visit>
+void VisitMessages(const Text& directory, std::vector<MessageFile> files, const Visit& visit) {
     Text path;
     for (MessageFile& one : files) {
         path.assign(directory).append(1, L'\\').append(one.file.name);
         try {
-            LoadedMessage message = MessageCache::Instance().Load(path, std::move(one.file));
-            rows.push_back(
-                std::make_shared<MessageSource>(tree, shared, std::move(message), role, one.digest));
+            visit(MessageCache::Instance().Load(path, std::move(one.file)), one.digest);
         } catch (const StoreError& error) {
             // A damaged file is no reason to hide the others, and one that vanished is none any more. One
             // that is there and cannot be read now must not be left out in silence: who compares the table
@@ -76,7 +68,28 @@ std::vector<TableRow> MessageRows(const std::shared_ptr<StoreTree>& tree, const 
             }
         }
     }
+}
+
+}  // namespace
+
+std::vector<TableRow> MessageRows(const std::shared_ptr<StoreTree>& tree, const Text& folder,
+                                  MessageSource::Role role) {
+    std::vector<MessageFile> files = tree->MessageFiles(folder);
+    const auto shared = std::make_shared<const MessageFolder>(MessageFolder{folder, DigestOf(folder)});
+    std::vector<TableRow> rows;
+    rows.reserve(files.size());
+    VisitMessages(
+        tree->FullPath(folder), std::move(files), [&](LoadedMessage message, const NameDigest& digest) {
+            rows.push_back(std::make_shared<MessageSource>(tree, shared, std::move(message), role, digest));
+        });
     return rows;
+}
+
+LONG CountMessages(StoreTree& tree, const Text& folder) {
+    LONG count = 0;
+    VisitMessages(tree.FullPath(folder), tree.MessageFiles(folder),
+                  [&](const LoadedMessage& /*message*/, const NameDigest& /*digest*/) { ++count; });
+    return count;
 }
 
 Folder::Folder(std::unique_ptr<const FolderSource> source) : m_source(std::move(source)) {}

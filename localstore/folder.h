@@ -29,7 +29,6 @@ class FolderSource : public PropertySource {
   private:
     [[nodiscard]] EntryId Id() const;
     [[nodiscard]] EntryId ParentId() const;
-    [[nodiscard]] LONG MessageCount() const;
     [[nodiscard]] std::optional<Property> DefaultFolderId(PropertyId id) const;
     [[nodiscard]] std::optional<Property> StoreProperty(PropertyId id) const;
 
@@ -65,5 +64,8 @@ class Folder final : public PropObject<RefusingFolder> {
 /// The rows of a folder's messages. Damaged files are left out.
 std::vector<std::shared_ptr<const PropertySource>> MessageRows(const std::shared_ptr<StoreTree>& tree,
                                                                const Text& folder, MessageSource::Role role);
+
+/// How many rows a folder has: its messages without damaged files.
+LONG CountMessages(StoreTree& tree, const Text& folder);
 
 }  // namespace localstore

@@ -46,10 +46,6 @@ std::vector<FolderInfo> FolderSource::SubFolders() const {
     return m_isRoot ? std::vector{m_tree->Folder({})} : m_tree->SubFolders(m_folder.path);
 }
 
-LONG FolderSource::MessageCount() const {
-    return static_cast<LONG>(MessageRows(m_tree, m_folder.path, MessageSource::Role::Row).size());
-}
-
 std::optional<Property> FolderSource::DefaultFolderId(PropertyId id) const {
     const bool isInbox = !m_isRoot && !m_folder.path.empty() && m_tree->ReceiveFolder() == m_folder.path;
     if ((!m_isRoot && !isInbox) || !m_tree->NamesDefaultFolders(m_isRoot ? L"Root" : L"Inbox")) {
@@ -91,7 +87,7 @@ std::optional<Property> FolderSource::Find(PropertyId id) const {
         case IdPart(PR_SUBFOLDERS):
             return BooleanProperty(PR_SUBFOLDERS, m_isRoot || m_tree->HasSubFolders(m_folder.path));
         case IdPart(PR_CONTENT_COUNT):
-            return LongProperty(PR_CONTENT_COUNT, m_isRoot ? 0 : MessageCount());
+            return LongProperty(PR_CONTENT_COUNT, m_isRoot ? 0 : CountMessages(*m_tree, m_folder.path));
         case IdPart(PR_FOLDER_TYPE):
             return LongProperty(PR_FOLDER_TYPE, m_isRoot ? FOLDER_ROOT : FOLDER_GENERIC);
         case IdPart(PR_DEPTH):

@@ -116,6 +116,7 @@ TEST_F(Folders, CountAndSubFoldersAreWhatTheyHold) {
     const ComPtr<IMAPIFolder> contacts = OpenContacts();
     AddContact(contacts.Get(), L"one");
     AddContact(contacts.Get(), L"two");
+    WriteFileText(L"Work\\Mail\\Contacts\\damaged.msg", "no message");
     EXPECT_EQ(OneValue(contacts.Get(), PR_CONTENT_COUNT).Value().Value.l, 2);
     EXPECT_EQ(OneValue(contacts.Get(), PR_SUBFOLDERS).Value().Value.b, TRUE);
     EXPECT_EQ(TextOf(contacts.Get(), PR_DISPLAY_NAME_W), L"Contacts");
