@@ -113,7 +113,7 @@ STDMETHODIMP Folder::GetContentsTable(ULONG flags, LPMAPITABLE* table) {
         if (!m_source->IsRoot() && (flags & MAPI_ASSOCIATED) == 0) {
             using Role = MessageSource::Role;
             const Role role = m_source->Tree()->HasLongTermIds() ? Role::RowWithLongTermId : Role::Row;
-            rows = MessageRows(m_source->Tree(), m_source->Folder().path, role);
+            rows = MessageRows(m_source->Tree(), m_source->Path(), role);
         }
         *table = NewTable(TableSubject(*m_source, L" contents"), std::move(rows), kContentsColumns,
                           (flags & MAPI_UNICODE) != 0);
@@ -152,7 +152,7 @@ STDMETHODIMP Folder::CreateMessage(LPCIID iid, ULONG flags, LPMESSAGE* message) 
         Require((flags & ~static_cast<ULONG>(MAPI_DEFERRED_ERRORS)) == 0, MAPI_E_NO_SUPPORT);
         Require(!m_source->IsRoot(), MAPI_E_NO_ACCESS);
         const LoadedMessage empty{std::make_shared<const MessageContent>(), {}};
-        const Text& path = m_source->Folder().path;
+        const Text& path = m_source->Path();
         auto created = MakeObject<Message>(m_source->Tree(), MessageFolder{path, DigestOf(path)}, empty,
                                            Message::Mode::New);
         RequireInterface(*created.Get(), iid);
@@ -174,7 +174,7 @@ STDMETHODIMP Folder::DeleteMessages(LPENTRYLIST list, ULONG, LPMAPIPROGRESS, ULO
         ULONG deleted = 0;
         for (ULONG i = 0; i < list->cValues; ++i) {
             try {
-                DeleteOne(*m_source->Tree(), m_source->Folder().path, list->lpbin[i]);
+                DeleteOne(*m_source->Tree(), m_source->Path(), list->lpbin[i]);
                 ++deleted;
             } catch (const StoreError& error) {
                 problem = error.Code();

@@ -14,26 +14,35 @@ class FolderSource : public PropertySource {
   public:
     /// The root of a store.
     explicit FolderSource(std::shared_ptr<StoreTree> tree);
+    /// A folder by its path. Its settings are read when something asks for them: in a read of changes, which
+    /// opens the folder twice, nothing does, and some systems look through all of a folder to find that it
+    /// has none.
+    FolderSource(std::shared_ptr<StoreTree> tree, Text path);
+    /// A folder as it stands in a hierarchy, at a depth below the folder whose table it is.
     FolderSource(std::shared_ptr<StoreTree> tree, FolderInfo folder, LONG depth);
 
     [[nodiscard]] std::optional<Property> Find(PropertyId id) const override;
     [[nodiscard]] std::vector<PropertyTag> Tags() const override;
 
     [[nodiscard]] bool IsRoot() const { return m_isRoot; }
-    [[nodiscard]] const FolderInfo& Folder() const { return m_folder; }
+    /// The path below the store; empty for the root too.
+    [[nodiscard]] const Text& Path() const { return m_path; }
     [[nodiscard]] const std::shared_ptr<StoreTree>& Tree() const { return m_tree; }
     /// What the recorder calls the folder.
     [[nodiscard]] Text Label() const;
     [[nodiscard]] std::vector<FolderInfo> SubFolders() const;
 
   private:
+    [[nodiscard]] const FolderInfo& Folder() const;
     [[nodiscard]] EntryId Id() const;
     [[nodiscard]] EntryId ParentId() const;
     [[nodiscard]] std::optional<Property> DefaultFolderId(PropertyId id) const;
     [[nodiscard]] std::optional<Property> StoreProperty(PropertyId id) const;
 
     std::shared_ptr<StoreTree> m_tree;
-    FolderInfo m_folder;
+    Text m_path;
+    /// Read once, so that an object goes on saying the same.
+    mutable std::optional<FolderInfo> m_folder;
     bool m_isRoot;
     LONG m_depth = 0;
 };

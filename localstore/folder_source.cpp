@@ -21,33 +21,48 @@ Text ParentPath(const Text& path) {
 
 }  // namespace
 
-FolderSource::FolderSource(std::shared_ptr<StoreTree> tree) : m_tree(std::move(tree)), m_isRoot(true) {}
+FolderSource::FolderSource(std::shared_ptr<StoreTree> tree)
+    : m_tree(std::move(tree)), m_folder(FolderInfo{{}, L"Root", std::nullopt}), m_isRoot(true) {}
+
+FolderSource::FolderSource(std::shared_ptr<StoreTree> tree, Text path)
+    : m_tree(std::move(tree)), m_path(std::move(path)), m_isRoot(false) {}
 
 FolderSource::FolderSource(std::shared_ptr<StoreTree> tree, FolderInfo folder, LONG depth)
-    : m_tree(std::move(tree)), m_folder(std::move(folder)), m_isRoot(false), m_depth(depth) {}
+    : m_tree(std::move(tree)),
+      m_path(folder.path),
+      m_folder(std::move(folder)),
+      m_isRoot(false),
+      m_depth(depth) {}
+
+const FolderInfo& FolderSource::Folder() const {
+    if (!m_folder) {
+        m_folder = m_tree->Folder(m_path);
+    }
+    return *m_folder;
+}
 
 Text FolderSource::Label() const {
     if (m_isRoot) {
         return L"(root)";
     }
-    return m_folder.path.empty() ? L"(top)" : m_folder.path;
+    return m_path.empty() ? L"(top)" : m_path;
 }
 
 EntryId FolderSource::Id() const {
-    return m_isRoot ? m_tree->RootId() : m_tree->FolderId(m_folder.path);
+    return m_isRoot ? m_tree->RootId() : m_tree->FolderId(m_path);
 }
 
 EntryId FolderSource::ParentId() const {
     // The root is its own parent.
-    return m_isRoot || m_folder.path.empty() ? m_tree->RootId() : m_tree->FolderId(ParentPath(m_folder.path));
+    return m_isRoot || m_path.empty() ? m_tree->RootId() : m_tree->FolderId(ParentPath(m_path));
 }
 
 std::vector<FolderInfo> FolderSource::SubFolders() const {
-    return m_isRoot ? std::vector{m_tree->Folder({})} : m_tree->SubFolders(m_folder.path);
+    return m_isRoot ? std::vector{m_tree->Folder({})} : m_tree->SubFolders(m_path);
 }
 
 std::optional<Property> FolderSource::DefaultFolderId(PropertyId id) const {
-    const bool isInbox = !m_isRoot && !m_folder.path.empty() && m_tree->ReceiveFolder() == m_folder.path;
+    const bool isInbox = !m_isRoot && !m_path.empty() && m_tree->ReceiveFolder() == m_path;
     if ((!m_isRoot && !isInbox) || !m_tree->NamesDefaultFolders(m_isRoot ? L"Root" : L"Inbox")) {
         return std::nullopt;
     }
@@ -79,15 +94,15 @@ std::optional<Property> FolderSource::Find(PropertyId id) const {
         case IdPart(PR_PARENT_ENTRYID):
             return IdProperty(PR_PARENT_ENTRYID, ParentId());
         case IdPart(PR_DISPLAY_NAME):
-            return Property::OfText(PR_DISPLAY_NAME_W, m_isRoot ? L"Root" : m_folder.displayName);
+            return Property::OfText(PR_DISPLAY_NAME_W, Folder().displayName);
         case IdPart(PR_CONTAINER_CLASS):
-            return m_folder.containerClass
-                       ? std::optional(Property::OfText(PR_CONTAINER_CLASS_W, *m_folder.containerClass))
+            return Folder().containerClass
+                       ? std::optional(Property::OfText(PR_CONTAINER_CLASS_W, *Folder().containerClass))
                        : std::nullopt;
         case IdPart(PR_SUBFOLDERS):
-            return BooleanProperty(PR_SUBFOLDERS, m_isRoot || m_tree->HasSubFolders(m_folder.path));
+            return BooleanProperty(PR_SUBFOLDERS, m_isRoot || m_tree->HasSubFolders(m_path));
         case IdPart(PR_CONTENT_COUNT):
-            return LongProperty(PR_CONTENT_COUNT, m_isRoot ? 0 : CountMessages(*m_tree, m_folder.path));
+            return LongProperty(PR_CONTENT_COUNT, m_isRoot ? 0 : CountMessages(*m_tree, m_path));
         case IdPart(PR_FOLDER_TYPE):
             return LongProperty(PR_FOLDER_TYPE, m_isRoot ? FOLDER_ROOT : FOLDER_GENERIC);
         case IdPart(PR_DEPTH):
@@ -106,7 +121,7 @@ std::vector<PropertyTag> FolderSource::Tags() const {
                                      PR_DISPLAY_NAME_W, PR_SUBFOLDERS,       PR_CONTENT_COUNT,
                                      PR_FOLDER_TYPE,    PR_OBJECT_TYPE,      PR_ACCESS,
                                      PR_STORE_ENTRYID,  PR_STORE_RECORD_KEY, PR_MAPPING_SIGNATURE};
-    if (m_folder.containerClass) {
+    if (Folder().containerClass) {
         tags.push_back(PR_CONTAINER_CLASS_W);
     }
     constexpr PropertyId firstDefault = 0x36D0;

@@ -58,7 +58,7 @@ Opened Open(const std::shared_ptr<StoreTree>& tree, ULONG size, const ENTRYID* b
     }
     const std::optional<Text> folder = tree->FindFolder(id->folder);
     Require(folder.has_value(), MAPI_E_NOT_FOUND);
-    return OpenFolder(std::make_unique<FolderSource>(tree, tree->Folder(*folder), 0), iid);
+    return OpenFolder(std::make_unique<FolderSource>(tree, *folder), iid);
 }
 
 }  // namespace

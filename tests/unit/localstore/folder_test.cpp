@@ -122,6 +122,18 @@ TEST_F(Folders, CountAndSubFoldersAreWhatTheyHold) {
     EXPECT_EQ(TextOf(contacts.Get(), PR_DISPLAY_NAME_W), L"Contacts");
 }
 
+TEST_F(Folders, AFolderKeepsTheNameThatItHadWhenItWasAskedForIt) {
+    const ComPtr<IMAPIFolder> contacts = OpenContacts();
+    WriteFileText(L"Work\\Mail\\Contacts\\folder.ini",
+                  "[Folder]\r\nName=People\r\nClass=IPF.Contact.Friends\r\n");
+    EXPECT_EQ(TextOf(contacts.Get(), PR_DISPLAY_NAME_W), L"People");
+    WriteFileText(L"Work\\Mail\\Contacts\\folder.ini", "[Folder]\r\nName=Somebody\r\n");
+    EXPECT_EQ(TextOf(contacts.Get(), PR_DISPLAY_NAME_W), L"People");
+    EXPECT_EQ(TextOf(contacts.Get(), PR_CONTAINER_CLASS_W), L"IPF.Contact.Friends");
+    const ComPtr<IMsgStore> store = OpenStore(LogOn().Get());
+    EXPECT_EQ(TextOf(OpenFolder(store.Get(), L"Somebody").Get(), PR_CONTAINER_CLASS_W), L"IPF.Contact");
+}
+
 TEST_F(Folders, OnlyFoldersThatAreShownCountAsSubFolders) {
     const ComPtr<IMAPIFolder> contacts = OpenContacts();
     const auto hasSubFolders = [&] { return OneValue(contacts.Get(), PR_SUBFOLDERS).Value().Value.b; };
