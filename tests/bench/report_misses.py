@@ -101,8 +101,9 @@ def store_share_text(found, kind, items):
 
 
 def explain_changed(found, aim):
+    """The largest folder of each kind. The others are in the table."""
     return " ".join(changed_text(found, kind, items) + store_share_text(found, kind, items)
-                    for kind in kinds_that_miss(aim) for items in found.sizes(kind, "full", "changed"))
+                    for kind in kinds_that_miss(aim) for items in found.sizes(kind, "full", "changed")[-1:])
 
 
 def explain_program(found, aim):

@@ -305,12 +305,13 @@ class MissesTest(unittest.TestCase):
     def test_changed_read_is_taken_apart(self):
         reads = [line("full", [0.1]), line("changed", [0.01]), line("full", [1.0], items=5000), line("changed", [0.1], items=5000)]
         [entry] = self.misses([*reads, *unchanged_parts(), *unchanged_parts(20, items=5000)])
-        for words in ("Of 500 contacts an unchanged one takes 20.0 µs: 4.00 µs in the system's listing of the folder, 6.00 µs in "
-                      "the store's calls beyond that, 2.00 µs in the conversion of its date, 1.00 µs in the list with its "
-                      "identifier, 1.50 µs in the comparison with the map, 0.50 µs in what a read does but once, and 5.00 µs not "
-                      "taken apart. The store's calls alone are 5.00 % of the full read, and the system's part of them 2.00 %.",
-                      "Of 5,000 contacts an unchanged one takes 40.0 µs: 8.00 µs in the system's listing"):
-            self.assertIn(words, entry)
+        # Of the smaller folder the table has the same.
+        self.assertEqual(entry.count("an unchanged one takes"), 1)
+        self.assertIn("Of 5,000 contacts an unchanged one takes 40.0 µs: 8.00 µs in the system's listing of the folder, 12.0 µs "
+                      "in the store's calls beyond that, 4.00 µs in the conversion of its date, 2.00 µs in the list with its "
+                      "identifier, 3.00 µs in the comparison with the map, 1.00 µs in what a read does but once, and 10.0 µs "
+                      "not taken apart. The store's calls alone are 10.00 % of the full read, and the system's part of them "
+                      "4.00 %.", entry)
 
     def test_changed_read_that_was_not_taken_apart_says_so(self):
         [entry] = self.misses([line("full", [1.0]), line("changed", [0.05])])
