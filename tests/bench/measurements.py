@@ -148,6 +148,11 @@ class Measurements:
         others = FLOOR if other == "floor" else (other,)
         return spread_of(self.by_turns((what, *others), kind, items, lambda one, *parts: one / sum(parts)))
 
+    def from_start(self, kind, items):
+        """How many times as long as the cold program a first read takes with the start of the agent and the logon, or None."""
+        return spread_of(self.by_turns(("msgreader-cold", "start", "logon", "agent-first"), kind, items,
+                                       lambda program, *parts: sum(parts) / program))
+
     def rest(self, kind, items):
         """The spread of the seconds an item that the agent takes beyond the floor, or None."""
         return spread_of(self.by_turns(("agent", *FLOOR), kind, items, lambda agent, *parts: (agent - sum(parts)) / items))

@@ -2,7 +2,7 @@
 
 from measurements import FLOOR, KINDS
 from report_aims import aims, is_missed, values_text, verdict
-from report_tables import NOT_MEASURED, SIZES, cell, time_text
+from report_tables import NOT_MEASURED, SIZES, cell, ratio_text, time_text
 
 
 def time_cell(seconds):
@@ -117,6 +117,9 @@ def explain_program(found, aim):
                      f"The program takes {time_text(cold)} cold and {time_cell(warm)} warm. It hands nothing to another process "
                      "and builds no documents of the XML service, which as parts of the floor take "
                      f"{time_cell(callbacks)} and {time_cell(documents)} an item.")
+        together = found.from_start(kind, items)
+        if together is not None:
+            words.append(f"With the start of the agent and the logon the ratio is {ratio_text(together)}.")
         rest = found.rest(kind, items)
         if rest is not None:
             words.append(f"Of the repeated read {time_text(rest.median)} are the agent's own.")

@@ -1,6 +1,6 @@
 """The tables of docs/performance.md, from measurements. What was not measured says so."""
 
-from measurements import FLOOR, KINDS, spread_of
+from measurements import FLOOR, KINDS
 
 NOT_MEASURED = "not measured"
 SIZES = (500, 5000, 50000)
@@ -118,9 +118,7 @@ def before_rows(found):
         for items in found.sizes(kind, "agent-first"):
             times = [whole_cell(found.per_item(what, kind, items), items)
                      for what in ("start", "logon", "agent-first", "msgreader-cold")]
-            together = spread_of(found.by_turns(("msgreader-cold", "start", "logon", "agent-first"), kind, items,
-                                                lambda program, *parts: sum(parts) / program))
-            yield [name, f"{items:,}", *times, cell(ratio_text, together)]
+            yield [name, f"{items:,}", *times, cell(ratio_text, found.from_start(kind, items))]
 
 
 def before_table(found):

@@ -326,9 +326,11 @@ class MissesTest(unittest.TestCase):
         self.assertIn("It hands nothing to another process and builds no documents of the XML service, which as parts of the "
                       "floor take 500 µs and 1.00 ms an item.", entry)
         self.assertNotIn("Of the repeated read", entry)
+        self.assertNotIn("With the start", entry)
         [entry] = self.misses([line("agent-first", [2.0]), line("msgreader-cold", [1.0]), line("agent", [1.04]),
-                               *floor_of([1.0])])
-        self.assertIn("an item. Of the repeated read 80.0 µs are the agent's own.", entry)
+                               *floor_of([1.0]), line("start", [0.25]), line("logon", [0.5])])
+        self.assertIn("an item. With the start of the agent and the logon the ratio is 2.75. Of the repeated read 80.0 µs are "
+                      "the agent's own.", entry)
 
     def test_floor_of_exceptions_is_held_against_a_plain_one(self):
         # An item of the floor: 2 ms, of which 1 ms are the callback, plain. With exceptions 6 ms, of which 3 ms are the callback.
