@@ -32,6 +32,14 @@ void Choose(const FolderChoice& choice) {
     RequireStatus(SetCalendarFolder, choice.calendars, 0, "a choice");
 }
 
+/// Throws std::runtime_error unless the items are counted that each folder holds: no status tells of a count
+/// without a session.
+void RequireCount(const Kind& kind, long items) {
+    if (const long count = Count(kind); count < items) {
+        throw std::runtime_error("a count is " + std::to_string(count));
+    }
+}
+
 /// The call of a letter, as a client makes it that keeps to no rule. Throws std::runtime_error if it was not
 /// done. What has no letter of its own is a write.
 void CallAnything(wchar_t call, const Kind& kind, const Calls& all) {
@@ -61,7 +69,7 @@ void CallAnything(wchar_t call, const Kind& kind, const Calls& all) {
             Choose(all.otherFolders);
             break;
         case L'c':
-            Count(kind);
+            RequireCount(kind, all.items);
             break;
         case L'r':
             RequireRead(kind, L"");
@@ -73,6 +81,8 @@ void CallAnything(wchar_t call, const Kind& kind, const Calls& all) {
             GuardedRpc([] { Stop(); });
             break;
         default: {
+            // Neither a change nor a deletion tells whether it was done: who deletes what is added looks for
+            // what is left.
             const std::wstring id = Add(kind);
             Change(kind, id);
             Delete(kind, id);

@@ -13,6 +13,7 @@ struct Calls {
     std::wstring letters;
     FolderChoice otherFolders;
     std::wstring mapPrefix;
+    long items = 0;  ///< of each kind, that each folder holds at least
 };
 
 /// Adds an item of each kind to the other folders and then lets clients loose for some seconds. Prints

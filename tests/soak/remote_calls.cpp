@@ -58,6 +58,7 @@ long Count(const Kind& kind) {
     long count = -1;
     long status = -1;
     GuardedRpc([&kind, &count, &status] { kind.count(&count, &status); });
+    RequireDone(status, "a count");
     return count;
 }
 

@@ -41,7 +41,7 @@ long Read(const Kind& kind, std::wstring map);
 /// Throws std::runtime_error unless all is read.
 void RequireRead(const Kind& kind, const std::wstring& map);
 
-/// Returns the number of items.
+/// Returns the number of items, which is 0 without a session too. Throws std::runtime_error for a status.
 long Count(const Kind& kind);
 
 /// Throws std::runtime_error if the logon is refused.

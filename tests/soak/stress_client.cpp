@@ -30,8 +30,9 @@ constexpr const char* kUsage =
     "times\n"
     "stress_client MAP-PREFIX logon PROGRAM ROUNDS        logons and logoffs alone\n"
     "stress_client MAP-PREFIX stop ROUNDS SEED            Stop at any moment of a read of each kind\n"
-    "stress_client MAP-PREFIX overlap SECONDS CLIENTS SEED LETTERS CONTACTS CALENDARS   calls at once\n"
-    "CONTACTS and CALENDARS are the identifiers of the folders that the letter i chooses.\n"
+    "stress_client MAP-PREFIX overlap SECONDS CLIENTS SEED LETTERS CONTACTS CALENDARS ITEMS\n"
+    "calls at once. CONTACTS and CALENDARS are the identifiers of the folders that the letter i chooses.\n"
+    "ITEMS is how many each folder holds at least.\n"
     "PROGRAM is the one that serves the calls, whose figures are told behind each round\n";
 
 std::atomic<unsigned long> g_documents = 0;
@@ -205,7 +206,7 @@ void Run(const std::vector<std::wstring>& words) {
         StopAllReads(number(2), number(3));
     } else if (mode == L"overlap") {
         const FolderChoice others{L"<id>" + word(6) + L"</id>", L"<id><event>" + word(7) + L"</event></id>"};
-        Overlap(number(2), number(3), number(4), {word(5), others, word(0)});
+        Overlap(number(2), number(3), number(4), {word(5), others, word(0), static_cast<long>(number(8))});
     } else {
         throw std::invalid_argument(kUsage);
     }

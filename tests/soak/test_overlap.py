@@ -27,7 +27,9 @@ KINDS = {
 UNDONE = {"r": "a read gives 1", "m": "a read gives 1", "F": "a list gives 1", "P": "a list gives 1"}
 # ... and where other clients log on and off, also what found no session.
 UNDONE_WITHOUT_SESSION = {"n": "a logon gives 1", "w": "an added item has no identifier", "s": "a choice gives 1",
-                          "i": "a choice gives 1"}
+                          "i": "a choice gives 1", "c": "a count is 0"}
+# What needs no session and is never refused. The list of the profiles (P) needs none either, but is refused while another saves it.
+ALWAYS_DONE = "fgS"
 OTHER_CLASSES = {"Others": "IPF.Contact", "Plans": "IPF.Appointment"}
 
 
@@ -43,6 +45,8 @@ class Overlap(SoakCase, ListCase):
                 file.rename(other / file.name)
         self.make_items("Bea", "Meeting")
         self.identifiers = {name: self.identifier("Mail", name) for *_, folders in KINDS.values() for name in folders}
+        # How many of what the clients add are in each folder.
+        self.added = dict.fromkeys(self.identifiers, 0)
         self.desktop("shutdown")
 
     @contextlib.contextmanager
@@ -73,23 +77,26 @@ class Overlap(SoakCase, ListCase):
             found[name] = found.get(name, 0) + 1
         return found
 
-    def assert_store_is_whole(self):
-        """Each item that nobody wrote is once in its folder, and nothing else but what the clients add."""
+    def assert_store_is_whole(self, is_all_deleted):
+        """Each item that nobody wrote is once in its folder, and nothing else but what the clients add: if it is all deleted again,
+        no more of that than what was left before and the first items."""
         for kind, (element, added, folders) in KINDS.items():
             for folder, text in folders.items():
                 found = self.names(kind, element, folder)
-                # The first items are added to the other folders while nothing else is done.
-                self.assertGreaterEqual(found.pop(added, 0), int(folder in OTHER_CLASSES), folder)
+                # The first items are added to the other folders while nothing else is done, and stay.
+                least = self.added[folder] + int(folder in OTHER_CLASSES)
+                self.added[folder] = found.pop(added, 0)
+                (self.assertEqual if is_all_deleted else self.assertGreaterEqual)(self.added[folder], least, folder)
                 self.assertEqual(found, {f"{text} {number}": 1 for number in range(self.ITEMS)}, folder)
         # The next clients are to find the agent that is started for them.
         self.desktop("shutdown")
 
     def overlap(self, seed, letters):
-        """Lets the clients loose on an agent of its own, with the calls of some letters."""
+        """Lets the clients loose on an agent of its own, with the calls of some letters. Gives whether none failed."""
         with self.heap_filling(harness.AGENT):
             agent = self.place.start_agent(FENNIC64_LEVEL="3")
         clients = self.start_stress("overlap", str(SECONDS), str(CLIENTS), str(seed), letters,
-                                    *map(self.identifiers.get, OTHER_CLASSES))
+                                    *map(self.identifiers.get, OTHER_CLASSES), str(self.ITEMS))
         try:
             clients.wait(SECONDS + harness.PATIENCE)
             end = "lives" if agent.poll() is None else f"ended with {agent.poll()}"
@@ -103,6 +110,7 @@ class Overlap(SoakCase, ListCase):
         harness.tell_measured(f"seed {seed}: {tally}, the agent {end}, its heaps are {'' if whole else 'not '}whole")
         self.assertEqual((end, whole), ("lives", True), tally)
         self.assert_calls_are_done(tally, letters)
+        return not tally["failed"]
 
     def tally_of(self, clients):
         """The lines of the clients: how many calls there were, and what became of them: how many had each outcome, by the
@@ -121,20 +129,25 @@ class Overlap(SoakCase, ListCase):
         outcomes = [tally[word] for word in ("succeeded", "failed", "nothing")]
         self.assertEqual(sum(sum(counts.values()) for counts in outcomes), tally["calls"], tally)
         self.assertEqual({letter for letter, *_ in (*tally["succeeded"], *tally["nothing"])}, set(letters), tally)
+        loses_session = self.loses_session(letters)
         # A slow machine may have no session in all the reads of a few seconds, where clients take it away.
-        loses_session = bool(set(letters) & set("nf"))
-        if FULL or not loses_session:
-            self.assertEqual({letter for letter, in tally["succeeded"]}, set(letters), tally)
+        succeeding = set(letters) if FULL or not loses_session else set(letters) & set(ALWAYS_DONE)
+        self.assertLessEqual(succeeding, {letter for letter, in tally["succeeded"]}, tally)
         self.assertLessEqual({status for _, status in tally["failed"]}, {"998"}, tally)
         self.assertLessEqual(sum(tally["failed"].values()), 1 + tally["calls"] // 1000, tally)
         known = UNDONE | (UNDONE_WITHOUT_SESSION if loses_session else {})
         self.assertLessEqual(set(tally["nothing"]), set(known.items()), tally)
 
+    def loses_session(self, letters):
+        """Whether clients log on and off among the calls of some letters."""
+        return bool(set(letters) & set("nf"))
+
     def assert_harmless(self, letters):
         for number in range(ROUNDS):
             with self.subTest(round=number):
-                self.overlap(SEED + number, letters)
-                self.assert_store_is_whole()
+                none_failed = self.overlap(SEED + number, letters)
+                # A write deletes what it added, unless it is cut off by a failure or loses the session in between.
+                self.assert_store_is_whole("w" not in letters or (none_failed and not self.loses_session(letters)))
 
     def test_a_byte_behind_a_block_is_found(self):
         program = "heap_damage.exe"
