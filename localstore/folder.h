@@ -14,9 +14,8 @@ class FolderSource : public PropertySource {
   public:
     /// The root of a store.
     explicit FolderSource(std::shared_ptr<StoreTree> tree);
-    /// A folder by its path. Its settings are read when something asks for them: in a read of changes, which
-    /// opens the folder twice, nothing does, and some systems look through all of a folder to find that it
-    /// has none.
+    /// A folder by its path. Its settings are read when something asks for them: nothing asks those folders
+    /// that a read of changes opens, and some systems look through all of a folder to find that it has none.
     FolderSource(std::shared_ptr<StoreTree> tree, Text path);
     /// A folder as it stands in a hierarchy, at a depth below the folder whose table it is.
     FolderSource(std::shared_ptr<StoreTree> tree, FolderInfo folder, LONG depth);

@@ -134,6 +134,30 @@ TEST_F(Folders, AFolderKeepsTheNameThatItHadWhenItWasAskedForIt) {
     EXPECT_EQ(TextOf(OpenFolder(store.Get(), L"Somebody").Get(), PR_CONTAINER_CLASS_W), L"IPF.Contact");
 }
 
+TEST_F(Folders, AFolderWhoseSettingsSomebodyKeepsToHimselfListsAndHasNoNameMeanwhile) {
+    AddContact(OpenContacts().Get(), L"one");
+    const wchar_t* const settings = L"Work\\Mail\\Contacts\\folder.ini";
+    const ComPtr<IMsgStore> store = OpenStore(LogOn().Get());
+    std::vector<BYTE> id = IdOf(OpenFolder(store.Get(), L"Contacts").Get());
+    WriteFileText(settings, "[Folder]\r\nName=People\r\n");
+    FileHandle kept(
+        CreateFileW(PathOf(settings).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(kept);
+    ComPtr<IMAPIFolder> folder;
+    ULONG type = 0;
+    ASSERT_EQ(store->OpenEntry(static_cast<ULONG>(id.size()), reinterpret_cast<LPENTRYID>(id.data()), nullptr,
+                               0, &type, reinterpret_cast<LPUNKNOWN*>(folder.GetAddressOf())),
+              S_OK);
+    EXPECT_EQ(OneValue(folder.Get(), PR_CONTENT_COUNT).Value().Value.l, 1);
+    SizedSPropTagArray(1, tags) = {1, {PR_DISPLAY_NAME_W}};
+    ULONG count = 0;
+    MapiBuffer<SPropValue> name;
+    EXPECT_EQ(folder->GetProps(reinterpret_cast<LPSPropTagArray>(&tags), MAPI_UNICODE, &count, name.Put()),
+              MAPI_E_BUSY);
+    kept.Reset();
+    EXPECT_EQ(TextOf(folder.Get(), PR_DISPLAY_NAME_W), L"People");
+}
+
 TEST_F(Folders, OnlyFoldersThatAreShownCountAsSubFolders) {
     const ComPtr<IMAPIFolder> contacts = OpenContacts();
     const auto hasSubFolders = [&] { return OneValue(contacts.Get(), PR_SUBFOLDERS).Value().Value.b; };
