@@ -82,11 +82,15 @@ bool CMAPIObject::OpenSession(const wchar_t* profile) {
                        named ? kLogonFlags : kLogonFlags | MAPI_USE_DEFAULT, session.GetAddressOf());
     m_lpMAPISession = std::move(session);
     Log(kLogTrace, L"CMAPIObject::MAPILogOn - MAPILogonEx(0X%08X)\r\n", result);
-    return result == S_OK && m_lpMAPISession;
+    return result == S_OK;
 }
 
 bool CMAPIObject::OpenDefaultStore() {
     const ComPtr<IMAPISession> session = m_lpMAPISession;
+    if (!session) {
+        // None came, or another call has taken it away since.
+        return false;
+    }
     const TableRows stores = QueryDefaultStore(session.Get());
     if (stores.Count() == 0) {
         return false;

@@ -70,6 +70,18 @@ TEST_F(OverlappingCalls, AWriteThatFindsNoSessionDoesNothing) {
     EXPECT_EQ(m_contact.m_strPIMID, L"");
 }
 
+TEST_F(OverlappingCalls, ALogonWhoseSessionIsTakenAwayFails) {
+    int made = 0;
+    OnLogLine(L"CMAPIObject::MAPILogOn - MAPILogonEx(0X00000000)\r\n", [&made] {
+        ++made;
+        g_MAPIObject.MAPIRelease();
+    });
+    EXPECT_EQ(g_MAPIObject.MAPILogOn(0, L""), 0);
+    EXPECT_EQ(made, 1);
+    OnLogLine(L"", nullptr);
+    EXPECT_NE(g_MAPIObject.MAPILogOn(0, L""), 0);
+}
+
 TEST_F(OverlappingCalls, AReadGoesOnInTheFolderThatItBeganIn) {
     for (const wchar_t* const name : {L"John", L"Jim", L"Joe"}) {
         m_contact.m_strPIMID = L"";
